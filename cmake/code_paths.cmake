@@ -1,0 +1,48 @@
+# The code paths, lowest first: the one list from which kernels, dispatch tables and tests are made.
+#
+# A row is: name | compiler flags | /proc/cpuinfo words that its code needs.
+# cnr_def is def's copy for reproducible results, so it stands beside def and is no processor type.
+set(_vox_avx2_flags "-mavx2 -mfma -mbmi -mbmi2 -mlzcnt -mpclmul")
+set(_vox_avx2_words "avx2 fma bmi1 bmi2 abm pclmulqdq")
+set(VOX_CODE_PATH_TABLE
+  "def        | -msse2                                                                    | sse2"
+  "cnr_def    | -msse2 -ffp-contract=off                                                  | sse2"
+  "ssse3      | -mssse3                                                                   | ssse3"
+  "sse42      | -msse4.2 -mpopcnt                                                         | sse4_2 popcnt"
+  "avx        | -mavx                                                                     | avx"
+  "avx2       | ${_vox_avx2_flags}                                                        | ${_vox_avx2_words}"
+  "avx512_zel | ${_vox_avx2_flags} -mavx512f -mavx512cd                                   | ${_vox_avx2_words} avx512f avx512cd"
+  "avx512     | ${_vox_avx2_flags} -mavx512f -mavx512cd -mavx512dq -mavx512bw -mavx512vl  | ${_vox_avx2_words} avx512f avx512cd avx512dq avx512bw avx512vl"
+)
+
+set(VOX_CODE_PATHS "")
+set(_vox_path_list "")
+foreach(row IN LISTS VOX_CODE_PATH_TABLE)
+  string(REGEX REPLACE " *\\| *" ";" cells "${row}")
+  list(GET cells 0 name)
+  string(STRIP "${name}" name)
+  list(GET cells 1 flags)
+  list(GET cells 2 words)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  separate_arguments(words UNIX_COMMAND "${words}")
+  list(APPEND VOX_CODE_PATHS ${name})
+  set(VOX_PATH_FLAGS_${name} ${flags})
+  set(VOX_PATH_WORDS_${name} ${words})
+  string(APPEND _vox_path_list " \\\n    X(${name}, __VA_ARGS__)")
+endforeach()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/code_path_list.hpp.in
+               ${PROJECT_BINARY_DIR}/generated/serv/code_path_list.hpp @ONLY)
+
+# vox_add_kernels(<family> <sources...>): compiles each kernel source once per code path and adds the
+# objects to the library. In the source, VOX_KERNEL(<family>, <routine>) names the copy.
+function(vox_add_kernels family)
+  foreach(path IN LISTS VOX_CODE_PATHS)
+    set(target ${family}_kernels_${path})
+    add_library(${target} OBJECT ${ARGN})
+    target_link_libraries(${target} PRIVATE vox_options)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}})
+    target_compile_definitions(${target} PRIVATE VOX_PATH=${path})
+    set_property(GLOBAL APPEND PROPERTY VOX_OBJECTS ${target})
+    set_property(GLOBAL APPEND PROPERTY VOX_KERNEL_OBJECTS ${target})
+  endforeach()
+endfunction()

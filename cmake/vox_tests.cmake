@@ -1,0 +1,79 @@
+# vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
+#
+# It links libvox.so as a user would; INTERNAL links the static library, whose hidden functions a
+# test of pure logic may call. PER_PATH registers it once per code path that this machine can run;
+# the test's main checks that the path that was asked for is the one that runs. Everything but what is
+# labelled "slow" is part of the quick loop (ctest -L quick).
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+file(READ /proc/cpuinfo vox_cpuinfo LIMIT 16384)
+string(REGEX MATCH "flags[^\n]*" vox_cpuinfo "${vox_cpuinfo}")
+string(APPEND vox_cpuinfo " ")
+set(VOX_RUNNABLE_PATHS "")
+foreach(path IN LISTS VOX_CODE_PATHS)
+  set(runnable TRUE)
+  foreach(word IN LISTS VOX_PATH_WORDS_${path})
+    if(NOT vox_cpuinfo MATCHES " ${word} ")
+      set(runnable FALSE)
+    endif()
+  endforeach()
+  if(runnable)
+    list(APPEND VOX_RUNNABLE_PATHS ${path})
+  endif()
+endforeach()
+message(STATUS "Code paths this machine can run: ${VOX_RUNNABLE_PATHS}")
+
+# The setting that forces a path: a processor type, or the reproducibility branch for cnr_def.
+set(_vox_types def ssse3 sse42 avx avx2 avx512_zel avx512)
+set(_vox_type_values 0 2 3 4 5 6 7)
+function(vox_path_environment path out)
+  list(FIND _vox_types ${path} i)
+  if(i LESS 0)
+    set(${out} "VOX_CBWR=COMPATIBLE" PARENT_SCOPE)
+  else()
+    list(GET _vox_type_values ${i} type)
+    set(${out} "VOX_DEBUG_CPU_TYPE=${type}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+add_library(vox_test_support STATIC
+  ${PROJECT_SOURCE_DIR}/tests/support/main.cpp
+  ${PROJECT_SOURCE_DIR}/tests/support/child.cpp)
+target_link_libraries(vox_test_support PUBLIC vox_host_options GTest::gtest)
+
+set(VOX_TEST_ENVIRONMENT
+  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
+  "UBSAN_OPTIONS=print_stacktrace=1")
+
+function(vox_register_test test command)
+  add_test(NAME ${test} COMMAND ${command})
+  set(labels ${ARGN})
+  if(NOT "slow" IN_LIST labels)
+    list(APPEND labels quick)
+  endif()
+  set_tests_properties(${test} PROPERTIES LABELS "${labels}" TIMEOUT 300)
+endfunction()
+
+function(vox_add_test name)
+  cmake_parse_arguments(ARG "INTERNAL;PER_PATH" "" "LABELS" ${ARGN})
+  add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
+  if(ARG_INTERNAL)
+    set(library vox_static)
+  else()
+    set(library vox)
+  endif()
+  target_link_libraries(${name} PRIVATE vox_test_support ${library} Threads::Threads)
+  if(ARG_PER_PATH)
+    foreach(path IN LISTS VOX_RUNNABLE_PATHS)
+      vox_path_environment(${path} setting)
+      vox_register_test(${name}.${path} ${name} ${ARG_LABELS})
+      set_tests_properties(${name}.${path} PROPERTIES
+        ENVIRONMENT "${VOX_TEST_ENVIRONMENT};${setting};VOX_TEST_PATH=${path}")
+    endforeach()
+  else()
+    vox_register_test(${name} ${name} ${ARG_LABELS})
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${VOX_TEST_ENVIRONMENT}")
+  endif()
+endfunction()
+find_package(Threads REQUIRED)

@@ -1,0 +1,9 @@
+/* vox.h - everything that the library exports. */
+#ifndef VOX_VOX_H
+#define VOX_VOX_H
+
+#include "vox/blas.h"
+#include "vox/cblas.h"
+#include "vox/service.h"
+
+#endif

@@ -1,0 +1,50 @@
+// child.hpp - runs a function of a test binary in a fresh process with its own environment.
+//
+// Settings are read once per process, so each environment needs a process of its own:
+//
+//   CHILD(max_threads) { std::printf("%d", vox_get_max_threads()); }
+//
+//   TEST(Threads, ABadNumberCountsAsOne) {
+//       EXPECT_EQ(run_child(max_threads, {{"VOX_NUM_THREADS", "4x"}}).out, "1");
+//   }
+//
+// The child is a new execution of the same binary. It inherits the parent's environment without the
+// variables that steer the library (VOX_*, OMP_*, KMP_*, MPI's), then gets the ones given. A child that
+// runs longer than 60 seconds is killed.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+struct child_entry {
+    const char *name;
+    void (*body)();
+    child_entry *next;
+    child_entry(const char *name, void (*body)());
+};
+
+struct child_result {
+    int status = -1; // exit status; -1 when a signal ended the child
+    int signal = 0;
+    std::string out, err;
+};
+
+using environment = std::vector<std::pair<std::string, std::string>>;
+
+child_result run_child(const child_entry &entry, const environment &settings = {});
+
+// Runs any program the same way.
+child_result run_program(const std::vector<std::string> &command, const environment &settings = {});
+
+// Runs the named child's body if this process was started as one; called by main.
+bool run_as_child();
+
+} // namespace test
+
+#define CHILD(name)                                                                                \
+    static void child_body_##name();                                                               \
+    static const test::child_entry name(#name, child_body_##name);                                 \
+    static void child_body_##name()
