@@ -28,7 +28,8 @@ using index_t = int64_t;
     VOX_ALIAS(upper, lower##_)
 
 // The Fortran forms of a C function that takes scalars by value: name_ and NAME, by address.
-// parameters: the Fortran parameter list; arguments: what the C function receives; both parenthesised.
+// parameters: the Fortran parameter list; arguments: what the C function receives; both
+// parenthesised.
 #define VOX_FORTRAN_FORM(result, lower, upper, parameters, arguments)                              \
     extern "C" result lower##_ parameters { return lower arguments; }                              \
     VOX_ALIAS(upper, lower##_)

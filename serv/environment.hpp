@@ -1,7 +1,8 @@
 // environment.hpp - the one place that reads environment variables.
 //
 // Every setting is read at the first call that needs it, once, and bounded. A value longer than its
-// bound is ignored as if the variable were missing: cut short it could turn into another valid word.
+// bound is ignored as if the variable were missing: cut short it could turn into another valid
+// word.
 #pragma once
 
 #include <stddef.h>
@@ -10,8 +11,8 @@ namespace vox {
 
 enum class env_state { missing, present, too_long };
 
-// Copies the variable's value, of at most `max` characters, into text[0 .. max] with its terminator;
-// text is empty unless the state is `present`.
+// Copies the variable's value, of at most `max` characters, into text[0 .. max] with its
+// terminator; text is empty unless the state is `present`.
 env_state read_environment(const char *name, char *text, size_t max);
 
 template <size_t Max>
@@ -26,8 +27,8 @@ struct env_value {
 // Non-empty and decimal digits throughout: stores the number, INT_MAX when it is larger than that.
 bool parse_digits(const char *text, int *value);
 
-// One integer and nothing after it; leading blanks and a sign are allowed. base 0: also 0x and 0 forms.
-// Numbers outside the range of long long are held at its ends.
+// One integer and nothing after it; leading blanks and a sign are allowed. base 0: also 0x and 0
+// forms. Numbers outside the range of long long are held at its ends.
 bool parse_integer(const char *text, int base, long long *value);
 
 } // namespace vox

@@ -1,9 +1,11 @@
-// lock.hpp - the library's locks: spin locks on 32-bit words, and the one list of process-wide locks.
+// lock.hpp - the library's locks: spin locks on 32-bit words, and the one list of process-wide
+// locks.
 //
-// Critical sections are a few instructions or happen once per process, so spinning (with a yield) is
-// enough. fork() may come at any moment: the list lets its handlers take every lock before the fork and
-// release it on both sides, so a child never inherits a lock that nobody will release, nor a half-made
-// change. No lock of the list is held while code of the user's runs (handlers, allocation hooks).
+// Critical sections are a few instructions or happen once per process, so spinning (with a yield)
+// is enough. fork() may come at any moment: the list lets its handlers take every lock before the
+// fork and release it on both sides, so a child never inherits a lock that nobody will release, nor
+// a half-made change. No lock of the list is held while code of the user's runs (handlers,
+// allocation hooks).
 #pragma once
 
 #include <atomic>
@@ -17,7 +19,7 @@ namespace vox {
 enum class lock_id {
     verbose_header,
     detection,
-    reproducibility,
+    processor,
     thread_settings,
     thread_key,
     memory_setup,
@@ -47,8 +49,8 @@ class scoped_lock {
     lock_id id_;
 };
 
-// Runs `body` once per process: test, lock, test again. A caller that finds `done` set sees all that
-// the body wrote.
+// Runs `body` once per process: test, lock, test again. A caller that finds `done` set sees all
+// that the body wrote.
 template <class Body>
 inline void once(std::atomic<bool> &done, lock_id id, Body body) {
     if (VOX_LIKELY(done.load(std::memory_order_acquire)))

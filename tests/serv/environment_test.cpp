@@ -32,9 +32,11 @@ TEST(Environment, ParsesDigitsOnly) {
     for (const char *text : {"", " 4", "4 ", "+4", "-4", "4x", "0x4", "4.0"})
         EXPECT_FALSE(vox::parse_digits(text, &value)) << text;
     EXPECT_EQ(value, -7);
-    const std::pair<const char *, int> good[] = {
-        {"0", 0},          {"007", 7},           {"2147483647", INT_MAX}, {"2147483648", INT_MAX},
-        {"99999999999999999999999999", INT_MAX}};
+    const std::pair<const char *, int> good[] = {{"0", 0},
+                                                 {"007", 7},
+                                                 {"2147483647", INT_MAX},
+                                                 {"2147483648", INT_MAX},
+                                                 {"99999999999999999999999999", INT_MAX}};
     for (const auto &[text, expected] : good) {
         EXPECT_TRUE(vox::parse_digits(text, &value)) << text;
         EXPECT_EQ(value, expected) << text;

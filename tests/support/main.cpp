@@ -1,5 +1,5 @@
-// main.cpp - main of every test binary: runs as a child if asked to, else checks that the code path that
-// the registration forces (VOX_TEST_PATH) is the one that runs, and runs the tests.
+// main.cpp - main of every test binary: runs as a child if asked to, else checks that the code path
+// that the registration forces (VOX_TEST_PATH) is the one that runs, and runs the tests.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,8 +11,8 @@
 namespace {
 
 const char *running_path() {
-    static const char *const names[] = {"def", "", "ssse3", "sse42", "avx", "avx2", "avx512_zel",
-                                        "avx512"};
+    static const char *const names[] = {"def", "",     "ssse3",      "sse42",
+                                        "avx", "avx2", "avx512_zel", "avx512"};
     const int type = vox_get_cpu_type(0);
     if ((type == 0 || type == 2) && vox_cbwr_get(1) != VOX_CBWR_OFF)
         return "cnr_def";
