@@ -1,0 +1,146 @@
+// cpu_test.cpp - the processor choice of a real process: settings from the environment, in
+// children.
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/child.hpp"
+#include "vox/service.h"
+
+namespace {
+
+using namespace test;
+
+CHILD(print_type) { std::printf("%d", vox_serv_cpu_detect()); }
+CHILD(print_branch) {
+    vox_serv_cpu_detect();
+    std::printf("%d", vox_cbwr_get(1));
+}
+
+// What this machine's ladder gives when the vendor test is open: the reference for the settings.
+int own_type() { return std::stoi(run_child(print_type, {{"VOX_CPU_VENDOR", "ANY"}}).out); }
+
+std::string type_with(const environment &settings) { return run_child(print_type, settings).out; }
+
+TEST(Cpu, AnotherMakersProcessorRunsDefUntilTheVendorTestIsOpened) {
+    const int own = own_type();
+    ASSERT_GE(own, VOX_CPU_SSSE3);
+    const std::string closed = vox_serv_quarn_cpu_true() ? std::to_string(own) : "0";
+    EXPECT_EQ(type_with({}), closed);
+    for (const std::string &value :
+         {std::string(), std::string("any"), std::string("NoSuchVendor"),
+          std::string("ANYANYANYANYANYANYANYANYANYANY1"), std::string(100000, 'A')})
+        EXPECT_EQ(type_with({{"VOX_CPU_VENDOR", value}}), closed) << value.substr(0, 40);
+}
+
+TEST(Cpu, TheCeilingVariableTakesExactWordsOnly) {
+    const std::string own = std::to_string(own_type());
+    EXPECT_EQ(type_with({{"VOX_CPU_VENDOR", "ANY"}, {"VOX_ENABLE_INSTRUCTIONS", "SSE4_2"}}), "3");
+    EXPECT_EQ(type_with({{"VOX_CPU_VENDOR", "ANY"}, {"VOX_ENABLE_INSTRUCTIONS", "AVX"}}), "4");
+    for (const std::string &word : {std::string(), std::string("AVX2 "), std::string(" SSE4_2"),
+                                    std::string("sse4_2"), std::string(100000, 'x')}) {
+        const child_result r =
+            run_child(print_type, {{"VOX_CPU_VENDOR", "ANY"}, {"VOX_ENABLE_INSTRUCTIONS", word}});
+        EXPECT_EQ(r.out + r.err, own) << word.substr(0, 20);
+    }
+}
+
+TEST(Cpu, TheDebugTypeForcesAPathOrEndsTheProcess) {
+    for (const char *type : {"0", "2", "3", " 3"})
+        EXPECT_EQ(type_with({{"VOX_DEBUG_CPU_TYPE", type}}), std::to_string(std::stoi(type)));
+    if (own_type() == VOX_CPU_AVX512) {
+        for (const char *type : {"6", "8"})
+            EXPECT_EQ(type_with({{"VOX_DEBUG_CPU_TYPE", type}}), "6");
+    }
+    for (const char *type : {"9", "-1", "99999999999999999999"}) {
+        const child_result r = run_child(print_type, {{"VOX_DEBUG_CPU_TYPE", type}});
+        EXPECT_EQ(r.status, 1) << type;
+        EXPECT_EQ(r.out, "") << type;
+        EXPECT_NE(r.err.find("Quarn VOX ERROR: CPU "), std::string::npos) << r.err;
+    }
+    EXPECT_EQ(run_child(print_type, {{"VOX_DEBUG_CPU_TYPE", "9"}}).err,
+              "Quarn VOX ERROR: CPU 9 is not supported.\n");
+    for (const std::string &junk : {std::string(), std::string("5x"), std::string("five"),
+                                    std::string("3 "), std::string(100000, '3')}) {
+        const child_result r = run_child(print_type, {{"VOX_DEBUG_CPU_TYPE", junk}});
+        EXPECT_EQ(r.out + r.err, type_with({})) << junk.substr(0, 20);
+    }
+}
+
+TEST(Cpu, TheBranchVariableForcesATypeOrWarns) {
+    EXPECT_EQ(type_with({{"VOX_CBWR", "COMPATIBLE"}}), "0");
+    EXPECT_EQ(type_with({{"VOX_CBWR", "BRANCH=SSSE3"}}), "2");
+    EXPECT_EQ(type_with({{"VOX_CBWR", "SSE4_2"}, {"VOX_ENABLE_INSTRUCTIONS", "SSE4_2"}}), "3");
+    const std::string warning =
+        "Quarn VOX WARNING: incorrect conditional numerical reproducibility "
+        "mode, VOX_CBWR_AUTO is set\n";
+    for (const char *bad : {"OFF", "SSSE3 ", "BRANCH=", "AVX512_ZEL_E1"}) {
+        const child_result r = run_child(print_branch, {{"VOX_CBWR", bad}});
+        EXPECT_EQ(r.err, warning) << bad;
+        EXPECT_EQ(r.out, "2") << bad;
+    }
+    for (const std::string &ignored : {std::string(), std::string(100000, 'A')}) {
+        const child_result r = run_child(print_branch, {{"VOX_CBWR", ignored}});
+        EXPECT_EQ(r.out + r.err, "1");
+    }
+}
+
+CHILD(set_branch) {
+    std::printf("%d ", vox_cbwr_set(99));
+    std::printf("%d ", vox_cbwr_set(VOX_CBWR_AVX512_ZEL_E1));
+    std::printf("%d ", vox_cbwr_set(VOX_CBWR_SSSE3));
+    std::printf("%d %d ", vox_cbwr_get(1), vox_serv_cpu_detect());
+    std::printf("%d %d", vox_cbwr_set(VOX_CBWR_SSSE3), vox_cbwr_set(VOX_CBWR_OFF));
+}
+TEST(Cpu, TheBranchCanBeSetUntilThePathIsChosen) {
+    EXPECT_EQ(run_child(set_branch, {{"VOX_CBWR", "COMPATIBLE"}}).out, "-1 -2 0 6 2 0 -3");
+}
+
+CHILD(enable_then_detect) {
+    std::printf("%d ", vox_enable_instructions(17));
+    std::printf("%d ", vox_serv_get_cpu_type(0)); // the variable no longer counts
+    std::printf("%d ", vox_enable_instructions(VOX_ENABLE_AVX));
+    std::printf("%d ", vox_serv_is_avx_enabled() * 10 + vox_serv_is_avx2_enabled());
+    std::printf("%d", vox_serv_get_cpu_type(1) * 10 + (vox_serv_get_cpu_type(0) > VOX_CPU_AVX));
+}
+TEST(Cpu, ACallFixesTheCeilingAndALaterOneDoesNotMoveAChosenPath) {
+    const int own = own_type();
+    ASSERT_GT(own, VOX_CPU_AVX);
+    EXPECT_EQ(run_child(enable_then_detect,
+                        {{"VOX_CPU_VENDOR", "ANY"}, {"VOX_ENABLE_INSTRUCTIONS", "SSE4_2"}})
+                  .out,
+              "0 " + std::to_string(own) + " 1 10 41");
+    // A debug type leaves no say to the ceiling.
+    EXPECT_EQ(
+        run_child(enable_then_detect, {{"VOX_CPU_VENDOR", "ANY"}, {"VOX_DEBUG_CPU_TYPE", "2"}}).out,
+        "0 2 0 11 20");
+}
+
+CHILD(detect_from_many_threads) {
+    std::vector<std::thread> threads;
+    std::vector<int> types(32, -1);
+    for (int &type : types)
+        threads.emplace_back([&type] { type = vox_serv_cpu_detect(); });
+    for (std::thread &t : threads)
+        t.join();
+    bool same = true;
+    for (int type : types)
+        same = same && type == types[0];
+    std::printf("%d", same ? types[0] : -1);
+}
+TEST(Cpu, ManyThreadsMayMakeTheFirstCall) {
+    EXPECT_EQ(run_child(detect_from_many_threads, {{"VOX_CBWR", "SSSE3"}}).out, "2");
+}
+
+CHILD(survive_exit_handler) {
+    vox_set_exit_handler([](int status) { std::printf("exit %d, ", status); });
+    std::printf("type %d", vox_serv_cpu_detect());
+}
+TEST(Cpu, AnExitHandlerThatReturnsLeavesTheBaseline) {
+    EXPECT_EQ(run_child(survive_exit_handler, {{"VOX_DEBUG_CPU_TYPE", "12"}}).out,
+              "exit 1, type 0");
+}
+
+} // namespace
