@@ -3,10 +3,11 @@
 //   VOX_DISPATCH(blas, ddot, double, (const index_t *n, const double *x, ...), (n, x, ...))
 //
 // defines vox_blas_xddot with its slot and its choice among the copies vox_blas_<path>_xddot, one
-// per code path. The slot is empty at load and filled by the first call; from then on a call is a
-// load, a predicted test and an indirect jump. Two threads may both fill it: they store the same
-// pointer. The choice is code, not a table of addresses, which the dynamic linker would have to
-// relocate at load. A missing copy is a link error.
+// per code path, and the function object xddot, which is the same inlined where the macro stands.
+// The slot is empty at load and filled by the first call; from then on a call is a load, a
+// predicted test and an indirect jump. Two threads may both fill it: they store the same pointer.
+// The choice is code, not a table of addresses, which the dynamic linker would have to relocate at
+// load. A missing copy is a link error.
 #pragma once
 
 #include <atomic>
@@ -18,8 +19,7 @@
 namespace vox {
 
 template <class Kernel>
-__attribute__((cold, noinline)) inline Kernel *bind(std::atomic<Kernel *> &slot,
-                                                    Kernel *(*choose)(code_path)) {
+inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(code_path)) {
     vox_serv_inspector_suppress(&slot, sizeof slot);
     Kernel *const kernel = choose(this_code_path());
     slot.store(kernel, std::memory_order_relaxed);
@@ -38,19 +38,21 @@ __attribute__((cold, noinline)) inline Kernel *bind(std::atomic<Kernel *> &slot,
 #define VOX_DISPATCH(family, routine, result, parameters, arguments)                               \
     VOX_CODE_PATHS(VOX_COPY_DECLARE, family, routine, result, parameters)                          \
     namespace {                                                                                    \
-    namespace dispatch_##routine {                                                                 \
-        using kernel = result parameters;                                                          \
-        constinit std::atomic<kernel *> slot;                                                      \
-        __attribute__((cold)) kernel *choose(vox::code_path path) {                                \
+    struct x##routine##_dispatch {                                                                 \
+        using kernel_type = result parameters;                                                     \
+        static constinit inline std::atomic<kernel_type *> slot{nullptr};                          \
+        __attribute__((cold)) static kernel_type *choose(vox::code_path path) {                    \
             switch (path) { VOX_CODE_PATHS(VOX_COPY_CASE, family, routine) }                       \
             __builtin_unreachable();                                                               \
         }                                                                                          \
+        __attribute__((cold, noinline)) static result first_call parameters {                      \
+            return vox::bind(slot, choose) arguments;                                              \
+        }                                                                                          \
+        __attribute__((always_inline)) inline result operator() parameters const {                 \
+            kernel_type *const kernel = slot.load(std::memory_order_relaxed);                      \
+            return VOX_LIKELY(kernel) ? kernel arguments : first_call arguments;                   \
+        }                                                                                          \
+    };                                                                                             \
+    constexpr x##routine##_dispatch x##routine;                                                    \
     }                                                                                              \
-    }                                                                                              \
-    extern "C" result vox_##family##_x##routine parameters {                                       \
-        dispatch_##routine::kernel *kernel =                                                       \
-            dispatch_##routine::slot.load(std::memory_order_relaxed);                              \
-        if (VOX_UNLIKELY(!kernel))                                                                 \
-            kernel = vox::bind(dispatch_##routine::slot, dispatch_##routine::choose);              \
-        return kernel arguments;                                                                   \
-    }
+    extern "C" result vox_##family##_x##routine parameters { return x##routine arguments; }

@@ -1,11 +1,13 @@
 // entry.hpp - from an exported Fortran-callable routine to its driver: integers widened to 64 bits,
 // and the call printed when verbose mode is on.
 //
-//   return vox::logged("DDOT", vox_blas_ddot, n, x, incx, y, incy);
+//   return vox::logged("DDOT", driver, n, x, incx, y, incy);
 //
-// calls the driver with pointers to 64-bit copies of the integers; everything else passes through.
+// calls the driver with the integers by value as 64-bit integers; everything else passes through.
 // In verbose mode the line shows every argument by its type: integers by value, characters, and the
 // addresses of everything else. With verbose mode off the cost is one load and a predicted branch.
+// The driver is a function object, so that it is inlined here: a call on a few elements takes less
+// time than the stack frames of three more functions.
 #pragma once
 
 #include "serv/base.hpp"
@@ -15,16 +17,10 @@ namespace vox {
 
 // How one argument is handed to the driver.
 template <class A>
-struct widened {
-    A value;
-    A pass() const { return value; }
-};
-template <>
-struct widened<const vox_int *> {
-    index_t value;
-    explicit widened(const vox_int *p) : value(*p) {}
-    const index_t *pass() const { return &value; }
-};
+inline A widened(A argument) {
+    return argument;
+}
+inline index_t widened(const vox_int *integer) { return *integer; }
 
 // The text of a call, "DDOT(5,0x7f..,1,0x7f..,1)", cut where its buffer ends.
 class call_text {
@@ -60,12 +56,19 @@ class logged_scope {
     double seconds_;
 };
 
-template <class Result, class... Parameters, class... A>
-inline Result logged(const char *routine, Result (*driver)(Parameters...), A... arguments) {
-    if (VOX_LIKELY(!verbose_on()))
-        return driver(widened<A>(arguments).pass()...);
+template <class Driver, class... A>
+__attribute__((cold, noinline)) auto print_and_call(const char *routine, Driver driver,
+                                                    A... arguments) {
     const logged_scope<A...> scope(routine, arguments...);
-    return driver(widened<A>(arguments).pass()...);
+    return driver(widened(arguments)...);
+}
+
+template <class Driver, class... A>
+__attribute__((always_inline)) inline auto logged(const char *routine, Driver driver,
+                                                  A... arguments) {
+    if (VOX_UNLIKELY(verbose_on()))
+        return print_and_call(routine, driver, arguments...);
+    return driver(widened(arguments)...);
 }
 
 } // namespace vox

@@ -39,9 +39,24 @@ using vec = typename vec_of<T, vector_bytes>::type;
 template <class T>
 constexpr int lanes = vector_bytes / int(sizeof(T));
 
-template <class T>
-inline vec<T> load(const T *p) {
-    return *reinterpret_cast<const typename vec_of<T, vector_bytes>::unaligned *>(p);
+// body(constant<0>), ..., body(constant<N-1>), unrolled before the optimiser sees a loop: an array
+// that is indexed only by these constants lives in registers.
+template <int I>
+struct constant {
+    constexpr operator int() const { return I; }
+};
+template <int N, class Body>
+__attribute__((always_inline)) inline void unroll(const Body &body) {
+    if constexpr (N > 0) {
+        unroll<N - 1>(body);
+        body(constant<N - 1>());
+    }
+}
+
+template <int Bytes = vector_bytes, class T>
+inline auto load(const T *p) {
+    return typename vec_of<T, Bytes>::type(
+        *reinterpret_cast<const typename vec_of<T, Bytes>::unaligned *>(p));
 }
 
 template <class T>
@@ -65,17 +80,18 @@ inline V fma(V a, V b, V c) {
 
 // The first n elements (0 <= n < lanes), zeros after them.
 #if defined(__AVX512F__)
+inline unsigned first_lanes(index_t n) { return _bzhi_u32(~0u, unsigned(n)); }
 inline vec<double> load_partial(const double *p, index_t n) {
-    return _mm512_maskz_loadu_pd(__mmask8((1u << n) - 1), p);
+    return _mm512_maskz_loadu_pd(__mmask8(first_lanes(n)), p);
 }
 inline vec<float> load_partial(const float *p, index_t n) {
-    return _mm512_maskz_loadu_ps(__mmask16((1u << n) - 1), p);
+    return _mm512_maskz_loadu_ps(__mmask16(first_lanes(n)), p);
 }
 inline void store_partial(double *p, vec<double> v, index_t n) {
-    _mm512_mask_storeu_pd(p, __mmask8((1u << n) - 1), v);
+    _mm512_mask_storeu_pd(p, __mmask8(first_lanes(n)), v);
 }
 inline void store_partial(float *p, vec<float> v, index_t n) {
-    _mm512_mask_storeu_ps(p, __mmask16((1u << n) - 1), v);
+    _mm512_mask_storeu_ps(p, __mmask16(first_lanes(n)), v);
 }
 #elif defined(__AVX__)
 // A window of 2 lanes words that starts n words before the edge between ones and zeros.

@@ -1,17 +1,17 @@
-// dot.cpp - ?dot: quick return and threads.
+// dot.hpp - ?dot: quick return and threads.
 //
 // The vector is cut into parts of at least min_part elements; each part's sum comes from the
 // kernel, and the partial sums are added in a fixed order. How many parts there are depends on n
 // and the thread count alone, so the result does too, even when the runtime delivers a smaller
 // team.
-#include "blas/blas.hpp"
+#pragma once
+
+#include "serv/base.hpp"
 #include "serv/parallel.hpp"
 #include "serv/scratch.hpp"
 #include "vox/service.h"
 
-namespace {
-
-using namespace vox;
+namespace vox::dot {
 
 constexpr index_t min_threaded = 4096; // elements
 constexpr index_t min_part = 2048;
@@ -30,12 +30,9 @@ T sum_of_partials(const T *partial, index_t parts) {
     return partial[0] + (pair[0] + pair[1]);
 }
 
-template <class T>
-using dot_kernel = T VOX_DOT_PARAMETERS(T);
-
-template <class T>
-T dot_in_parts(dot_kernel<T> *kernel, index_t parts, T *partial, index_t n, const T *x,
-               index_t incx, const T *y, index_t incy) {
+template <class T, class Kernel>
+T in_parts(Kernel kernel, index_t parts, T *partial, index_t n, const T *x, index_t incx,
+           const T *y, index_t incy) {
     parallel(int(parts), [&](int thread, int threads) {
         for (index_t part = thread; part < parts; part += threads) {
             index_t length = 0;
@@ -49,38 +46,33 @@ T dot_in_parts(dot_kernel<T> *kernel, index_t parts, T *partial, index_t n, cons
     return sum_of_partials(partial, parts);
 }
 
-template <class T>
-__attribute__((noinline)) T dot_threaded(dot_kernel<T> *kernel, index_t n, const T *x, index_t incx,
-                                         const T *y, index_t incy) {
-    const index_t threads = vox_serv_domain_get_max_threads(VOX_DOMAIN_BLAS);
+template <class T, class Kernel>
+__attribute__((noinline)) T threaded(Kernel kernel, index_t n, const T *x, index_t incx, const T *y,
+                                     index_t incy) {
+    const bool one_element = incx == 0 || incy == 0;
+    const index_t threads = one_element ? 1 : vox_serv_domain_get_max_threads(VOX_DOMAIN_BLAS);
     const index_t most = (n + min_part - 1) / min_part;
     const index_t parts = most < threads ? most : threads;
     if (parts > 1 && parts <= max_parts_on_stack) {
         T partial[max_parts_on_stack];
-        return dot_in_parts(kernel, parts, partial, n, x, incx, y, incy);
+        return in_parts(kernel, parts, partial, n, x, incx, y, incy);
     }
     if (parts > 1) {
         const scratch<T> partial(parts, 128);
         if (partial)
-            return dot_in_parts(kernel, parts, partial.data(), n, x, incx, y, incy);
+            return in_parts(kernel, parts, partial.data(), n, x, incx, y, incy);
     }
     return kernel(&n, x, &incx, y, &incy);
 }
 
-template <class T>
-inline T dot(dot_kernel<T> *kernel, const index_t *n, const T *x, const index_t *incx, const T *y,
-             const index_t *incy) {
-    if (*n < 1)
+template <class T, class Kernel>
+__attribute__((always_inline)) inline T driver(Kernel kernel, index_t n, const T *x, index_t incx,
+                                               const T *y, index_t incy) {
+    if (n < 1)
         return T(0);
-    if (VOX_UNLIKELY(*n >= min_threaded) && *incx != 0 && *incy != 0)
-        return dot_threaded(kernel, *n, x, *incx, y, *incy);
-    return kernel(n, x, incx, y, incy);
+    if (VOX_UNLIKELY(n >= min_threaded))
+        return threaded(kernel, n, x, incx, y, incy);
+    return kernel(&n, x, &incx, y, &incy);
 }
 
-} // namespace
-
-#define DOT(p, T)                                                                                  \
-    extern "C" T vox_blas_##p##dot VOX_DOT_PARAMETERS(T) {                                         \
-        return dot<T>(vox_blas_x##p##dot, n, x, incx, y, incy);                                    \
-    }
-DOT(d, double)
+} // namespace vox::dot
