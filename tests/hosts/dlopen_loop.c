@@ -1,0 +1,54 @@
+/* dlopen_loop.c - a program that opens the library, uses it, closes it, and does so again.
+ *
+ * Opening must start no thread and leave the floating-point state alone; a thread that has used the
+ * library may end after it was closed. */
+#include <dirent.h>
+#include <dlfcn.h>
+#include <pthread.h>
+#include <xmmintrin.h>
+
+#include "check.h"
+
+typedef double ddot_function(const int *, const double *, const int *, const double *, const int *);
+
+static int threads_of_this_process(void) {
+    DIR *tasks = opendir("/proc/self/task");
+    CHECK(tasks);
+    int count = 0;
+    for (struct dirent *e = readdir(tasks); e; e = readdir(tasks))
+        count += e->d_name[0] != '.';
+    closedir(tasks);
+    return count;
+}
+
+static double ones[10000];
+
+static void *open_use_close(void *unused) {
+    void *library = dlopen(VOX_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    CHECK(library);
+    ddot_function *ddot = (ddot_function *)dlsym(library, "ddot_");
+    CHECK(ddot);
+    const int n = 10000, one = 1;
+    CHECK(ddot(&n, ones, &one, ones, &one) == 10000);
+    CHECK(dlclose(library) == 0);
+    return unused;
+}
+
+int main(void) {
+    for (int i = 0; i < 10000; ++i)
+        ones[i] = 1;
+    const unsigned mxcsr = _mm_getcsr();
+    void *library = dlopen(VOX_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    CHECK(library);
+    CHECK(threads_of_this_process() == 1);
+    CHECK(_mm_getcsr() == mxcsr);
+    CHECK(dlclose(library) == 0);
+    for (int i = 0; i < 20; ++i) {
+        open_use_close(NULL);
+        pthread_t thread;
+        CHECK(pthread_create(&thread, NULL, open_use_close, NULL) == 0);
+        CHECK(pthread_join(thread, NULL) == 0);
+    }
+    CHECK(_mm_getcsr() == mxcsr);
+    return 0;
+}
