@@ -8,7 +8,6 @@
 #include <nl_types.h>
 #include <string.h>
 
-#include "serv/base.hpp"
 #include "serv/environment.hpp"
 
 namespace {

@@ -8,7 +8,6 @@
 #include <stdio.h>
 #include <stdio_ext.h>
 
-#include "serv/base.hpp"
 #include "serv/catalogue.hpp"
 #include "vox/service.h"
 
