@@ -21,6 +21,11 @@ vox::env_state vox::read_environment(const char *name, char *text, size_t max) {
     return env_state::present;
 }
 
+void vox::set_environment(const char *name, const char *value) {
+    scoped_lock guard(lock_id::environment);
+    setenv(name, value, 1);
+}
+
 bool vox::parse_digits(const char *text, int *value) {
     if (!*text)
         return false;

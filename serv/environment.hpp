@@ -24,6 +24,9 @@ struct env_value {
     bool present() const { return state == env_state::present; }
 };
 
+// For the service that must steer the C library through its variables (serv/catalogue).
+void set_environment(const char *name, const char *value);
+
 // Non-empty and decimal digits throughout: stores the number, INT_MAX when it is larger than that.
 bool parse_digits(const char *text, int *value);
 

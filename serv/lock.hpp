@@ -29,7 +29,6 @@ enum class lock_id {
     verbose_mode,
     verbose_file,
     timer,
-    catalogue,
     cleanup,
     environment,
     count

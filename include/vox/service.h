@@ -16,6 +16,14 @@
 
 #include "vox/types.h"
 
+/* Lets the compiler check formats: kind printf or scanf, the position of the format and that of its
+ * first argument (0 for a va_list). */
+#if defined(__GNUC__)
+#define VOX_FORMAT(kind, position, first) __attribute__((__format__(kind, position, first)))
+#else
+#define VOX_FORMAT(kind, position, first)
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -121,8 +129,8 @@ VOX_API int vox_get_microarchitecture(void);
  * Errors and callbacks
  *
  * BLAS and LAPACK routines report a bad argument through xerbla and return; the library never ends
- * the process for it. A program replaces the report by defining any one of xerbla's four spellings, or
- * with vox_set_xerbla.
+ * the process for it. A program replaces the report by defining any one of xerbla's four spellings,
+ * or with vox_set_xerbla. See docs/errors.md.
  * ------------------------------------------------------------------------------------------------ */
 
 /* name: the routine's name, name_length characters, not necessarily terminated. *code: the 1-based
@@ -137,7 +145,9 @@ enum {
     VOX_XERBLA_COPROCESSOR = 1212
 };
 
-/* The standard report; prints one line on standard output. Replaceable. */
+/* The standard report: an empty line and one line on standard output, of at most 20 characters of
+ * the name. Replaceable; of several definitions in a program the library calls the first of
+ * xerbla_, xerbla, XERBLA_ and XERBLA. */
 VOX_API void xerbla(const char *name, const vox_int *code, int name_length);
 VOX_API void xerbla_(const char *name, const vox_int *code, int name_length);
 VOX_API void XERBLA(const char *name, const vox_int *code, int name_length);
@@ -148,8 +158,8 @@ VOX_API void cblas_xerbla(const char *name, vox_int parameter);
 /* Reports that the routine could not get workspace. */
 VOX_API void cblas_xerbla_malloc_error(const char *name);
 
-/* Registers the handler of every report; null restores the default. Returns the handler that was
- * in force. */
+/* Registers the handler of every report, before xerbla; null restores xerbla. Returns the handler
+ * that was in force, which may be passed back. */
 VOX_API vox_xerbla_handler vox_set_xerbla(vox_xerbla_handler handler);
 
 /* Long computations call the progress routine from time to time, in the Fortran calling form:
@@ -418,11 +428,15 @@ VOX_API void vox_serv_set_xerbla_interface(vox_xerbla_handler handler);
 VOX_API int vox_serv_check_ptr(const void *pointer, const char *name);
 VOX_API int vox_serv_check_ptr_and_warn(const void *pointer, const char *name);
 
-/* Messages of the catalogue vox_msg.cat, with built-in texts. stream 1: standard error. */
+/* Messages of the catalogue vox_msg.cat, with built-in texts, and literal formats, each with a
+ * newline and flushed. stream 1: standard error, or standard output if that is closed; other
+ * values: standard output. A literal format needs at least one argument, or nothing is printed. */
 VOX_API void vox_serv_print(int stream, int number, int argument_count, ...);
-VOX_API void vox_serv_format_print(int stream, const char *format, int argument_count, ...);
-VOX_API void vox_serv_file_format_print(FILE *file, const char *format, int argument_count, ...);
-/* Message `number` in a buffer of the library that the next message overwrites. */
+VOX_API void vox_serv_format_print(int stream, const char *format, int argument_count, ...)
+    VOX_FORMAT(printf, 2, 4);
+VOX_API void vox_serv_file_format_print(FILE *file, const char *format, int argument_count, ...)
+    VOX_FORMAT(printf, 2, 4);
+/* Message `number` in a buffer of the library that the next call, of any thread, overwrites. */
 VOX_API const char *vox_serv_get_msg(int number, ...);
 
 VOX_API int vox_serv_progress(const vox_int *thread, const vox_int *step, const char *stage,
@@ -437,7 +451,11 @@ VOX_API void vox_serv_set_exit_handler(vox_exit_handler handler);
 /* 1 when the first characters are equal but for the case of a to z; 0 otherwise, or for null. */
 VOX_API int vox_serv_lsame(const char *a, const char *b);
 
-/* Bounded string and memory functions: 0, or a constraint code after a call of the handler. */
+/* Bounded string and memory functions: 0, or a constraint code after a call of the handler with a
+ * message, a null pointer and the code. At most 4096 characters and 0x10000000 bytes. strnlen_s:
+ * the length, 0 after an error. A failed copy leaves an empty string or zeros once dest and dmax
+ * are good. The formatted ones: as the standard functions, -1 for null pointers and empty buffers;
+ * text that does not fit is cut and terminated. */
 enum {
     VOX_CONSTRAINT_NULL = 400,
     VOX_CONSTRAINT_ZERO_LENGTH = 401,
@@ -449,19 +467,25 @@ typedef void (*vox_constraint_handler)(const char *message, void *pointer, int e
 VOX_API size_t vox_serv_strnlen_s(const char *s, size_t dmax);
 VOX_API int vox_serv_strncpy_s(char *dest, size_t dmax, const char *src, size_t slen);
 VOX_API int vox_serv_memcpy_s(void *dest, size_t dmax, const void *src, size_t smax);
-VOX_API int vox_serv_vsprintf_s(char *s, size_t n, const char *format, va_list arguments);
-VOX_API int vox_serv_vsnprintf_s(char *s, size_t n, const char *format, va_list arguments);
-VOX_API int vox_serv_sprintf_s(char *s, size_t n, const char *format, ...);
-VOX_API int vox_serv_snprintf_s(char *s, size_t n, const char *format, ...);
-VOX_API int vox_serv_printf_s(const char *format, ...);
-VOX_API int vox_serv_fprintf_s(FILE *file, const char *format, ...);
-VOX_API int vox_serv_fprintf_stdout_s(const char *format, ...);
-VOX_API int vox_serv_fprintf_stderr_s(const char *format, ...);
-VOX_API int vox_serv_vfprintf_s(FILE *file, const char *format, va_list arguments);
-VOX_API int vox_serv_vfprintf_stdout_s(const char *format, va_list arguments);
-VOX_API int vox_serv_vfprintf_stderr_s(const char *format, va_list arguments);
-VOX_API int vox_serv_sscanf_s(const char *s, const char *format, ...);
-VOX_API int vox_serv_fscanf_s(FILE *file, const char *format, ...);
+VOX_API int vox_serv_vsprintf_s(char *s, size_t n, const char *format, va_list arguments)
+    VOX_FORMAT(printf, 3, 0);
+VOX_API int vox_serv_vsnprintf_s(char *s, size_t n, const char *format, va_list arguments)
+    VOX_FORMAT(printf, 3, 0);
+VOX_API int vox_serv_sprintf_s(char *s, size_t n, const char *format, ...) VOX_FORMAT(printf, 3, 4);
+VOX_API int vox_serv_snprintf_s(char *s, size_t n, const char *format, ...)
+    VOX_FORMAT(printf, 3, 4);
+VOX_API int vox_serv_printf_s(const char *format, ...) VOX_FORMAT(printf, 1, 2);
+VOX_API int vox_serv_fprintf_s(FILE *file, const char *format, ...) VOX_FORMAT(printf, 2, 3);
+VOX_API int vox_serv_fprintf_stdout_s(const char *format, ...) VOX_FORMAT(printf, 1, 2);
+VOX_API int vox_serv_fprintf_stderr_s(const char *format, ...) VOX_FORMAT(printf, 1, 2);
+VOX_API int vox_serv_vfprintf_s(FILE *file, const char *format, va_list arguments)
+    VOX_FORMAT(printf, 2, 0);
+VOX_API int vox_serv_vfprintf_stdout_s(const char *format, va_list arguments)
+    VOX_FORMAT(printf, 1, 0);
+VOX_API int vox_serv_vfprintf_stderr_s(const char *format, va_list arguments)
+    VOX_FORMAT(printf, 1, 0);
+VOX_API int vox_serv_sscanf_s(const char *s, const char *format, ...) VOX_FORMAT(scanf, 2, 3);
+VOX_API int vox_serv_fscanf_s(FILE *file, const char *format, ...) VOX_FORMAT(scanf, 2, 3);
 VOX_API void vox_serv_ignore_handler_s(const char *message, void *pointer, int error);
 VOX_API vox_constraint_handler
 vox_serv_set_str_constraint_handler_s(vox_constraint_handler handler);

@@ -1,0 +1,136 @@
+// messages_test.cpp - printing: streams, the newline, the buffer's limit, literal formats.
+// Where the texts come from: catalogue_test.
+#include "vox/service.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+#include "tests/support/child.hpp"
+
+namespace {
+
+using namespace test;
+
+const std::string unsupported = "Quarn VOX ERROR: CPU 9 is not supported.\n";
+
+CHILD(print_on_streams) {
+    for (int stream : {1, 0, 2, -1})
+        vox_serv_print(stream, 1213, 1, 9);
+    vox_serv_format_print(1, "%s-%d", 2, "literal", 5);
+    vox_serv_file_format_print(stdout, "%s-%d", 2, "file", 6);
+    vox_serv_format_print(0, "never", 0);
+    vox_serv_format_print(0, "never", -1);
+    vox_serv_file_format_print(stdout, "never", 0);
+    vox_serv_file_format_print(nullptr, "%s", 1, "never");
+    vox_serv_print(0, 0, 0);
+    vox_serv_print(0, 0, 1, "ignored");
+}
+
+TEST(Messages, GoToTheirStreamWithANewline) {
+    const child_result result = run_child(print_on_streams);
+    EXPECT_EQ(result.out, unsupported + unsupported + unsupported + "file-6\n\n\n");
+    EXPECT_EQ(result.err, unsupported + "literal-5\n");
+}
+
+CHILD(print_with_stderr_closed) {
+    fclose(stderr);
+    vox_serv_print(1, 1213, 1, 9);
+}
+
+CHILD(print_with_descriptor_2_closed) {
+    close(2);
+    vox_serv_print(1, 1213, 1, 9);
+}
+
+CHILD(print_with_both_closed) {
+    close(1);
+    close(2);
+    vox_serv_print(1, 1213, 1, 9);
+    vox_serv_print(0, 1213, 1, 9);
+    _exit(4);
+}
+
+CHILD(print_with_stderr_in_memory) {
+    char *text = nullptr;
+    size_t size = 0;
+    stderr = open_memstream(&text, &size);
+    vox_serv_print(1, 1213, 1, 9);
+    std::printf("in memory: %s", text);
+}
+
+TEST(Messages, GoToStandardOutputWhenStandardErrorIsClosed) {
+    EXPECT_EQ(run_child(print_with_stderr_closed).out, unsupported);
+    EXPECT_EQ(run_child(print_with_descriptor_2_closed).out, unsupported);
+    EXPECT_EQ(run_child(print_with_both_closed).status, 4);
+    EXPECT_EQ(run_child(print_with_stderr_in_memory).out, "in memory: " + unsupported);
+}
+
+CHILD(print_then_die) {
+    vox_serv_print(0, 1213, 1, 9);
+    vox_serv_format_print(0, "%d", 1, 1);
+    _exit(0);
+}
+
+TEST(Messages, AreFlushed) { EXPECT_EQ(run_child(print_then_die).out, unsupported + "1\n"); }
+
+CHILD(print_long) {
+    const std::string text(size_t(std::atoi(std::getenv("TEST_LENGTH"))), 'x');
+    vox_serv_format_print(1, "%s", 1, text.c_str());
+}
+
+TEST(Messages, AreCutAtTheBufferWithANotice) {
+    const std::pair<size_t, bool> cases[] = {{511, false}, {512, false}, {513, false},
+                                             {514, true},  {515, true},  {100000, true}};
+    for (const auto &[length, notice] : cases) {
+        const std::string number = std::to_string(length);
+        std::string expected;
+        if (notice)
+            expected = "\nVOX INTERNAL ERROR: message buffer overflow.\n       Lenght: " + number +
+                       "   Buffer size: 512\n";
+        expected += std::string(511, 'x') + "\n";
+        EXPECT_EQ(run_child(print_long, {{"TEST_LENGTH", number}}).err, expected) << length;
+    }
+}
+
+CHILD(print_odd_numbers) {
+    for (int number : {-1, 11, 1206, 1499, 1500, 2147483647})
+        vox_serv_print(0, number, 0);
+    vox_serv_print(0, 6, 1, 3); // one argument short
+    vox_serv_print(0, 10, 0);
+}
+
+TEST(Messages, ReservedNumbersAreEmptyAndMissingArgumentsAreNotRead) {
+    EXPECT_EQ(run_child(print_odd_numbers).out,
+              "\n\n\n\n\n\nQuarn VOX ERROR: Parameter %d was incorrect on entry to %s.\n" +
+                  std::string(79, '-') + "\n");
+}
+
+CHILD(print_keeping_errno) {
+    errno = EACCES;
+    vox_serv_print(1, 1213, 1, 9); // looks for a catalogue in vain
+    vox_serv_format_print(1, "%ls", 1, L"\x20ac");
+    std::printf("%d", errno == EACCES);
+}
+
+TEST(Messages, PrintingKeepsErrno) { EXPECT_EQ(run_child(print_keeping_errno).out, "1"); }
+
+CHILD(get_messages) {
+    const char *const first = vox_serv_get_msg(6, 3, "DDOT");
+    std::printf("%s|", first);
+    const char *const second = vox_serv_get_msg(2, "a", std::string(600, 'b').c_str());
+    std::printf("%d %zu|", first == second, std::strlen(second));
+    std::printf("%s", vox_serv_get_msg(99));
+}
+
+TEST(Messages, AreFormattedWithoutPrinting) {
+    const child_result result = run_child(get_messages);
+    EXPECT_EQ(result.out, "Quarn VOX ERROR: Parameter 3 was incorrect on entry to DDOT.|1 511|");
+    EXPECT_EQ(result.err, "");
+}
+
+} // namespace

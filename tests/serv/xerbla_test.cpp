@@ -1,0 +1,194 @@
+// xerbla_test.cpp - bad-argument reports: the standard text, handlers, the C interface's reports.
+// Programs that define xerbla themselves: replacement_test.
+#include "vox/service.h"
+
+#include <atomic>
+#include <climits>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/child.hpp"
+
+namespace {
+
+using namespace test;
+
+struct standard_report {
+    const char *name;
+    int length;
+    vox_int code;
+    const char *line;
+};
+
+// The name has no terminator at its length in most of them, as Fortran's have none.
+const standard_report standard_reports[] = {
+    {"DDOT", 4, 3, "Quarn VOX ERROR: Parameter 3 was incorrect on entry to DDOT."},
+    {"DDOTxx", 4, INT_MAX, "Quarn VOX ERROR: Parameter 2147483647 was incorrect on entry to DDOT."},
+    {"ddot  ", 6, 1, "Quarn VOX ERROR: Parameter 1 was incorrect on entry to ddot  ."},
+    {"DDOT", 4000, 1, "Quarn VOX ERROR: Parameter 1 was incorrect on entry to DDOT."},
+    {"ABCDEFGHIJKLMNOPQRSTUVWXY", 25, 2,
+     "Quarn VOX ERROR: Parameter 2 was incorrect on entry to ABCDEFGHIJKLMNOPQRST."},
+    {"ABCDEFGHIJKLMNOPQRSTUVWXY", 20, 2,
+     "Quarn VOX ERROR: Parameter 2 was incorrect on entry to ABCDEFGHIJKLMNOPQRST."},
+    {"DDOT", 0, 2, "Quarn VOX ERROR: Parameter 2 was incorrect on entry to ."},
+    {"DDOT", -1, 2, "Quarn VOX ERROR: Parameter 2 was incorrect on entry to ."},
+    {"100%s%n", 7, 2, "Quarn VOX ERROR: Parameter 2 was incorrect on entry to 100%s%n."},
+    {"DGEMM", 5, 0, "Quarn VOX INTERNAL ERROR: Condition 0 detected in function DGEMM."},
+    {"DGEMM", 5, -4, "Quarn VOX INTERNAL ERROR: Condition 4 detected in function DGEMM."},
+    {"DGEMM", 5, INT_MIN,
+     "Quarn VOX INTERNAL ERROR: Condition -2147483648 detected in function DGEMM."},
+    {"DTRSM", 5, 1000,
+     "Quarn VOX INTERNAL ERROR: Insufficient workspace available in function DTRSM."},
+    {"DTRSM", 5, 1001, "Quarn VOX ERROR: Incompatible optional parameters on entry to DTRSM."},
+    {"DTRSM", 5, 1089, "Quarn VOX INTERNAL ERROR: Not enough work memory in function DTRSM"},
+    {"DTRSM", 5, 1212, "Quarn VOX INTERNAL ERROR: Issue accessing coprocessor DTRSM."},
+};
+
+CHILD(report_by_default) {
+    for (const standard_report &r : standard_reports)
+        vox_serv_default_xerbla(r.name, &r.code, r.length);
+}
+
+TEST(Xerbla, ThePrintedLineDependsOnTheCode) {
+    std::string expected;
+    for (const standard_report &r : standard_reports)
+        expected += std::string("\n") + r.line + "\n";
+    const child_result result = run_child(report_by_default);
+    EXPECT_EQ(result.out, expected);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
+}
+
+const vox_int three = 3;
+
+CHILD(report_every_way) {
+    for (const vox_xerbla_handler entry : {xerbla, xerbla_, XERBLA, XERBLA_, vox_serv_xerbla,
+                                           vox_serv_default_xerbla, cdecl_xerbla}) {
+        entry("DDOT", &three, 4);
+        entry(nullptr, &three, 4);
+        entry("DDOT", nullptr, 4);
+    }
+    cblas_xerbla("DDOT", 3);
+    cblas_xerbla(nullptr, 3);
+    cblas_xerbla_malloc_error(nullptr);
+    std::printf("%d%d%d%d%d%d", vox_serv_check_ptr(&three, "DDOT"),
+                vox_serv_check_ptr(nullptr, nullptr), vox_serv_check_ptr_and_warn(&three, "DDOT"),
+                vox_serv_check_ptr_and_warn(nullptr, "DDOT"),
+                vox_serv_check_ptr_and_warn(nullptr, nullptr), vox_serv_check_ptr(&three, nullptr));
+}
+
+TEST(Xerbla, EveryWayLeadsToTheStandardReportAndNullIsIgnored) {
+    std::string expected;
+    for (int i = 0; i < 8; ++i)
+        expected += "\nQuarn VOX ERROR: Parameter 3 was incorrect on entry to DDOT.\n";
+    EXPECT_EQ(run_child(report_every_way).out, expected + "010110");
+}
+
+CHILD(report_while_output_is_pending) {
+    FILE *const other = fdopen(dup(2), "w");
+    std::fprintf(other, "pending");
+    xerbla("DDOT", &three, 4);
+    _exit(0);
+}
+
+TEST(Xerbla, FlushesAllStreams) {
+    const child_result result = run_child(report_while_output_is_pending);
+    EXPECT_EQ(result.err, "pending");
+    EXPECT_EQ(result.out, "\nQuarn VOX ERROR: Parameter 3 was incorrect on entry to DDOT.\n");
+}
+
+std::string reported;
+
+void record(const char *name, const vox_int *code, int length) {
+    reported += std::string(name, size_t(length)) + ":" + std::to_string(*code) + " ";
+}
+
+void ignore(const char *, const vox_int *, int) {}
+
+TEST(Xerbla, HandlersAreSetAndRestored) {
+    reported.clear();
+    EXPECT_EQ(vox_set_xerbla(record), vox_serv_default_xerbla);
+    vox_serv_xerbla("DDOT  ", &three, 6);
+    EXPECT_EQ(vox_serv_check_ptr(nullptr, "dgemm"), 1);
+    EXPECT_EQ(vox_serv_check_ptr(nullptr, std::string(5000, 'x').c_str()), 1);
+    EXPECT_EQ(reported, "DDOT  :3 dgemm:1089 " + std::string(4096, 'x') + ":1089 ");
+    vox_serv_set_xerbla_interface(ignore); // the slot is taken
+    EXPECT_EQ(vox_serv_set_xerbla(ignore), record);
+    EXPECT_EQ(vox_serv_set_xerbla(nullptr), ignore);
+    EXPECT_EQ(vox_serv_set_xerbla(vox_serv_default_xerbla), vox_serv_default_xerbla);
+    vox_serv_set_xerbla_interface(nullptr);
+    vox_serv_set_xerbla_interface(record);
+    EXPECT_EQ(vox_serv_set_xerbla(nullptr), record);
+    EXPECT_EQ(vox_serv_set_xerbla(nullptr), vox_serv_default_xerbla);
+}
+
+CHILD(report_from_c) {
+    cblas_xerbla("cblas_dgemv", 7);
+    if (vox_set_xerbla(nullptr) != cdecl_xerbla)
+        std::printf("not registered");
+    vox_set_xerbla(record);
+    cblas_xerbla_malloc_error("cblas_dgemm");
+    std::printf("%s", reported.c_str());
+    if (vox_set_xerbla(nullptr) != record)
+        std::printf("the program's handler is gone");
+}
+
+TEST(Xerbla, TheCInterfaceRegistersItsHandlerUnlessThereIsOne) {
+    EXPECT_EQ(run_child(report_from_c).out,
+              "\nQuarn VOX ERROR: Parameter 7 was incorrect on entry to cblas_dgemv.\n"
+              "cblas_dgemm:1000 ");
+}
+
+// Many threads report while others exchange the handler: each report arrives exactly once.
+std::atomic<int> arrived_a, arrived_b;
+
+void count_a(const char *, const vox_int *, int) { ++arrived_a; }
+void count_b(const char *, const vox_int *, int) { ++arrived_b; }
+
+TEST(Xerbla, HandlersMayChangeWhileOthersReport) {
+    constexpr int threads = 4, reports = 500;
+    vox_set_xerbla(count_a);
+    std::vector<std::thread> team;
+    for (int t = 0; t < threads; ++t)
+        team.emplace_back([] {
+            for (int i = 0; i < reports; ++i) {
+                vox_set_xerbla(i % 2 ? count_a : count_b);
+                vox_serv_xerbla("DDOT", &three, 4);
+            }
+        });
+    for (std::thread &t : team)
+        t.join();
+    vox_set_xerbla(nullptr);
+    EXPECT_EQ(arrived_a + arrived_b, threads * reports);
+}
+
+CHILD(report_concurrently) {
+    std::vector<std::thread> team;
+    for (int t = 0; t < 8; ++t)
+        team.emplace_back([] {
+            for (int i = 0; i < 50; ++i)
+                vox_serv_xerbla("DDOT", &three, 4);
+        });
+    for (std::thread &t : team)
+        t.join();
+}
+
+size_t count(const std::string &text, const std::string &part) {
+    size_t n = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++n;
+    return n;
+}
+
+TEST(Xerbla, ConcurrentReportsInterleaveByWholeMessages) {
+    const std::string line = "Quarn VOX ERROR: Parameter 3 was incorrect on entry to DDOT.";
+    const std::string out = run_child(report_concurrently).out;
+    EXPECT_EQ(count(out, line), 400u);
+    EXPECT_EQ(count(out, "\n"), 800u);
+    EXPECT_EQ(out.size(), 400 * (line.size() + 2));
+}
+
+} // namespace
