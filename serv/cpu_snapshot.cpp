@@ -30,7 +30,7 @@ vox::cpu_snapshot read() {
 }
 
 constinit std::atomic<bool> known;
-constinit vox::cpu_snapshot processor;
+constinit vox::cpu_snapshot processor{};
 
 } // namespace
 

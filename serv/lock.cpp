@@ -14,7 +14,7 @@ struct alignas(64) padded_word {
     int word;
 };
 
-constinit padded_word words[int(vox::lock_id::count)];
+constinit padded_word words[int(vox::lock_id::count)]{};
 constinit std::atomic<bool> fork_handlers_installed;
 constinit std::atomic<void (*)()> child_action;
 
