@@ -76,14 +76,12 @@ cpu_choice choice_of(int word) {
     return {word & ((1 << reason_shift) - 1), cpu_reason(word >> reason_shift)};
 }
 
-// Under the detection lock.
 void print_choice_message(const cpu_choice &choice, const cpu_settings &settings) {
     switch (choice.message) {
     case 0:
         break;
     case 1209:
         vox_serv_print(1, 1209, 0);
-        cbwr_mode.store(VOX_CBWR_AUTO, std::memory_order_relaxed);
         break;
     case 1210:
         vox_serv_print(1, 1210, 0);
@@ -96,20 +94,22 @@ void print_choice_message(const cpu_choice &choice, const cpu_settings &settings
 
 cpu_choice make_choice() {
     cpu_choice choice;
+    cpu_settings settings;
     {
         scoped_lock guard(lock_id::detection);
         const int known = chosen.load(std::memory_order_acquire);
         if (known != unread)
             return choice_of(known);
         read_ceiling();
-        const cpu_settings settings = current_cpu_settings();
+        settings = current_cpu_settings();
         choice = choose_cpu(this_cpu(), settings);
-        print_choice_message(choice, settings);
-        const int stored =
-            choice.type == VOX_CPU_AVX512_ZEL_E1 ? int(VOX_CPU_AVX512_ZEL) : choice.type;
-        choice.type = stored;
-        chosen.store(stored | int(choice.reason) << reason_shift, std::memory_order_release);
+        if (choice.type == VOX_CPU_AVX512_ZEL_E1)
+            choice.type = VOX_CPU_AVX512_ZEL;
+        if (choice.message == 1209)
+            cbwr_mode.store(VOX_CBWR_AUTO, std::memory_order_relaxed);
+        chosen.store(choice.type | int(choice.reason) << reason_shift, std::memory_order_release);
     }
+    print_choice_message(choice, settings); // by the thread that chose, when the lock is free again
     if (choice.message == 1210 || choice.message == 1213)
         vox_serv_exit(1);
     return choice;
