@@ -124,7 +124,7 @@ vox::cpu_facts vox::this_cpu() {
 
 vox::cpu_settings vox::current_cpu_settings() {
     const int64_t debug = read_debug_setting();
-    const int level = ceiling.load(std::memory_order_relaxed);
+    const int level = instruction_ceiling();
     cpu_settings s;
     s.debug_given = debug & debug_given;
     s.debug_type = int(uint32_t(debug));
@@ -133,6 +133,8 @@ vox::cpu_settings vox::current_cpu_settings() {
         s.tiers = tiers_of_level(level);
     return s;
 }
+
+int vox::instruction_ceiling() { return ceiling.load(std::memory_order_relaxed); }
 
 bool vox::vendor_test_open() {
     int open = vendor_open.load(std::memory_order_relaxed);

@@ -14,6 +14,9 @@ cpu_choice chosen_cpu();
 // VOX_CPU_VENDOR (or the build's default) opened the vendor test for this processor.
 bool vendor_test_open();
 
+// The instruction ceiling in force, a level from 0 to 5; -1 for none.
+int instruction_ceiling();
+
 // Prints message 1213 for the type and ends the process.
 void unsupported_cpu_type(int type);
 

@@ -1,0 +1,118 @@
+// explain_test.cpp - the facts and reasons that vox_explain gives and vox-info prints.
+#include <cctype>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+
+#include "tests/support/child.hpp"
+#include "vox/service.h"
+
+namespace {
+
+using namespace test;
+
+CHILD(explain) {
+    vox_explain([](void *, const char *section, const char *key,
+                   const char *value) { std::printf("%s/%s\t%s\n", section, key, value); },
+                nullptr);
+}
+
+std::map<std::string, std::string> facts(const environment &settings) {
+    const std::string text = run_child(explain, settings).out;
+    std::map<std::string, std::string> result;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = text.find('\n', begin), tab = text.find('\t', begin);
+        result[text.substr(begin, tab - begin)] = text.substr(tab + 1, end - tab - 1);
+        begin = end + 1;
+    }
+    return result;
+}
+
+TEST(Explain, SaysWhichSettingDecidedTheCodePath) {
+    const struct {
+        environment settings;
+        const char *path, *why;
+    } cases[] = {
+        {{{"VOX_DEBUG_CPU_TYPE", "2"}}, "ssse3", "VOX_DEBUG_CPU_TYPE asks for it"},
+        {{{"VOX_CBWR", "COMPATIBLE"}}, "cnr_def", "the reproducibility branch asks for it"},
+        {{{"VOX_CPU_VENDOR", "ANY"}, {"VOX_ENABLE_INSTRUCTIONS", "SSE4_2"}},
+         "sse42",
+         "the instruction ceiling holds it down"},
+    };
+    for (const auto &c : cases) {
+        auto f = facts(c.settings);
+        EXPECT_EQ(f["code path/code path"], c.path);
+        EXPECT_EQ(f["code path/why"], c.why);
+    }
+    if (!vox_serv_quarn_cpu_true()) {
+        auto f = facts({});
+        EXPECT_EQ(f["code path/vendor test"], "not passed");
+        const std::string opened = facts({{"VOX_CPU_VENDOR", "ANY"}})["code path/code path"];
+        EXPECT_EQ(f["code path/with the test opened"], opened + " (set VOX_CPU_VENDOR=ANY)");
+    }
+}
+
+TEST(Explain, SaysWhereThreadCountsComeFrom) {
+    auto f = facts({{"VOX_DYNAMIC", "FALSE"},
+                    {"VOX_NUM_THREADS", "3"},
+                    {"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS=5"}});
+    EXPECT_EQ(f["threads/BLAS"].substr(0, 7), "5, from");
+    EXPECT_NE(f["threads/BLAS"].find("VOX_DOMAIN_NUM_THREADS"), std::string::npos);
+    EXPECT_EQ(f["threads/in general"].substr(0, 7), "3, from");
+    EXPECT_NE(f["threads/in general"].find("VOX_NUM_THREADS"), std::string::npos);
+    EXPECT_EQ(f["threads/dynamic"], "off");
+}
+
+// Just enough of a parser: objects of objects of strings.
+class json {
+  public:
+    explicit json(const std::string &text) : p_(text.c_str()) {}
+    bool is_object_of_objects() {
+        return object([this] { return object([this] { return string(); }); }) && (skip(), !*p_);
+    }
+
+  private:
+    void skip() {
+        while (std::isspace(static_cast<unsigned char>(*p_)))
+            ++p_;
+    }
+    bool take(char c) {
+        skip();
+        return *p_ == c && ++p_;
+    }
+    bool string() {
+        if (!take('"'))
+            return false;
+        for (; *p_ && *p_ != '"'; ++p_)
+            if (*p_ == '\n' || (*p_ == '\\' && !*++p_))
+                return false;
+        return take('"');
+    }
+    template <class Value>
+    bool object(Value value) {
+        if (!take('{'))
+            return false;
+        do
+            if (!string() || !take(':') || !value())
+                return false;
+        while (take(','));
+        return take('}');
+    }
+    const char *p_;
+};
+
+TEST(VoxInfo, PrintsTheFactsAsTextAndAsJson) {
+    // A file name that JSON has to escape.
+    const environment odd = {{"VOX_VERBOSE_OUTPUT_FILE", "/dev/../dev/null"},
+                             {"VOX_CPU_VENDOR", "\"\\\n"}};
+    const child_result text = run_program({VOX_INFO}, odd),
+                       as_json = run_program({VOX_INFO, "--json"}, odd);
+    EXPECT_EQ(text.status, 0);
+    EXPECT_NE(text.out.find("code path"), std::string::npos);
+    EXPECT_EQ(as_json.status, 0);
+    EXPECT_TRUE(json(as_json.out).is_object_of_objects()) << as_json.out;
+    EXPECT_EQ(run_program({VOX_INFO, "--xml"}).status, 2);
+}
+
+} // namespace
