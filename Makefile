@@ -1,0 +1,79 @@
+# Makefile - the everyday commands. The build itself is CMake's; its presets are in CMakePresets.json.
+#
+#   make                     build/libvox.so, build/libvox.a and the tools
+#   make run                 runs the tools and examples: the tour
+#   make test                all tests; make quick: those of the quick loop
+#   make sanitize            the tests under the address, undefined-behaviour and thread sanitizers
+#   make clang               the same code with the second compiler
+#   make bench               the benchmarks; BENCH=<program> for one of them
+#   make install PREFIX=dir  library, headers and tools (DESTDIR is honoured)
+#   make format, format-check, tidy, clean
+#
+# CMAKE_ARGS goes to the first configuration of a build directory, JOBS is the number of parallel jobs.
+
+PREFIX ?= /usr/local
+JOBS ?= $(shell nproc)
+CMAKE_ARGS ?=
+
+# Run by `make run` and `make bench`, in this order: <folder>/<CMake target>.
+RUN := tools/vox-info examples/first_dot
+BENCH ?= bench/peers/peers_dot
+
+RELEASE := cmake --build build -j $(JOBS)
+SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -name '*.[ch]pp' -print)
+
+.DEFAULT_GOAL := all
+.PHONY: all run test quick sanitize clang bench install format format-check tidy clean FORCE
+
+all: build/build.ninja
+	$(RELEASE) --target vox vox_static vox-info
+
+run: build/build.ninja
+	$(RELEASE) --target $(notdir $(RUN))
+	@for program in $(RUN); do echo; echo "== $$program"; build/$$program || exit 1; done
+
+test: build/build.ninja
+	$(RELEASE)
+	ctest --preset release -j $(JOBS)
+
+quick: build/build.ninja
+	$(RELEASE)
+	ctest --preset release -j $(JOBS) -L quick
+
+sanitize: test-asan test-ubsan test-tsan
+
+clang: test-clang
+
+test-%: build-%/build.ninja FORCE
+	cmake --build --preset $* -j $(JOBS)
+	ctest --preset $* -j $(JOBS)
+
+bench: build/build.ninja
+	$(RELEASE) --target $(notdir $(BENCH))
+	@for program in $(BENCH); do echo; echo "== $$program"; build/$$program || exit 1; done
+
+install: all
+	cmake --install build --prefix $(PREFIX)
+
+format:
+	clang-format -i $(SOURCES)
+
+format-check:
+	clang-format --dry-run -Werror $(SOURCES)
+
+tidy: build-clang/build.ninja
+	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|serv|tests|tools)/'
+
+clean:
+	rm -rf build build-*
+
+# CMake itself notices changes of its own files; only the presets are read here alone.
+build/build.ninja: CMakePresets.json
+	cmake --preset release $(CMAKE_ARGS)
+	@touch $@
+
+build-%/build.ninja: CMakePresets.json
+	cmake --preset $* $(CMAKE_ARGS)
+	@touch $@
+
+.PRECIOUS: build-%/build.ninja

@@ -1,0 +1,323 @@
+// verbose_test.cpp - verbose mode of a real process: who turns it on, where the lines go, and that
+// they stay whole.
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <regex.h>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+#include "tests/support/child.hpp"
+#include "tests/support/temporary.hpp"
+#include "vox/blas.h"
+#include "vox/service.h"
+
+namespace {
+
+using namespace test;
+
+const std::string too_long_or_empty =
+    "VOX_VERBOSE WARNING: incorrect output filename: too long or empty\n";
+const std::string cannot_be_opened = "VOX_VERBOSE WARNING: Unable to open verbose output file.\n";
+const std::string falls_back = "VOX_VERBOSE WARNING: unable to open output file. Print to STDOUT\n";
+const char *const header_pattern =
+    "VOX_VERBOSE Quarn\\(R\\) VOX 2018\\.0 Update 2 Product build 20180127 for Quarn\\(R\\) 64 "
+    "architecture Quarn\\(R\\) .*processors.*, Lnx [0-9]+\\.[0-9]{2}GHz lp64 quarn_thread";
+const std::string line_tail =
+    " [0-9.]+(ns|us|ms|s) CNR:OFF Dyn:1 FastMM:1 TID:0  NThr:[0-9]+(,(BLAS|FFT|TQM|PARDISO):[0-9]+"
+    ")*";
+
+void log_call(const char *call) { vox_serv_print_verbose_info(1, call, 1.5e-3); }
+
+std::vector<std::string> lines_of(const std::string &text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    EXPECT_TRUE(text.empty() || text.back() == '\n');
+    return lines;
+}
+
+// Whether the whole line matches the extended regular expression.
+bool matches(const std::string &line, const std::string &pattern) {
+    regex_t compiled;
+    if (regcomp(&compiled, ("^" + pattern + "$").c_str(), REG_EXTENDED | REG_NOSUB) != 0)
+        std::abort();
+    const bool result = regexec(&compiled, line.c_str(), 0, nullptr, 0) == 0;
+    regfree(&compiled);
+    return result;
+}
+
+// The calls that were logged, in order, after exactly one header.
+std::vector<std::string> logged_calls(const std::string &text) {
+    std::vector<std::string> calls;
+    const auto lines = lines_of(text);
+    for (size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(matches(lines[i], header_pattern), i == 0) << lines[i];
+        if (i > 0) {
+            EXPECT_TRUE(matches(lines[i], "VOX_VERBOSE .* 1\\.50ms.*")) << lines[i];
+            calls.push_back(lines[i].substr(12, lines[i].find(" 1.50ms") - 12));
+        }
+    }
+    return calls;
+}
+
+using calls = std::vector<std::string>;
+
+CHILD(print_mode) {
+    std::printf("%d%d", *vox_serv_verbose_mode(),
+                vox_serv_iface_verbose_mode() == vox_serv_verbose_mode());
+}
+TEST(Verbose, OnlyAWholeNumberEqualToOneTurnsItOn) {
+    const std::string zeros(127, '0');
+    const std::pair<std::string, const char *> cases[] = {{"1", "1"},
+                                                          {"0x1", "1"},
+                                                          {"01", "1"},
+                                                          {"+1", "1"},
+                                                          {" 1", "1"},
+                                                          {zeros + "1", "1"},
+                                                          {"", "0"},
+                                                          {"0", "0"},
+                                                          {"2", "0"},
+                                                          {"-1", "0"},
+                                                          {"1 ", "0"},
+                                                          {"1x", "0"},
+                                                          {"1.0", "0"},
+                                                          {"on", "0"},
+                                                          {"4294967297", "0"},
+                                                          {zeros + "01", "0"},
+                                                          {std::string(100000, '1'), "0"}};
+    for (const auto &[value, mode] : cases) {
+        const child_result r = run_child(print_mode, {{"VOX_VERBOSE", value}});
+        EXPECT_EQ(r.out + r.err, std::string(mode) + "1") << value.substr(0, 20);
+    }
+    EXPECT_EQ(run_child(print_mode).out, "01");
+}
+
+CHILD(set_mode) {
+    const vox_int on = 1, off = 0, bad = 2;
+    const int *const mode = vox_serv_verbose_mode();
+    auto report = [mode](int result) { std::printf("%d:%d ", result, *mode); };
+    report(vox_verbose(0));
+    report(vox_verbose(1));
+    report(vox_verbose(2));
+    report(vox_verbose_(&off));
+    report(vox_verbose_(&bad));
+    report(VOX_VERBOSE(&on));
+}
+CHILD(set_mode_before_it_is_read) {
+    vox_verbose(0);
+    std::printf("%d", *vox_serv_verbose_mode());
+}
+TEST(Verbose, TheSetterHasTheLastWord) {
+    EXPECT_EQ(run_child(set_mode, {{"VOX_VERBOSE", "1"}}).out, "0:0 1:1 -1:1 0:0 -1:0 1:1 ");
+    EXPECT_EQ(run_child(set_mode_before_it_is_read, {{"VOX_VERBOSE", "1"}}).out, "0");
+}
+
+CHILD(log_dot_products) {
+    const double x[3] = {1, 2, 3};
+    const vox_int n = 3, one = 1;
+    std::printf("before\n"); // stays in the buffer of a pipe: the lines must come after it
+    for (int mode : {1, 0, 1}) {
+        vox_verbose(mode);
+        errno = 77;
+        ddot(&n, x, &one, x, &one);
+        std::printf("errno %d\n", errno);
+    }
+}
+TEST(Verbose, ACallPrintsItsLineInTheOrderOfTheOutput) {
+    const child_result r = run_child(log_dot_products);
+    EXPECT_EQ(r.err, "");
+    const auto lines = lines_of(r.out);
+    const std::string call = "VOX_VERBOSE DDOT\\(3,0x[0-9a-f]+,1,0x[0-9a-f]+,1\\)" + line_tail;
+    const std::string expected[] = {"before",   header_pattern, call,      "errno 77",
+                                    "errno 77", call,           "errno 77"};
+    ASSERT_EQ(lines.size(), std::size(expected)) << r.out;
+    for (size_t i = 0; i < lines.size(); ++i)
+        EXPECT_TRUE(matches(lines[i], expected[i])) << lines[i];
+}
+
+CHILD(log_settings) {
+    vox_set_num_threads(1);
+    vox_domain_set_num_threads(3, VOX_DOMAIN_TQM);
+    vox_set_dynamic(0);
+    vox_disable_fast_mm();
+    log_call("F()");
+}
+TEST(Verbose, ALineShowsTheSettingsInForce) {
+    const auto lines = lines_of(run_child(log_settings, {{"VOX_CBWR", "COMPATIBLE"}}).out);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[1], "VOX_VERBOSE F() 1.50ms CNR:COMPATIBLE Dyn:0 FastMM:0 TID:0  NThr:1,TQM:3");
+}
+
+CHILD(log_one) { log_call("ONE()"); }
+
+TEST(Verbose, LinesAreAppendedToTheFile) {
+    const temporary_directory directory;
+    const std::string file = directory / "log";
+    for (int run = 0; run < 2; ++run) {
+        const child_result r = run_child(log_one, {{"VOX_VERBOSE_OUTPUT_FILE", file}});
+        EXPECT_EQ(r.out + r.err, "");
+    }
+    const auto lines = lines_of(contents_of(file));
+    ASSERT_EQ(lines.size(), 4u); // each process has its header
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_TRUE(matches(lines[i], i % 2 ? "VOX_VERBOSE ONE\\(\\) .*" : header_pattern));
+}
+
+// A path of the given length to a file in the directory.
+std::string long_path(const temporary_directory &directory, size_t length) {
+    std::string path = directory.path();
+    const std::string name = (length - path.size()) % 2 ? "/ab" : "/a";
+    while (path.size() + name.size() < length)
+        path += "/.";
+    return path + name;
+}
+
+TEST(Verbose, NamesThatCannotBeUsedAreReportedOnce) {
+    const temporary_directory directory;
+    struct row {
+        std::string name, warning;
+    };
+    const row rows[] = {
+        {"", too_long_or_empty},
+        {long_path(directory, 4095), ""},
+        {long_path(directory, 4096), too_long_or_empty},
+        {std::string(100000, 'a'), too_long_or_empty},
+        {std::string(4000, 'a'), cannot_be_opened},
+        {directory.path(), cannot_be_opened},
+        {directory / "none/log", cannot_be_opened},
+    };
+    for (const row &r : rows) {
+        const child_result child = run_child(log_one, {{"VOX_VERBOSE_OUTPUT_FILE", r.name}});
+        EXPECT_EQ(child.err, r.warning) << r.name.size();
+        const std::string written =
+            r.warning.empty() ? contents_of(r.name) : std::string(child.out);
+        EXPECT_EQ(logged_calls(written), calls{"ONE()"}) << r.name.size();
+    }
+}
+
+// What a parent handed to its child.
+std::string given_directory() {
+    const char *const directory = std::getenv("TEST_DIRECTORY");
+    return directory ? directory : "";
+}
+
+CHILD(change_files) {
+    const std::string good = given_directory() + "/good";
+    const std::string padded = good + "2   ", endless = std::string(5000, 'a');
+    std::printf("[%s]\n", vox_serv_verbose_output_file_mode());
+    log_call("A()");
+    auto report = [](const char *call, int result) {
+        log_call(call);
+        std::printf("%d %d\n", result, *vox_serv_verbose_output_file_mode() != '\0');
+    };
+    report("B()", vox_verbose_output_file(good.c_str()));
+    report("C()", vox_serv_verbose_output_file(""));
+    report("D()", vox_verbose_output_file_(padded.data(), padded.size()));
+    report("E()", vox_verbose_output_file_(endless.data(), endless.size()));
+    report("F()", VOX_VERBOSE_OUTPUT_FILE("     ", 5));
+    report("G()", vox_verbose_output_file_((good + '\0' + "junk").data(), good.size() + 5));
+    report("H()", vox_verbose_output_file(nullptr));
+    report("I()", vox_verbose_output_file_(nullptr, 0));
+}
+TEST(Verbose, TheFileCanBeChangedFromCAndFortran) {
+    const temporary_directory directory;
+    const std::string first = directory / "first";
+    const child_result r = run_child(
+        change_files, {{"VOX_VERBOSE_OUTPUT_FILE", first}, {"TEST_DIRECTORY", directory.path()}});
+    EXPECT_EQ(logged_calls(contents_of(first)), calls{"A()"});
+    std::string out;
+    for (const std::string &line : lines_of(r.out))
+        out += line.compare(0, 12, "VOX_VERBOSE ") == 0 ? line.substr(12, 3) + "\n" : line + "\n";
+    EXPECT_EQ(out,
+              "[" + first + "]\n0 1\nC()\n1 0\n0 1\nE()\n1 0\nF()\n1 0\n0 1\nH()\n1 0\nI()\n1 0\n");
+    EXPECT_EQ(r.err, too_long_or_empty + too_long_or_empty + too_long_or_empty + too_long_or_empty +
+                         too_long_or_empty);
+    EXPECT_EQ(lines_of(contents_of(directory / "good")).size(), 2u); // B and G
+    EXPECT_EQ(lines_of(contents_of(directory / "good2")).size(), 1u);
+}
+
+CHILD(lose_the_directory) {
+    const std::string directory = given_directory() + "/d";
+    mkdir(directory.c_str(), 0777);
+    vox_verbose_output_file((directory + "/log").c_str());
+    log_call("A()");
+    std::filesystem::remove_all(directory);
+    log_call("B()");
+    mkdir(directory.c_str(), 0777);
+    log_call("C()");
+}
+TEST(Verbose, ALineWhoseFileIsGoneGoesToStandardOutput) {
+    const temporary_directory directory;
+    const child_result r = run_child(lose_the_directory, {{"TEST_DIRECTORY", directory.path()}});
+    EXPECT_EQ(r.err, falls_back);
+    EXPECT_EQ(r.out.substr(0, 16), "VOX_VERBOSE B() ");
+    EXPECT_EQ(lines_of(r.out).size(), 1u);
+    EXPECT_EQ(contents_of(directory / "d/log").substr(0, 16), "VOX_VERBOSE C() ");
+}
+
+constexpr int writers = 8, lines_per_writer = 200;
+
+CHILD(log_from_many_threads) {
+    std::vector<std::thread> threads;
+    for (int t = 0; t < writers; ++t)
+        threads.emplace_back([t] {
+            const std::string call = std::string(size_t(20 * t), char('a' + t)) + "()";
+            for (int i = 0; i < lines_per_writer; ++i)
+                log_call(call.c_str());
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+}
+TEST(Verbose, LinesOfManyThreadsStayWholeAfterOneHeader) {
+    const temporary_directory directory;
+    const std::string file = directory / "log";
+    const std::string outputs[] = {
+        run_child(log_from_many_threads).out,
+        (run_child(log_from_many_threads, {{"VOX_VERBOSE_OUTPUT_FILE", file}}), contents_of(file))};
+    for (const std::string &output : outputs) {
+        const auto lines = lines_of(output);
+        ASSERT_EQ(lines.size(), size_t(1 + writers * lines_per_writer));
+        EXPECT_TRUE(matches(lines[0], header_pattern)) << lines[0];
+        int count[writers] = {};
+        for (size_t i = 1; i < lines.size(); ++i) {
+            const std::string &line = lines[i];
+            const size_t name_end = line.find("() 1.50ms CNR:OFF Dyn:1 ");
+            ASSERT_NE(name_end, std::string::npos) << line;
+            const std::string name = line.substr(12, name_end - 12);
+            const size_t t = name.size() / 20;
+            ASSERT_EQ(name, std::string(20 * t, char('a' + t)));
+            EXPECT_EQ(line.find("VOX_VERBOSE", 1), std::string::npos) << line;
+            ++count[t];
+        }
+        for (int c : count)
+            EXPECT_EQ(c, lines_per_writer);
+    }
+}
+
+// The first look at every setting, from many threads at once: one warning, one value.
+CHILD(first_look_by_many) {
+    std::vector<std::thread> threads;
+    for (int t = 0; t < writers; ++t)
+        threads.emplace_back([] {
+            if (*vox_serv_verbose_mode() != 1 || *vox_serv_verbose_output_file_mode())
+                std::abort();
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+}
+TEST(Verbose, ManyThreadsMayMakeTheFirstCall) {
+    const child_result r =
+        run_child(first_look_by_many, {{"VOX_VERBOSE", "1"}, {"VOX_VERBOSE_OUTPUT_FILE", ""}});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.err, too_long_or_empty);
+}
+
+} // namespace
