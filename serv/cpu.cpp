@@ -9,6 +9,7 @@
 #include <string.h>
 
 #include "serv/environment.hpp"
+#include "serv/inspector.hpp"
 #include "serv/lock.hpp"
 
 #ifndef VOX_DEFAULT_CPU_VENDOR
@@ -34,6 +35,7 @@ constexpr int reason_shift = 8;
 // Stores the value unless another is there already; returns the one that stands.
 template <class T>
 T settle(std::atomic<T> &word, T value) {
+    inspector_quiet();
     T found = T(unread);
     return word.compare_exchange_strong(found, value) ? value : found;
 }

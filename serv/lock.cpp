@@ -71,8 +71,10 @@ void vox::lock(lock_id id) {
     // Two threads may both install the handlers only if neither has taken a lock yet; the exchange
     // lets one of them do it.
     if (VOX_UNLIKELY(!fork_handlers_installed.load(std::memory_order_relaxed)) &&
-        !fork_handlers_installed.exchange(true))
+        !fork_handlers_installed.exchange(true)) {
+        inspector_quiet();
         pthread_atfork(lock_all, unlock_all, enter_child);
+    }
     vox_serv_lock(&words[int(id)].word);
 }
 

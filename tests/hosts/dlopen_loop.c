@@ -21,6 +21,9 @@ static int threads_of_this_process(void) {
     return count;
 }
 
+/* The control bits of the floating-point state; computing may raise its flags. */
+static unsigned control_bits(void) { return _mm_getcsr() & ~0x3Fu; }
+
 static double ones[10000];
 
 static void *open_use_close(void *unused) {
@@ -37,11 +40,11 @@ static void *open_use_close(void *unused) {
 int main(void) {
     for (int i = 0; i < 10000; ++i)
         ones[i] = 1;
-    const unsigned mxcsr = _mm_getcsr();
+    const unsigned mxcsr = control_bits();
     void *library = dlopen(VOX_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     CHECK(library);
     CHECK(threads_of_this_process() == 1);
-    CHECK(_mm_getcsr() == mxcsr);
+    CHECK(control_bits() == mxcsr);
     CHECK(dlclose(library) == 0);
     for (int i = 0; i < 20; ++i) {
         open_use_close(NULL);
@@ -49,6 +52,6 @@ int main(void) {
         CHECK(pthread_create(&thread, NULL, open_use_close, NULL) == 0);
         CHECK(pthread_join(thread, NULL) == 0);
     }
-    CHECK(_mm_getcsr() == mxcsr);
+    CHECK(control_bits() == mxcsr);
     return 0;
 }
