@@ -44,6 +44,7 @@ target_link_libraries(vox_test_support PUBLIC vox_host_options GTest::gtest)
 
 set(VOX_TEST_ENVIRONMENT
   "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
+  "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
   "UBSAN_OPTIONS=print_stacktrace=1")
 
 function(vox_register_test test command)

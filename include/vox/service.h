@@ -211,7 +211,7 @@ VOX_API int vox_get_max_threads(void);
 VOX_API int vox_domain_get_max_threads(int domain);
 
 /* The dynamic flag (on unless set): the library may use fewer threads than asked for, never more than
- * there are physical cores, and one inside a parallel region. */
+ * there are physical cores or than the control group's quota allows, and one inside a parallel region. */
 VOX_API void vox_set_dynamic(int flag);
 VOX_API int vox_get_dynamic(void);
 

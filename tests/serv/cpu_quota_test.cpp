@@ -1,0 +1,131 @@
+// cpu_quota_test.cpp - limits of control groups, in trees of files laid out like the kernel's.
+#include "serv/cpu_quota.hpp"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using files = std::vector<std::pair<std::string, std::string>>; // "@" stands for the tree's root
+
+class Tree {
+  public:
+    Tree() {
+        std::string name = testing::TempDir() + "cgroups_XXXXXX";
+        root_ = mkdtemp(name.data());
+    }
+    ~Tree() { std::filesystem::remove_all(root_); }
+
+    void add(const std::string &name, std::string text) {
+        for (size_t at; (at = text.find('@')) != std::string::npos;)
+            text.replace(at, 1, root_);
+        const std::filesystem::path path = root_ + "/" + name;
+        std::filesystem::create_directories(path.parent_path());
+        std::ofstream(path) << text;
+    }
+    int quota() const {
+        return vox::read_cpu_quota((root_ + "/cgroup").c_str(), (root_ + "/mountinfo").c_str());
+    }
+
+  private:
+    std::string root_;
+};
+
+constexpr char v2_mount[] = "22 1 0:20 / /proc rw - proc proc rw\n"
+                            "30 23 0:27 / @/v2 rw,nosuid shared:9 - cgroup2 cgroup2 rw\n";
+constexpr char v1_mounts[] = "31 23 0:28 / @/set rw - cgroup cgroup rw,cpuset\n"
+                             "32 23 0:29 / @/cpu rw shared:2 - cgroup cgroup rw,cpu,cpuacct\n";
+
+TEST(CpuQuota, IsTheLowestOfTheGroupAndItsParents) {
+    const struct {
+        const char *name;
+        files tree;
+        int quota;
+    } cases[] = {
+        {"no files at all", {}, 0},
+        {"junk", {{"cgroup", "x\n::\n:\n0:\n"}, {"mountinfo", "- \n  - -\n1 2 3 - cgroup2\n"}}, 0},
+        {"second generation",
+         {{"cgroup", "0::/a/b\n"}, {"mountinfo", v2_mount}, {"v2/a/b/cpu.max", "300000 100000\n"}},
+         3},
+        {"rounded up",
+         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"v2/a/cpu.max", "100001 100000\n"}},
+         2},
+        {"less than one processor",
+         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"v2/a/cpu.max", "1000 100000\n"}},
+         1},
+        {"no limit",
+         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"v2/a/cpu.max", "max 100000\n"}},
+         0},
+        {"the parent's is lower",
+         {{"cgroup", "0::/a/b/c\n"},
+          {"mountinfo", v2_mount},
+          {"v2/a/cpu.max", "250000 100000\n"},
+          {"v2/a/b/cpu.max", "max 100000\n"},
+          {"v2/a/b/c/cpu.max", "800000 100000\n"}},
+         3},
+        {"the root's own file",
+         {{"cgroup", "0::/\n"}, {"mountinfo", v2_mount}, {"v2/cpu.max", "200000 100000\n"}},
+         2},
+        {"nothing above the mount is read",
+         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"cpu.max", "100000 100000\n"}},
+         0},
+        {"only the container's own group is mounted",
+         {{"cgroup", "0::/docker/1/x\n"},
+          {"mountinfo", "30 23 0:27 /docker/1 @/v2 rw - cgroup2 cgroup2 rw\n"},
+          {"v2/cpu.max", "500000 100000\n"},
+          {"v2/x/cpu.max", "400000 100000\n"}},
+         4},
+        {"a mount of some other group",
+         {{"cgroup", "0::/docker/12\n"},
+          {"mountinfo", "30 23 0:27 /docker/1 @/v2 rw - cgroup2 cgroup2 rw\n"},
+          {"v2/cpu.max", "500000 100000\n"},
+          {"v22/cpu.max", "100000 100000\n"}},
+         5},
+        {"first generation",
+         {{"cgroup", "5:cpuset:/\n4:cpu,cpuacct:/a\n0::/\n"},
+          {"mountinfo", v1_mounts},
+          {"cpu/a/cpu.cfs_quota_us", "600000\n"},
+          {"cpu/a/cpu.cfs_period_us", "100000\n"},
+          {"cpu/cpu.cfs_quota_us", "-1\n"},
+          {"cpu/cpu.cfs_period_us", "100000\n"}},
+         6},
+        {"a period is missing",
+         {{"cgroup", "4:cpu:/\n"}, {"mountinfo", v1_mounts}, {"cpu/cpu.cfs_quota_us", "600000\n"}},
+         0},
+        {"both generations, the lower holds",
+         {{"cgroup", "4:cpu,cpuacct:/\n0::/\n"},
+          {"mountinfo", std::string(v2_mount) + v1_mounts},
+          {"v2/cpu.max", "700000 100000\n"},
+          {"cpu/cpu.cfs_quota_us", "200000\n"},
+          {"cpu/cpu.cfs_period_us", "50000\n"}},
+         4},
+        {"numbers that are none",
+         {{"cgroup", "0::/a/b/c\n"},
+          {"mountinfo", v2_mount},
+          {"v2/a/cpu.max", ""},
+          {"v2/a/b/cpu.max", "200000 0\n"},
+          {"v2/a/b/c/cpu.max", "200000\n"}},
+         0},
+        {"larger than any number",
+         {{"cgroup", "0::/a\n"},
+          {"mountinfo", v2_mount},
+          {"v2/a/cpu.max", "99999999999999999999999 1\n"}},
+         2147483647},
+        {"a path longer than any",
+         {{"cgroup", "0::/" + std::string(100000, 'a') + "\n"}, {"mountinfo", v2_mount}},
+         0},
+    };
+    for (const auto &c : cases) {
+        Tree tree;
+        for (const auto &[name, text] : c.tree)
+            tree.add(name, text);
+        EXPECT_EQ(tree.quota(), c.quota) << c.name;
+    }
+}
+
+} // namespace

@@ -1,0 +1,375 @@
+// threads_test.cpp - the thread-count rule by table, then the settings of real processes.
+#include "serv/threads.hpp"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "serv/thread_state.hpp"
+#include "serv/topology.hpp"
+#include "tests/support/child.hpp"
+#include "vox/service.h"
+
+namespace {
+
+using namespace test;
+using namespace vox;
+
+constexpr setting by_program(int value) { return {value, setter::program}; }
+constexpr setting by_environment(int value) { return {value, setter::environment}; }
+
+TEST(ThreadRule, FollowsItsStepsAndSaysWhichOneDecided) {
+    constexpr setting unset, off = by_program(0), on = by_program(1);
+    using enum setter;
+    using origin = count_origin;
+    using limit = count_limit;
+    const struct {
+        const char *name;
+        thread_settings settings; // own, all, dynamic, mpi_safe, OMP_NUM_THREADS, per node, level
+        thread_context context;   // local, in parallel, runtime's, cores, quota
+        thread_count expected;
+    } cases[] = {
+        // clang-format off
+        {"nothing set", {}, {0, false, 6, 8, 0}, {6, origin::runtime, none, limit::none}},
+        {"more than there are cores",
+         {}, {0, false, 16, 8, 0}, {8, origin::runtime, none, limit::cores}},
+        {"the quota is below the cores",
+         {}, {0, false, 16, 8, 3}, {3, origin::runtime, none, limit::quota}},
+        {"the quota is above the cores",
+         {}, {0, false, 16, 8, 12}, {8, origin::runtime, none, limit::cores}},
+        {"all domains",
+         {unset, by_environment(5)}, {0, false, 6, 8, 0},
+         {5, origin::all_domains, environment, limit::none}},
+        {"the domain's own goes before all",
+         {by_program(3), by_environment(5)}, {0, false, 6, 8, 0},
+         {3, origin::domain, program, limit::none}},
+        {"a cleared domain follows all",
+         {off, by_program(5)}, {0, false, 6, 8, 0}, {5, origin::all_domains, program, limit::none}},
+        {"all cleared as well",
+         {off, off}, {0, false, 6, 8, 0}, {6, origin::runtime, none, limit::none}},
+        {"chosen counts are limited too",
+         {by_environment(20)}, {0, false, 6, 8, 0}, {8, origin::domain, environment, limit::cores}},
+        {"inside a parallel region",
+         {by_program(4)}, {0, true, 6, 8, 0}, {1, origin::domain, program, limit::parallel_region}},
+        {"inside, dynamic off",
+         {by_program(4), unset, off}, {0, true, 6, 8, 0},
+         {4, origin::domain, program, limit::none}},
+        {"dynamic off knows no limit",
+         {unset, unset, by_environment(0), off, -1, 4, 0}, {0, false, 600, 8, 2},
+         {600, origin::runtime, none, limit::none}},
+        {"the thread's own setting goes before everything",
+         {by_program(4), by_program(5), on, off, 1, 4, 0}, {100, true, 6, 8, 2},
+         {100, origin::thread, program, limit::none}},
+        {"MPI safe: the full count, processes or not",
+         {unset, unset, unset, on, -1, 4, 0}, {0, false, 8, 8, 0},
+         {8, origin::runtime, none, limit::none}},
+        {"not MPI safe",
+         {unset, by_program(4), unset, off, 8, 4, 3}, {0, false, 8, 8, 0},
+         {1, origin::all_domains, program, limit::mpi_not_safe}},
+        {"processes without threads",
+         {unset, unset, unset, unset, -1, 2, 0}, {0, false, 8, 8, 0},
+         {1, origin::runtime, none, limit::mpi_thread_level}},
+        {"processes share the cores",
+         {unset, unset, unset, unset, -1, 3, 1}, {0, false, 8, 8, 0},
+         {2, origin::runtime, none, limit::processes_per_node}},
+        {"more processes than cores",
+         {unset, unset, unset, unset, -1, 9, 3}, {0, false, 8, 8, 0},
+         {1, origin::runtime, none, limit::processes_per_node}},
+        {"a share above the runtime's count",
+         {unset, unset, unset, unset, -1, 2, 1}, {0, false, 3, 8, 0},
+         {3, origin::runtime, none, limit::none}},
+        {"no process",
+         {unset, unset, unset, unset, -1, 0, 1}, {0, false, 8, 8, 0},
+         {8, origin::runtime, none, limit::none}},
+        {"a chosen count is not shared",
+         {unset, by_environment(6), unset, unset, -1, 4, 0}, {0, false, 8, 8, 0},
+         {6, origin::all_domains, environment, limit::none}},
+        {"nor is OpenMP's",
+         {unset, unset, unset, unset, 6, 4, 0}, {0, false, 6, 8, 0},
+         {6, origin::runtime, none, limit::none}},
+        {"as large as an int",
+         {unset, by_environment(INT_MAX), off}, {0, false, 8, 8, 0},
+         {INT_MAX, origin::all_domains, environment, limit::none}},
+        // clang-format on
+    };
+    for (const auto &c : cases) {
+        const thread_count got = choose_threads(c.settings, c.context);
+        EXPECT_EQ(got.count, c.expected.count) << c.name;
+        EXPECT_EQ(int(got.origin), int(c.expected.origin)) << c.name;
+        EXPECT_EQ(int(got.by), int(c.expected.by)) << c.name;
+        EXPECT_EQ(int(got.limit), int(c.expected.limit)) << c.name;
+    }
+}
+
+// What a process with this environment answers: no domain, then domains 0 to 5, dynamic, stripes,
+// processes per node. Dynamic is turned off for the counts, so that the machine's cores do not
+// show.
+void print_answers() {
+    std::printf("%d %d ", vox_get_dynamic(), vox_get_num_stripes());
+    vox_set_dynamic(0);
+    std::printf("%d:", vox_get_max_threads());
+    for (int domain = 0; domain <= 5; ++domain)
+        std::printf(" %d", vox_domain_get_max_threads(domain));
+    std::printf(" %d", vox_serv_mpi_get_ppn());
+}
+CHILD(answers) { print_answers(); }
+
+TEST(ThreadVariables, SetTheCountsOfAProcess) {
+    const std::string overlong(100000, '7'), longest(256, '0');
+    const std::string in_words(100000, ' ');
+    const struct {
+        environment settings;
+        const char *expected; // dynamic, stripes, count: domains 0 to 5, processes per node
+    } cases[] = {
+        {{}, "1 0 9: 9 9 9 9 9 9 -1"},
+        {{{"VOX_NUM_THREADS", "4"}}, "1 0 4: 4 4 4 4 4 4 -1"},
+        {{{"VOX_NUM_THREADS", "4x"}}, "1 0 1: 1 1 1 1 1 1 -1"},
+        {{{"VOX_NUM_THREADS", " 4"}}, "1 0 1: 1 1 1 1 1 1 -1"},
+        {{{"VOX_NUM_THREADS", "-4"}}, "1 0 1: 1 1 1 1 1 1 -1"},
+        {{{"VOX_NUM_THREADS", "'4'"}}, "1 0 1: 1 1 1 1 1 1 -1"},
+        {{{"VOX_NUM_THREADS", ""}}, "1 0 9: 9 9 9 9 9 9 -1"},
+        {{{"VOX_NUM_THREADS", "0"}}, "1 0 9: 9 9 9 9 9 9 -1"},
+        {{{"VOX_NUM_THREADS", longest.substr(1) + "3"}}, "1 0 3: 3 3 3 3 3 3 -1"},
+        {{{"VOX_NUM_THREADS", longest + "3"}}, "1 0 9: 9 9 9 9 9 9 -1"},
+        {{{"VOX_NUM_THREADS", "99999999999999999999"}},
+         "1 0 2147483647: 2147483647 2147483647 2147483647 2147483647 2147483647 2147483647 -1"},
+        {{{"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS 3;VOX_DOMAIN_FFT="}},
+         "1 0 9: 9 3 1 9 9 9 -1"},
+        {{{"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_ALL=2, VOX_DOMAIN_BLAS=4"}},
+         "1 0 2: 2 4 2 2 2 2 -1"},
+        {{{"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_ALL=2,VOX_DOMAIN_TQM=5"},
+          {"VOX_NUM_THREADS", "6"}},
+         "1 0 6: 6 6 6 5 6 6 -1"},
+        {{{"VOX_DYNAMIC", "\" FALSE"}, {"VOX_NUM_STRIPES", "5"}}, "0 5 9: 9 9 9 9 9 9 -1"},
+        {{{"VOX_DYNAMIC", ""}, {"VOX_NUM_STRIPES", "-5"}}, "1 0 9: 9 9 9 9 9 9 -1"},
+        {{{"VOX_MPI_PPN", "2"}, {"OMPI_COMM_WORLD_LOCAL_SIZE", "4"}}, "1 0 9: 9 9 9 9 9 9 2"},
+        {{{"VOX_MPI_PPN", "2 "}, {"MPI_LOCALNRANKS", "7"}, {"MV2_CPU_MAPPING", "0:1"}},
+         "1 0 9: 9 9 9 9 9 9 7"},
+        {{{"OMPI_COMM_WORLD_LOCAL_SIZE", "4"}, {"MPI_LOCALNRANKS", "7"}}, "1 0 9: 9 9 9 9 9 9 4"},
+        {{{"OMPI_COMM_WORLD_LOCAL_SIZE", "4"}, {"MV2_COMM_WORLD_LOCAL_SIZE", "3"}},
+         "1 0 9: 9 9 9 9 9 9 3"},
+        {{{"VOX_NUM_THREADS", overlong},
+          {"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_ALL=2" + in_words},
+          {"VOX_DYNAMIC", in_words + "FALSE"},
+          {"VOX_NUM_STRIPES", overlong},
+          {"VOX_MPI_PPN", overlong},
+          {"VOX_MPI_THREAD_LEVEL", overlong}},
+         "1 0 9: 9 9 9 9 9 9 -1"},
+    };
+    for (const auto &c : cases) {
+        environment settings = c.settings;
+        settings.emplace_back("OMP_NUM_THREADS", "9"); // the runtime's count
+        const child_result got = run_child(answers, settings);
+        EXPECT_EQ(got.out, c.expected) << settings.front().first << "=" << settings.front().second;
+        EXPECT_EQ(got.err, "");
+    }
+}
+
+CHILD(count_with_limits) {
+    const thread_count n = current_threads(VOX_DOMAIN_BLAS);
+    std::printf("%d %d", n.count, int(n.limit));
+}
+
+TEST(ThreadVariables, ProcessesOnTheNodeShareItsCores) {
+    const int cores = this_topology().cores;
+    const auto text = [](int count, count_limit limit) {
+        return std::to_string(count) + " " + std::to_string(int(limit));
+    };
+    // Thread level 0, or none: one thread, whatever the number of processes.
+    for (const char *level : {"0", "4", "x", ""})
+        EXPECT_EQ(
+            run_child(count_with_limits, {{"VOX_MPI_PPN", "1"}, {"VOX_MPI_THREAD_LEVEL", level}})
+                .out,
+            text(1, cores > 1 ? count_limit::mpi_thread_level : count_limit::none));
+    EXPECT_EQ(
+        run_child(count_with_limits, {{"VOX_MPI_PPN", "1"}, {"VOX_MPI_THREAD_LEVEL", "1"}}).out,
+        text(cores, count_limit::none));
+    EXPECT_EQ(
+        run_child(count_with_limits, {{"VOX_MPI_PPN", "9999"}, {"VOX_MPI_THREAD_LEVEL", "3"}}).out,
+        text(1, cores > 1 ? count_limit::processes_per_node : count_limit::none));
+}
+
+CHILD(program_before_environment) {
+    vox_set_num_threads(3);
+    vox_domain_set_num_threads(0, VOX_DOMAIN_FFT);
+    vox_set_num_stripes(2);
+    vox_set_dynamic(1);
+    print_answers();
+}
+CHILD(program_after_environment) {
+    print_answers();
+    vox_set_num_threads(3);
+    vox_domain_set_num_threads(0, VOX_DOMAIN_FFT);
+    vox_set_num_stripes(2);
+    setenv("VOX_NUM_THREADS", "8", 1); // too late
+    std::printf("|");
+    print_answers();
+}
+
+TEST(ThreadSettings, TheProgramsGoBeforeTheEnvironmentsWheneverTheyCome) {
+    const environment settings = {{"VOX_NUM_THREADS", "5"},
+                                  {"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS=6,VOX_DOMAIN_FFT=7"},
+                                  {"VOX_NUM_STRIPES", "4"},
+                                  {"VOX_DYNAMIC", "FALSE"}};
+    EXPECT_EQ(run_child(program_before_environment, settings).out, "1 2 3: 3 6 3 3 3 3 -1");
+    EXPECT_EQ(run_child(program_after_environment, settings).out,
+              "0 4 5: 5 6 7 5 5 5 -1|0 2 3: 3 6 3 3 3 3 -1");
+}
+
+class Settings : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        vox_set_dynamic(0);
+        vox_set_num_threads(2);
+    }
+    void TearDown() override {
+        for (int domain = 0; domain < 5; ++domain)
+            vox_domain_set_num_threads(0, domain);
+        vox_set_num_stripes(0);
+        vox_set_dynamic(1);
+    }
+};
+
+TEST_F(Settings, BadArgumentsChangeNothing) {
+    for (int n : {0, -1, INT_MIN}) {
+        vox_set_num_threads(n);
+        EXPECT_EQ(vox_get_max_threads(), 2) << n;
+    }
+    const struct {
+        int n, domain;
+    } bad[] = {{3, 5}, {3, -1}, {3, INT_MIN}, {-1, 1}, {INT_MIN, 0}, {-1, 5}};
+    for (const auto &b : bad)
+        EXPECT_EQ(vox_domain_set_num_threads(b.n, b.domain), 0) << b.n << ", " << b.domain;
+    for (int domain : {-1, 0, 1, 2, 3, 4, 5, INT_MIN, INT_MAX})
+        EXPECT_EQ(vox_domain_get_max_threads(domain), 2) << domain;
+    vox_set_num_stripes(3);
+    vox_set_num_stripes(-1);
+    EXPECT_EQ(vox_get_num_stripes(), 3);
+}
+
+TEST_F(Settings, FortranFormsTakeEveryScalarByAddress) {
+    const vox_int seven = 7, five = 5, three = 3, zero = 0, one = 1, blas = VOX_DOMAIN_BLAS;
+    vox_set_num_threads_(&seven);
+    EXPECT_EQ(vox_get_max_threads_(), 7);
+    VOX_SET_NUM_THREADS(&five);
+    EXPECT_EQ(VOX_GET_MAX_THREADS(), 5);
+    EXPECT_EQ(vox_domain_set_num_threads_(&seven, &blas), 1);
+    EXPECT_EQ(vox_domain_get_max_threads_(&blas), 7);
+    EXPECT_EQ(VOX_DOMAIN_SET_NUM_THREADS(&three, &blas), 1);
+    EXPECT_EQ(VOX_DOMAIN_GET_MAX_THREADS(&blas), 3);
+    EXPECT_EQ(vox_set_num_threads_local_(&seven), 0);
+    EXPECT_EQ(VOX_SET_NUM_THREADS_LOCAL(&zero), 7);
+    vox_set_num_stripes_(&three);
+    EXPECT_EQ(vox_get_num_stripes_(), 3);
+    VOX_SET_NUM_STRIPES(&five);
+    EXPECT_EQ(VOX_GET_NUM_STRIPES(), 5);
+    vox_set_dynamic_(&seven);
+    EXPECT_EQ(vox_get_dynamic_(), 1);
+    VOX_SET_DYNAMIC(&zero);
+    EXPECT_EQ(VOX_GET_DYNAMIC(), 0);
+    vox_set_dynamic(1);
+    vox_mpi_safe_(&zero);
+    EXPECT_EQ(vox_get_max_threads(), 1);
+    VOX_MPI_SAFE(&one);
+    EXPECT_EQ(vox_get_max_threads(), std::min(5, this_topology().cores));
+}
+
+TEST_F(Settings, TheThreadsOwnCountIsItsOwn) {
+    EXPECT_EQ(vox_set_num_threads_local(30), 0);
+    EXPECT_EQ(vox_get_max_threads(), 30);
+    vox_domain_set_num_threads(9, VOX_DOMAIN_BLAS);
+    std::vector<std::thread> threads;
+    std::vector<int> wrong(16, 0);
+    for (size_t t = 0; t < wrong.size(); ++t)
+        threads.emplace_back([t, &wrong] {
+            wrong[t] += vox_domain_get_max_threads(VOX_DOMAIN_BLAS) != 9;
+            for (int n = int(t) + 1, previous = 0; n < 1000; n += 16) {
+                wrong[t] += vox_set_num_threads_local(n) != previous;
+                wrong[t] += vox_domain_get_max_threads(VOX_DOMAIN_BLAS) != n;
+                previous = n;
+            }
+            vox_set_num_threads_local(-5); // like 0
+            wrong[t] += vox_domain_get_max_threads(VOX_DOMAIN_BLAS) != 9;
+        });
+    for (std::thread &t : threads)
+        t.join();
+    EXPECT_EQ(wrong, std::vector<int>(wrong.size(), 0));
+    EXPECT_EQ(vox_set_num_threads_local(0), 30);
+    EXPECT_EQ(vox_get_max_threads(), 2);
+}
+
+CHILD(mpi_safe) {
+    vox_mpi_safe(1);
+    std::printf("%d ", current_threads(-1).count);
+    for (int flag : {0, 2, -1}) {
+        vox_mpi_safe(flag);
+        std::printf("%d ", current_threads(-1).count);
+    }
+}
+TEST(ThreadSettings, TheMpiSafeFlagOverridesTheSharing) {
+    const std::string all = std::to_string(this_topology().cores);
+    EXPECT_EQ(run_child(mpi_safe, {{"VOX_MPI_PPN", "1"}}).out, all + " 1 1 1 ");
+}
+
+CHILD(many_first_queries) {
+    std::vector<std::thread> threads;
+    std::vector<int> counts(32);
+    for (int &count : counts)
+        threads.emplace_back([&count] { count = vox_domain_get_max_threads(VOX_DOMAIN_BLAS); });
+    for (std::thread &t : threads)
+        t.join();
+    for (int count : counts)
+        if (count != 3)
+            std::printf("%d ", count);
+}
+TEST(ThreadSettings, ManyThreadsMayMakeTheFirstQuery) {
+    const child_result got =
+        run_child(many_first_queries,
+                  {{"VOX_DYNAMIC", "false"}, {"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS=3"}});
+    EXPECT_EQ(got.out, "");
+    EXPECT_EQ(got.status, 0);
+}
+
+// Objects whose destructors run after the library's clean-up has deleted the thread key.
+struct late_caller {
+    ~late_caller() {
+        const int before = vox_set_num_threads_local(4), count = vox_get_max_threads();
+        const int after = vox_set_num_threads_local(0);
+        std::printf("%d %d %d", before, count, after);
+        std::fflush(stdout);
+    }
+};
+__attribute__((destructor(101))) void call_late() {
+    if (std::getenv("CALL_LATE"))
+        late_caller();
+}
+CHILD(use_and_leave) {
+    vox_set_num_threads_local(2);
+    vox_get_max_threads();
+    setenv("CALL_LATE", "1", 1);
+}
+TEST(ThreadSettings, WorkAfterTheExitCleanUp) {
+    const child_result got = run_child(use_and_leave);
+    EXPECT_EQ(got.out, "0 4 4");
+    EXPECT_EQ(got.status, 0);
+}
+
+CHILD(count_under_mask) {
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    sched_setaffinity(0, sizeof one, &one);
+    std::printf("%d", vox_get_max_threads());
+}
+TEST(ThreadSettings, HonourTheAffinityMask) {
+    EXPECT_EQ(run_child(count_under_mask).out, "1");
+    EXPECT_EQ(run_child(count_under_mask, {{"VOX_NUM_THREADS", "16"}}).out, "1");
+}
+
+} // namespace
