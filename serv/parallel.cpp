@@ -157,6 +157,11 @@ bool vox::in_parallel() {
     return in_parallel_unchecked();
 }
 
+int vox::thread_number() {
+    meet_runtime(this_thread());
+    return omp_get_thread_num();
+}
+
 bool vox::in_parallel_unchecked() { return omp_in_parallel() || host_in_parallel(); }
 
 int vox::runtime_max_threads_unchecked() { return omp_get_max_threads(); }

@@ -33,7 +33,10 @@ inline void parallel(int threads, const Body &body) {
 // Whether the caller is inside an active parallel region, of this runtime or of the program's own.
 bool in_parallel();
 
-// The same, and the count that the runtime would use for a region of the calling thread's, for a
+// The calling thread's number in its team, 0 outside of any.
+int thread_number();
+
+// in_parallel, and the count that the runtime would use for a region of the calling thread's, for a
 // thread that is known to have met the runtime.
 bool in_parallel_unchecked();
 int runtime_max_threads_unchecked();

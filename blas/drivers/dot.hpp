@@ -59,7 +59,7 @@ __attribute__((noinline)) T threaded(Kernel kernel, index_t n, const T *x, index
     }
     if (parts > 1) {
         const scratch<T> partial(parts, 128);
-        if (partial)
+        if (!partial.empty())
             return in_parts(kernel, parts, partial.data(), n, x, incx, y, incy);
     }
     return kernel(&n, x, &incx, y, &incy);
