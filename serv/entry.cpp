@@ -1,37 +1,22 @@
 // entry.cpp - see entry.hpp.
 #include "serv/entry.hpp"
 
-#include <stdarg.h>
-#include <stdio.h>
-
-vox::call_text::call_text(const char *routine) { append("%s(", routine); }
-
-void vox::call_text::append(const char *format, ...) {
-    const int room = int(sizeof text_) - length_;
-    va_list arguments;
-    va_start(arguments, format);
-    const int written = vsnprintf(text_ + length_, size_t(room), format, arguments);
-    va_end(arguments);
-    if (written > 0)
-        length_ += written < room ? written : room - 1;
-}
-
 void vox::call_text::add(const vox_int *integer) {
-    append(first_ ? "%d" : ",%d", integer ? *integer : 0);
-    first_ = false;
+    writer_.add("%s%d", separator_, integer ? *integer : 0);
+    separator_ = ",";
 }
 
 void vox::call_text::add(const char *character) {
-    append(first_ ? "%c" : ",%c", character ? *character : ' ');
-    first_ = false;
+    writer_.add("%s%c", separator_, character ? *character : ' ');
+    separator_ = ",";
 }
 
 void vox::call_text::add(const void *address) {
-    append(first_ ? "%p" : ",%p", address);
-    first_ = false;
+    writer_.add("%s%p", separator_, address);
+    separator_ = ",";
 }
 
 const char *vox::call_text::finish() {
-    append(")");
+    writer_.add(")");
     return text_;
 }

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "serv/base.hpp"
+#include "serv/text.hpp"
 #include "serv/verbose.hpp"
 
 namespace vox {
@@ -25,17 +26,18 @@ inline index_t widened(const vox_int *integer) { return *integer; }
 // The text of a call, "DDOT(5,0x7f..,1,0x7f..,1)", cut where its buffer ends.
 class call_text {
   public:
-    explicit call_text(const char *routine);
+    explicit call_text(const char *routine) : writer_(text_, sizeof text_) {
+        writer_.add("%s(", routine);
+    }
     void add(const vox_int *integer); // a null pointer prints as 0
     void add(const char *character);
     void add(const void *address);
     const char *finish();
 
   private:
-    void append(const char *format, ...) __attribute__((format(printf, 2, 3)));
     char text_[200];
-    int length_ = 0;
-    bool first_ = true;
+    text_writer writer_;
+    const char *separator_ = "";
 };
 
 // Times the call made in its scope and prints the line at its end.
