@@ -28,12 +28,12 @@
 extern "C" {
 #endif
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Processor and code path
  *
  * Every routine exists in several copies, one per code path. The library chooses one path for the
  * process at the first computational call, from what the processor and the operating system support.
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 /* Processor types, as vox_get_cpu_type returns them. 1 is reserved. */
 enum {
@@ -125,13 +125,13 @@ enum {
 
 VOX_API int vox_get_microarchitecture(void);
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Errors and callbacks
  *
  * BLAS and LAPACK routines report a bad argument through xerbla and return; the library never ends
  * the process for it. A program replaces the report by defining any one of xerbla's four spellings,
  * or with vox_set_xerbla. See docs/errors.md.
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 /* name: the routine's name, name_length characters, not necessarily terminated. *code: the 1-based
  * number of the bad parameter, or one of the codes below, or minus the number of an internal
@@ -139,7 +139,7 @@ VOX_API int vox_get_microarchitecture(void);
 typedef void (*vox_xerbla_handler)(const char *name, const vox_int *code, int name_length);
 
 enum {
-    VOX_XERBLA_WORKSPACE = 1000,            /* not enough workspace */
+    VOX_XERBLA_WORKSPACE = 1000,             /* not enough workspace */
     VOX_XERBLA_INCOMPATIBLE_OPTIONAL = 1001, /* optional parameters that exclude each other */
     VOX_XERBLA_OUT_OF_MEMORY = 1089,
     VOX_XERBLA_COPROCESSOR = 1212
@@ -184,12 +184,12 @@ VOX_API vox_progress_handler vox_set_progress(vox_progress_handler handler);
 typedef void (*vox_exit_handler)(int status);
 VOX_API void vox_set_exit_handler(vox_exit_handler handler);
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Threads
  *
  * The library runs on the OpenMP runtime's threads and starts none of its own. A call made from inside
  * a parallel region runs on one thread while the dynamic flag is on.
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 enum {
     VOX_DOMAIN_ALL = 0,
@@ -225,9 +225,9 @@ VOX_API void vox_mpi_safe(int flag);
 VOX_API void vox_set_num_stripes(int n);
 VOX_API int vox_get_num_stripes(void);
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Memory
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 /* Aligned memory. alignment in bytes: a power of two, at least 64 (anything else counts as 64).
  * Null when size is 0 or there is no memory. Release with vox_free; a null pointer is ignored. */
@@ -264,9 +264,9 @@ VOX_API int64_t vox_peak_mem_usage(int mode);
 VOX_API int vox_set_memory_limit(int kind, int64_t limit_mib);
 enum { VOX_MEM_FAST = 1 };
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Verbose mode, timers, version
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 /* 1: every computational call prints a line with its arguments, time and settings; 0: none. Returns
  * the mode, or -1 for any other argument, which changes nothing. */
@@ -301,9 +301,9 @@ VOX_API void vox_get_version(vox_version *version);
  * as a Fortran CHARACTER variable wants it. */
 VOX_API void vox_get_version_string(char *buffer, int length);
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Why the library does what it does
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 /* Calls emit once per fact about this process: the processor, the code path and the reason for it,
  * threads per domain and where each number came from, topology, memory. The vox-info tool prints it. */
@@ -311,9 +311,9 @@ typedef void (*vox_fact_handler)(void *context, const char *section, const char 
                                  const char *value);
 VOX_API void vox_explain(vox_fact_handler emit, void *context);
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * Fortran forms of the functions above that take scalars by value
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 VOX_API vox_int vox_get_cpu_type_(const vox_int *reevaluate);
 VOX_API vox_int VOX_GET_CPU_TYPE(const vox_int *reevaluate);
@@ -370,12 +370,12 @@ VOX_API double VOX_GET_MAX_CPU_FREQUENCY(void);
 VOX_API void vox_get_version_string_(char *buffer, size_t length);
 VOX_API void VOX_GET_VERSION_STRING(char *buffer, size_t length);
 
-/* ------------------------------------------------------------------------------------------------ *
+/*
  * The service layer by its own names
  *
  * What the library's routines themselves call. The functions above are these under the names that
  * programs use; a program needs the rest only to extend the library.
- * ------------------------------------------------------------------------------------------------ */
+ */
 
 /* Processor: see vox_get_cpu_type. vox_serv_cpu_detect returns the chosen type, 0 or 2 to 7. */
 VOX_API int vox_serv_cpu_detect(void);
@@ -553,7 +553,8 @@ VOX_API int vox_serv_verbose(int mode);
 VOX_API int vox_serv_verbose_output_file(const char *name);
 VOX_API const char *vox_serv_verbose_output_file_mode(void);
 VOX_API void vox_serv_print_verbose_info(int interface_kind, const char *call, double seconds);
-VOX_API void vox_serv_iface_print_verbose_info(int interface_kind, const char *call, double seconds);
+VOX_API void vox_serv_iface_print_verbose_info(int interface_kind, const char *call,
+                                               double seconds);
 VOX_API double vox_serv_dsecnd(void);
 VOX_API double vox_serv_iface_dsecnd(void);
 VOX_API float vox_serv_second(void);
