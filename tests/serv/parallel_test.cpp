@@ -41,7 +41,7 @@ int run_team(int threads) {
     std::vector<int> input(64, 7), visits(size_t(std::max(threads, 1)), 0), sizes = visits;
     parallel(threads, [&](int thread, int team) {
         visits.at(size_t(thread)) += input[size_t(thread) % 64] - 6;
-        sizes.at(size_t(thread)) = team;
+        sizes.at(size_t(thread)) = thread == thread_number() ? team : -1;
     });
     const int team = sizes[0];
     for (int t = 0; t < threads; ++t)

@@ -19,7 +19,7 @@ test::child_entry *entries = nullptr;
 
 bool steers_the_library(const std::string &assignment) {
     for (const char *prefix :
-         {"VOX_", "OMP_", "KMP_", "MPI_", "OMPI_", "PMI_", "GOMP_", "NLSPATH="})
+         {"VOX_", "OMP_", "KMP_", "MPI_", "OMPI_", "PMI_", "MV2_", "GOMP_", "NLSPATH="})
         if (assignment.compare(0, std::strlen(prefix), prefix) == 0)
             return true;
     return false;
