@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/support/child.hpp"
+#include "tests/support/temporary.hpp"
 #include "vox/service.h"
 
 namespace {
@@ -103,11 +104,11 @@ class json {
 };
 
 TEST(VoxInfo, PrintsTheFactsAsTextAndAsJson) {
-    // A file name that JSON has to escape.
-    const environment odd = {{"VOX_VERBOSE_OUTPUT_FILE", "/dev/../dev/null"},
-                             {"VOX_CPU_VENDOR", "\"\\\n"}};
-    const child_result text = run_program({VOX_INFO}, odd),
-                       as_json = run_program({VOX_INFO, "--json"}, odd);
+    // A name that JSON has to escape.
+    const temporary_directory directory;
+    const environment odd = {{"VOX_VERBOSE_OUTPUT_FILE", directory / "a\"b\\c\td"}};
+    const child_result text = run_program({VOX_INFO}, odd);
+    const child_result as_json = run_program({VOX_INFO, "--json"}, odd);
     EXPECT_EQ(text.status, 0);
     EXPECT_NE(text.out.find("code path"), std::string::npos);
     EXPECT_EQ(as_json.status, 0);
