@@ -229,8 +229,9 @@ VOX_API int vox_get_num_stripes(void);
  * Memory
  */
 
-/* Aligned memory. alignment in bytes: a power of two, at least 64 (anything else counts as 64).
- * Null when size is 0 or there is no memory. Release with vox_free; a null pointer is ignored. */
+/* Aligned memory. alignment in bytes: a power of two from 64 to 2^31 (a smaller one, or no power of
+ * two, counts as 64; nobody gets a larger one). Null when size is 0 or there is no memory. Release
+ * with vox_free, on any thread; a null pointer is ignored. */
 VOX_API void *vox_malloc(size_t size, size_t alignment);
 VOX_API void *VOX_MALLOC(size_t size, size_t alignment);
 VOX_API void vox_free(void *pointer);
@@ -238,11 +239,12 @@ VOX_API void VOX_FREE(void *pointer);
 /* count elements of size bytes each, set to zero. */
 VOX_API void *vox_calloc(size_t count, size_t size, size_t alignment);
 /* Resizes, keeping the contents and the alignment of the block. Null, with the old block untouched,
- * when there is no memory; size 0 releases it. */
+ * when there is no memory; size 0 releases it; a null pointer asks for a new block. */
 VOX_API void *vox_realloc(void *pointer, size_t size);
 
 /* The functions behind every allocation of the library: the C library's, until a program stores its
- * own here, before its first call of the library. */
+ * own here, all four, before its first call of the library. They must stay callable until the
+ * process ends, may be called by any thread, and may use the library. */
 extern VOX_API void *(*i_malloc)(size_t size);
 extern VOX_API void *(*i_calloc)(size_t count, size_t size);
 extern VOX_API void *(*i_realloc)(void *pointer, size_t size);
@@ -252,15 +254,17 @@ extern VOX_API void (*i_free)(void *pointer);
  * that no running call uses: of all threads, of the calling thread. */
 VOX_API void vox_free_buffers(void);
 VOX_API void vox_thread_free_buffers(void);
-/* Turns the keeping of scratch buffers off for the rest of the process. Returns 1. */
+/* Turns the keeping of scratch buffers off for the rest of the process; those already kept stay
+ * until they are released. Returns 1. */
 VOX_API int vox_disable_fast_mm(void);
-/* Bytes held by the library and its callers through vox_malloc; *count receives the blocks. */
+/* Bytes held by the library (with the scratch it keeps) and its callers through vox_malloc, with
+ * what alignment costs; *count receives the blocks and may be null. */
 VOX_API int64_t vox_mem_stat(int *count);
 /* Peak of those bytes. mode 1: start, 0: stop, 2: read, -1: read and restart from the current bytes.
  * -1 when tracking is off or the mode is another. */
 VOX_API int64_t vox_peak_mem_usage(int mode);
 /* Budget of high-bandwidth memory (many-core processors only) in MiB, for kind 1; negative for no
- * limit. Returns 1, or 0 for another kind. */
+ * limit. What is held of it already counts. Returns 1, or 0 for another kind. */
 VOX_API int vox_set_memory_limit(int kind, int64_t limit_mib);
 enum { VOX_MEM_FAST = 1 };
 
@@ -539,9 +543,11 @@ VOX_API int vox_serv_get_fast_mm_status(void); /* 1: off */
 VOX_API int64_t vox_serv_mem_stat(int *count);
 VOX_API int64_t vox_serv_peak_mem_usage(int mode);
 VOX_API int vox_serv_set_memory_limit(int kind, int64_t limit_mib);
-/* Bytes that remain of the high-bandwidth budget: all ones when unlimited, 0 when there is none. */
+/* Bytes that remain of the high-bandwidth budget, whether or not there is such memory: all ones
+ * when unlimited, 0 when nothing remains. */
 VOX_API uint64_t vox_serv_check_fast_memory_size(void);
-/* Memory for generated code: writable until set_exec (0 on success), executable from then on. */
+/* Memory for generated code, at an address divisible by 64: writable until set_exec (0 on success),
+ * executable from then on. Not part of vox_mem_stat. */
 VOX_API void *vox_serv_jit_alloc(size_t size);
 VOX_API int vox_serv_jit_set_exec(void *pointer);
 VOX_API void vox_serv_jit_free(void *pointer);

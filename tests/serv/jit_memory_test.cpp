@@ -1,0 +1,98 @@
+// jit_memory_test.cpp - memory for generated code is writable or executable, and never both.
+#include "tests/serv/memory_support.hpp"
+
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+using namespace test;
+
+// The permissions of the mapping that holds the address, as /proc/self/maps prints them ("rw-p");
+// empty when there is none.
+std::string permissions(const void *address) {
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        std::istringstream fields(line);
+        uintptr_t begin = 0, end = 0;
+        char dash;
+        std::string mode;
+        fields >> std::hex >> begin >> dash >> end >> mode;
+        const uintptr_t a = reinterpret_cast<uintptr_t>(address);
+        if (begin <= a && a < end)
+            return mode;
+    }
+    return "";
+}
+
+constexpr unsigned char return_42[] = {0xB8, 42, 0, 0, 0, 0xC3}; // mov eax, 42; ret
+
+void *code_for(size_t size) {
+    void *const code = vox_serv_jit_alloc(size);
+    CHECK(code);
+    std::memcpy(code, return_42, sizeof return_42);
+    return code;
+}
+
+int call(void *code) { return reinterpret_cast<int (*)()>(code)(); }
+
+TEST(JitMemory, IsWrittenThenExecutedAndNeverBothAtOnce) {
+    for (size_t size : {6, 100, 4032, 4033, 4096, 1 << 20}) {
+        SCOPED_TRACE(size);
+        void *const code = vox_serv_jit_alloc(size);
+        ASSERT_TRUE(code && is_aligned(code, 64));
+        char *const last = static_cast<char *>(code) + size - 1;
+        std::memset(code, 0xCC, size);
+        std::memcpy(code, return_42, sizeof return_42);
+        EXPECT_EQ(permissions(code), "rw-p");
+        EXPECT_EQ(permissions(last), "rw-p");
+        ASSERT_EQ(vox_serv_jit_set_exec(code), 0);
+        EXPECT_EQ(permissions(code), "r-xp");
+        EXPECT_EQ(permissions(last), "r-xp");
+        EXPECT_EQ(call(code), 42);
+        EXPECT_EQ(vox_serv_jit_set_exec(code), 0); // again changes nothing
+        EXPECT_EQ(call(code), 42);
+        vox_serv_jit_free(code);
+        EXPECT_EQ(permissions(last), "");
+    }
+}
+
+TEST(JitMemory, RefusesWhatCannotBe) {
+    for (size_t size : {size_t(0), SIZE_MAX, SIZE_MAX - 64, SIZE_MAX - 4096 - 64, SIZE_MAX / 2})
+        EXPECT_EQ(vox_serv_jit_alloc(size), nullptr) << size;
+    EXPECT_NE(vox_serv_jit_set_exec(nullptr), 0);
+    vox_serv_jit_free(nullptr);
+    void *const code = vox_serv_jit_alloc(10);
+    vox_serv_jit_free(code); // never made executable
+    EXPECT_EQ(permissions(code), "");
+}
+
+// How a child dies of an access violation, with or without a sanitizer in its way: it prints what
+// comes before and nothing of what comes after.
+CHILD(executes_too_early) {
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    std::printf("before ");
+    std::printf("%d", call(code_for(100)));
+}
+CHILD(writes_too_late) {
+    void *const code = code_for(100);
+    CHECK(vox_serv_jit_set_exec(code) == 0);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    std::printf("before ");
+    static_cast<volatile char *>(code)[1] = 43;
+    std::printf("%d", call(code));
+}
+
+TEST(JitMemory, FaultsWhenExecutedTooEarlyOrWrittenTooLate) {
+    for (const child_entry *child : {&executes_too_early, &writes_too_late}) {
+        const child_result r = run_child(*child);
+        EXPECT_EQ(r.out, "before ");
+        EXPECT_TRUE(r.signal == SIGSEGV || (r.status > 0 && r.err.find("SEGV") != r.err.npos))
+            << r.err;
+    }
+}
+
+} // namespace
