@@ -56,10 +56,10 @@ install: all
 	cmake --install build --prefix $(PREFIX)
 
 format:
-	clang-format -i $(SOURCES)
+	@clang-format -i $(SOURCES)
 
 format-check:
-	clang-format --dry-run -Werror $(SOURCES)
+	@clang-format --dry-run -Werror $(SOURCES)
 
 tidy: build-clang/build.ninja
 	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|serv|tests|tools)/'

@@ -53,15 +53,17 @@ void print_header(int interface_kind) {
 
 } // namespace
 
+// Who has asked for the mode may then read the word as the plain integer that the public pointer
+// makes of it: hence acquire and release.
 int vox::read_verbose_mode() {
-    int mode = mode_word().load(std::memory_order_relaxed);
+    int mode = mode_word().load(std::memory_order_acquire);
     if (mode >= 0)
         return mode;
     scoped_lock guard(lock_id::verbose_mode);
     mode = mode_word().load(std::memory_order_relaxed);
     if (mode < 0) {
         mode = mode_from_environment();
-        mode_word().store(mode, std::memory_order_relaxed);
+        mode_word().store(mode, std::memory_order_release);
     }
     return mode;
 }
@@ -76,7 +78,7 @@ extern "C" int vox_serv_verbose(int mode) {
     if (mode != 0 && mode != 1)
         return -1;
     scoped_lock guard(lock_id::verbose_mode);
-    mode_word().store(mode, std::memory_order_relaxed);
+    mode_word().store(mode, std::memory_order_release);
     return mode;
 }
 VOX_ALIAS(vox_verbose, vox_serv_verbose);
