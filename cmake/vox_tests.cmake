@@ -43,7 +43,7 @@ add_library(vox_test_support STATIC
 target_link_libraries(vox_test_support PUBLIC vox_host_options GTest::gtest)
 
 set(VOX_TEST_ENVIRONMENT
-  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
+  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:die_after_fork=0"
   "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
   "UBSAN_OPTIONS=print_stacktrace=1")
 
@@ -53,7 +53,8 @@ function(vox_register_test test command)
   if(NOT "slow" IN_LIST labels)
     list(APPEND labels quick)
   endif()
-  set_tests_properties(${test} PROPERTIES LABELS "${labels}" TIMEOUT 300)
+  set_tests_properties(${test} PROPERTIES
+    LABELS "${labels}" TIMEOUT 300 ENVIRONMENT "${VOX_TEST_ENVIRONMENT}")
 endfunction()
 
 function(vox_add_test name)
@@ -74,7 +75,6 @@ function(vox_add_test name)
     endforeach()
   else()
     vox_register_test(${name} ${name} ${ARG_LABELS})
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${VOX_TEST_ENVIRONMENT}")
   endif()
 endfunction()
 find_package(Threads REQUIRED)
