@@ -10,7 +10,7 @@
 
 #include "serv/lock.hpp"
 
-constinit vox::host_runtime vox::host_runtimes[max_host_runtimes];
+constinit vox::host_runtime vox::host_runtimes[max_host_runtimes] = {};
 constinit std::atomic<int> vox::host_runtime_count;
 
 namespace {

@@ -9,7 +9,9 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <latch>
 #include <pthread.h>
+#include <sched.h>
 #include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -187,12 +189,18 @@ CHILD(forks) {
         wrong += teams_in_child(2 + repeat % 3);
         wrong += run_team(4) != 4;
     }
-    // From a thread that is not the main one, while others keep their teams.
+    // From a thread that is not the main one, while another keeps its team busy (without allocating:
+    // the sanitizers' allocators do not survive that).
+    std::atomic<int> rounds = 0;
     std::atomic<bool> stop = false;
     std::thread busy([&] {
-        while (!stop)
-            run_team(2);
+        while (!stop) {
+            parallel(2, [](int, int) {});
+            ++rounds;
+        }
     });
+    while (rounds < 3)
+        std::this_thread::yield();
     std::thread([&] { wrong += teams_in_child(4); }).join();
     stop = true;
     busy.join();
@@ -233,16 +241,28 @@ void limit(__rlimit_resource what, rlim_t value) {
         std::abort();
 }
 
-// From here on few processes and threads may be made. The limit does not hold for root, so root's
-// rights are given up.
-void limit_tasks(rlim_t most) {
-    if (geteuid() == 0 && setuid(65534) != 0)
-        std::abort();
-    limit(RLIMIT_NPROC, most);
-}
+// Few processes and threads may be made while it lives. The limit counts all tasks of a user and
+// does not hold for root, so the process becomes a user of its own.
+class task_limit {
+  public:
+    explicit task_limit(rlim_t most) {
+        const uid_t nobodys = 20000 + uid_t(getpid()) % 40000;
+        if (geteuid() == 0 ? setuid(nobodys) != 0 : unshare(CLONE_NEWUSER) != 0) {
+            std::perror("no user to be limited");
+            std::abort();
+        }
+        limit(RLIMIT_NPROC, most);
+    }
+    ~task_limit() { lift(); }
+    static void lift() {
+        rlimit r;
+        getrlimit(RLIMIT_NPROC, &r);
+        limit(RLIMIT_NPROC, r.rlim_max);
+    }
+};
 
 CHILD(few_tasks) {
-    limit_tasks(12);
+    const task_limit few(12);
     const int team = run_team(64), again = run_team(64), small = run_team(1);
     std::printf("%d %d %d", team >= 1 && team < 12, again == team, small);
 }
@@ -253,11 +273,9 @@ TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheProcessLimitAllows) {
 }
 
 CHILD(limit_is_lifted) {
-    limit_tasks(12);
+    const task_limit few(12);
     const int before = run_team(20);
-    rlimit r;
-    getrlimit(RLIMIT_NPROC, &r);
-    limit(RLIMIT_NPROC, r.rlim_max);
+    task_limit::lift();
     int after = 0;
     for (int call = 0; call < 5000 && after < 20; ++call)
         after = run_team(20);
@@ -268,7 +286,7 @@ TEST(ParallelUnderLimits, TheFullTeamComesBackSomeTimeAfterTheLimitIsLifted) {
 }
 
 CHILD(many_leaders) {
-    limit_tasks(24);
+    const task_limit few(24);
     int wrong = 0;
     // One after the other: each gets the workers of the one before.
     for (int leader = 0; leader < 10; ++leader)
@@ -277,8 +295,10 @@ CHILD(many_leaders) {
     // All at once: there are not enough for all.
     std::vector<std::thread> leaders;
     std::atomic<int> bad = 0;
+    std::latch all_here(10);
     for (int leader = 0; leader < 10; ++leader)
         leaders.emplace_back([&] {
+            all_here.arrive_and_wait();
             for (int repeat = 0; repeat < 20; ++repeat) {
                 const int team = run_team(8);
                 bad += team < 1 || team > 8;
@@ -302,7 +322,7 @@ int chain_of_teams(int depth) {
            (depth > 1 ? in_child([depth] { return chain_of_teams(depth - 1); }) : 0);
 }
 CHILD(forks_under_limit) {
-    limit_tasks(30);
+    const task_limit few(30);
     std::printf("%d", chain_of_teams(4));
 }
 TEST(ParallelUnderLimits, AForkedChildFindsOutWhatIsLeftForIt) {
