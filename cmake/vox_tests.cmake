@@ -43,8 +43,9 @@ add_library(vox_test_support STATIC
 target_link_libraries(vox_test_support PUBLIC vox_host_options GTest::gtest)
 
 set(VOX_TEST_ENVIRONMENT
-  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:die_after_fork=0"
+  "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
   "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
+  "ASAN_OPTIONS=intercept_tls_get_addr=0" # LeakSanitizer misreads the blocks of opened libraries
   "UBSAN_OPTIONS=print_stacktrace=1")
 
 function(vox_register_test test command)
