@@ -11,7 +11,7 @@ namespace vox {
 // Who made a setting.
 enum class setter : uint32_t { none, program, environment };
 
-struct setting {
+struct alignas(8) setting { // one atomic word
     int32_t value = -1;
     setter by = setter::none;
 };

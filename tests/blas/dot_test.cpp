@@ -139,8 +139,12 @@ TEST(Ddot, AllSpellingsAreOneRoutine) {
     EXPECT_EQ(ddot_(&n, x, &one, y, &one), 32);
     EXPECT_EQ(DDOT(&n, x, &one, y, &one), 32);
     EXPECT_EQ(cblas_ddot(n, x, one, y, one), 32);
-    EXPECT_EQ(reinterpret_cast<void *>(&ddot), reinterpret_cast<void *>(&ddot_));
-    EXPECT_EQ(reinterpret_cast<void *>(&ddot), reinterpret_cast<void *>(&DDOT));
+    // The compiler must not decide by the names.
+    void *volatile const spellings[] = {reinterpret_cast<void *>(&ddot),
+                                        reinterpret_cast<void *>(&ddot_),
+                                        reinterpret_cast<void *>(&DDOT)};
+    EXPECT_EQ(spellings[0], spellings[1]);
+    EXPECT_EQ(spellings[0], spellings[2]);
 }
 
 } // namespace
