@@ -11,6 +11,7 @@
 #include <string>
 
 #include "tests/support/child.hpp"
+#include "tests/support/temporary.hpp"
 #include "vox/service.h"
 
 namespace {
@@ -59,14 +60,6 @@ TEST(Catalogue, ConversionsMustBeTheSameInTheSameOrder) {
 // A directory of catalogues; a path below it names a language.
 class catalogues {
   public:
-    catalogues() {
-        std::string name = (fs::temp_directory_path() / "vox_catalogue_XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            std::abort();
-        directory_ = name;
-    }
-    ~catalogues() { fs::remove_all(directory_); }
-
     void add(const std::string &language, const std::string &messages) const {
         const std::string source = directory_ / "source.msg";
         std::ofstream(source) << "$set 1\n" << messages;
@@ -78,14 +71,14 @@ class catalogues {
         ASSERT_EQ(result.status, 0) << result.err;
     }
     std::string file(const std::string &language) const {
-        return directory_ / language / "vox_msg.cat";
+        return directory_ / language + "/vox_msg.cat";
     }
     environment settings(const std::string &lang) const {
-        return {{"NLSPATH", directory_.string() + "/%L/%N"}, {"LANG", lang}, {"LC_ALL", "C"}};
+        return {{"NLSPATH", directory_ / "%L/%N"}, {"LANG", lang}, {"LC_ALL", "C"}};
     }
 
   private:
-    fs::path directory_;
+    const temporary_directory directory_;
 };
 
 CHILD(print_three) {

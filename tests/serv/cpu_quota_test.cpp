@@ -9,31 +9,27 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/temporary.hpp"
+
 namespace {
 
 using files = std::vector<std::pair<std::string, std::string>>; // "@" stands for the tree's root
 
 class Tree {
   public:
-    Tree() {
-        std::string name = testing::TempDir() + "cgroups_XXXXXX";
-        root_ = mkdtemp(name.data());
-    }
-    ~Tree() { std::filesystem::remove_all(root_); }
-
     void add(const std::string &name, std::string text) {
         for (size_t at; (at = text.find('@')) != std::string::npos;)
-            text.replace(at, 1, root_);
-        const std::filesystem::path path = root_ + "/" + name;
+            text.replace(at, 1, root_.path());
+        const std::filesystem::path path = root_ / name;
         std::filesystem::create_directories(path.parent_path());
         std::ofstream(path) << text;
     }
     int quota() const {
-        return vox::read_cpu_quota((root_ + "/cgroup").c_str(), (root_ + "/mountinfo").c_str());
+        return vox::read_cpu_quota((root_ / "cgroup").c_str(), (root_ / "mountinfo").c_str());
     }
 
   private:
-    std::string root_;
+    const test::temporary_directory root_;
 };
 
 constexpr char v2_mount[] = "22 1 0:20 / /proc rw - proc proc rw\n"

@@ -3,11 +3,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>
 #include <vector>
 
+#include "tests/support/temporary.hpp"
 #include "vox/service.h"
 
 namespace {
@@ -131,16 +133,12 @@ TEST(TopologyByVisits, TellsCoresFromThreads) {
 // A temporary file with a cpuinfo in it.
 class cpuinfo_file {
   public:
-    explicit cpuinfo_file(const std::string &text) {
-        const int file = mkstemp(path_.data());
-        EXPECT_EQ(write(file, text.data(), text.size()), ssize_t(text.size()));
-        close(file);
-    }
-    ~cpuinfo_file() { unlink(path_.c_str()); }
+    explicit cpuinfo_file(const std::string &text) { std::ofstream(path_) << text; }
     const char *path() const { return path_.c_str(); }
 
   private:
-    std::string path_ = testing::TempDir() + "cpuinfo_XXXXXX";
+    const test::temporary_directory directory_;
+    const std::string path_ = directory_ / "cpuinfo";
 };
 
 std::string record(int processor, int package, int core) {
