@@ -59,7 +59,7 @@ inline T dot_contiguous(index_t n, const T *x, const T *y) {
         return n == 1 ? x[0] * y[0] : x[0] * y[0] + x[1] * y[1];
     if (n < 4 * lanes<T>)
         return dot_rest(n, x, y, vec<T>{});
-    if (VOX_UNLIKELY(n >= 32 * lanes<T>))
+    if (VOX_UNLIKELY(n >= 128 * lanes<T>))
         return dot_long(n, x, y);
     const vec<T> sum = dot_blocks<vector_bytes, 4>(n, x, y);
     return dot_rest(n, x, y, sum);
