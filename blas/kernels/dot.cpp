@@ -26,7 +26,7 @@ __attribute__((always_inline)) inline auto dot_blocks(index_t &n, const T *&x, c
     return Vectors > 4 ? sum[0] + sum[1] : sum[0];
 }
 
-// Less than a block of four vectors, added to a first sum.
+// What no block took, at most seven vectors and a part, added to a first sum.
 template <class T>
 __attribute__((always_inline)) inline T dot_rest(index_t n, const T *x, const T *y, vec<T> sum) {
     constexpr int w = lanes<T>;

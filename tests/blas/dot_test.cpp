@@ -35,7 +35,7 @@ std::vector<vox_int> lengths() {
     std::vector<vox_int> n;
     for (vox_int i = 0; i <= 300; ++i)
         n.push_back(i);
-    for (vox_int i : {1000, 1023, 4095, 4096, 4097, 5000, 10007})
+    for (vox_int i : {1000, 1023, 4095, 4096, 4097, 5000, 10007, 70001})
         n.push_back(i);
     return n;
 }
