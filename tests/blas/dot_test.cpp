@@ -29,8 +29,8 @@ std::ostream &operator<<(std::ostream &out, const shape &s) {
     return out << "n " << s.n << " incx " << s.incx << " incy " << s.incy;
 }
 
-// Every length past two rounds of the widest unrolled loop, then some beyond the threading
-// threshold.
+// Every length past the loops for short vectors, then some beyond the threading threshold, the last
+// so long that each of two threads reads from beyond the second-level cache.
 std::vector<vox_int> lengths() {
     std::vector<vox_int> n;
     for (vox_int i = 0; i <= 300; ++i)
