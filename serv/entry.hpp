@@ -22,6 +22,7 @@ inline A widened(A argument) {
     return argument;
 }
 inline index_t widened(const vox_int *integer) { return *integer; }
+inline index_t widened(const index_t *integer) { return *integer; }
 
 // The text of a call, "DDOT(5,0x7f..,1,0x7f..,1)", cut where its buffer ends.
 class call_text {

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <immintrin.h>
+#include <type_traits>
 
 #include "serv/kernel.hpp"
 
@@ -161,6 +162,49 @@ inline auto reduce_add(V v) {
         return v[0] + v[1];
     else
         return reduce_add(low_half(v) + high_half(v));
+}
+
+// Complex numbers lie in vectors as pairs of lanes, real part first.
+
+// Each pair exchanged: (re, im) becomes (im, re).
+template <class V>
+inline V swap_pairs(V v) {
+    constexpr int n = int(sizeof(V) / sizeof(v[0]));
+    if constexpr (n == 16)
+        return __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
+    else if constexpr (n == 8)
+        return __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6);
+    else if constexpr (n == 4)
+        return __builtin_shufflevector(v, v, 1, 0, 3, 2);
+    else
+        return __builtin_shufflevector(v, v, 1, 0);
+}
+
+// (even, odd, even, odd, ...).
+template <class T>
+inline vec<T> broadcast_pair(T even, T odd) {
+    vec<T> v;
+    for (int i = 0; i < lanes<T>; i += 2) {
+        v[i] = even;
+        v[i + 1] = odd;
+    }
+    return v;
+}
+
+// The sums of the even and of the odd lanes, by halving.
+template <class T>
+struct pair_sum {
+    T even, odd;
+};
+template <class V>
+inline auto reduce_add_pairs(V v) {
+    if constexpr (sizeof(V) == 2 * sizeof(v[0])) {
+        return pair_sum<std::remove_reference_t<decltype(v[0])>>{v[0], v[1]};
+    } else if constexpr (sizeof(V) == 4 * sizeof(v[0])) {
+        return pair_sum<std::remove_reference_t<decltype(v[0])>>{v[0] + v[2], v[1] + v[3]};
+    } else {
+        return reduce_add_pairs(low_half(v) + high_half(v));
+    }
 }
 
 } // namespace simd

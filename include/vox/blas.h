@@ -14,12 +14,9 @@ extern "C" {
  * Accuracy: |error| <= gamma(n) sum |x_i y_i|, gamma(n) = n u / (1 - n u), u = eps / 2.
  * Source: Lawson, Hanson, Kincaid, Krogh, "Basic Linear Algebra Subprograms for Fortran Usage",
  * ACM TOMS 5(3), 1979. */
-VOX_API double ddot(const vox_int *n, const double *x, const vox_int *incx, const double *y,
-                    const vox_int *incy);
-VOX_API double ddot_(const vox_int *n, const double *x, const vox_int *incx, const double *y,
-                     const vox_int *incy);
-VOX_API double DDOT(const vox_int *n, const double *x, const vox_int *incx, const double *y,
-                    const vox_int *incy);
+VOX_FORTRAN(double, ddot, DDOT,
+            (const vox_int *n, const double *x, const vox_int *incx, const double *y,
+             const vox_int *incy));
 
 #ifdef __cplusplus
 }
