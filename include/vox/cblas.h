@@ -16,6 +16,159 @@ typedef enum { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
 
 VOX_API double cblas_ddot(vox_int n, const double *x, vox_int incx, const double *y, vox_int incy);
 
+/*
+ * Level 2: as in blas.h, with the layout first.
+ *
+ * CblasColMajor: storage as in blas.h. CblasRowMajor: the same formulas with i and j exchanged, upper
+ * and lower, m and n, kl and ku as well:
+ *   full            A(i,j) at a[j + i*lda], lda >= max(1, columns)
+ *   band            A(i,j) at a[kl + j - i + i*lda]
+ *   band triangle   upper: A(i,j) at a[j - i + i*lda], lower: A(i,j) at a[k + j - i + i*lda]
+ *   packed triangle upper: A(i,j) at ap[j + i*(2*n - i - 1)/2], lower: A(i,j) at ap[j + i*(i + 1)/2]
+ *
+ * Errors: reported through cblas_xerbla with the parameter's number, the layout being number 1, and
+ * the operands are left alone. After a bad layout nothing else is looked at. After a bad trans, uplo
+ * or diag the other parameters are checked too; of the sizes, leading dimension and increments the
+ * first bad one is reported.
+ *
+ * In the complex types scalars come by address, except the real alpha of ?her and ?hpr.
+ */
+
+#define VOX_GEMV(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, vox_int m, vox_int n, S alpha,   \
+                      const T *a, vox_int lda, const T *x, vox_int incx, S beta, T *y,             \
+                      vox_int incy)
+VOX_GEMV(cblas_sgemv, float, float);
+VOX_GEMV(cblas_dgemv, double, double);
+VOX_GEMV(cblas_cgemv, const void *, void);
+VOX_GEMV(cblas_zgemv, const void *, void);
+#undef VOX_GEMV
+
+#define VOX_GBMV(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, vox_int m, vox_int n,            \
+                      vox_int kl, vox_int ku, S alpha, const T *a, vox_int lda, const T *x,        \
+                      vox_int incx, S beta, T *y, vox_int incy)
+VOX_GBMV(cblas_sgbmv, float, float);
+VOX_GBMV(cblas_dgbmv, double, double);
+VOX_GBMV(cblas_cgbmv, const void *, void);
+VOX_GBMV(cblas_zgbmv, const void *, void);
+#undef VOX_GBMV
+
+#define VOX_SYMV(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, S alpha, const T *a,        \
+                      vox_int lda, const T *x, vox_int incx, S beta, T *y, vox_int incy)
+VOX_SYMV(cblas_ssymv, float, float);
+VOX_SYMV(cblas_dsymv, double, double);
+VOX_SYMV(cblas_chemv, const void *, void);
+VOX_SYMV(cblas_zhemv, const void *, void);
+#undef VOX_SYMV
+
+#define VOX_SBMV(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, vox_int k, S alpha,         \
+                      const T *a, vox_int lda, const T *x, vox_int incx, S beta, T *y,             \
+                      vox_int incy)
+VOX_SBMV(cblas_ssbmv, float, float);
+VOX_SBMV(cblas_dsbmv, double, double);
+VOX_SBMV(cblas_chbmv, const void *, void);
+VOX_SBMV(cblas_zhbmv, const void *, void);
+#undef VOX_SBMV
+
+#define VOX_SPMV(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, S alpha, const T *ap,       \
+                      const T *x, vox_int incx, S beta, T *y, vox_int incy)
+VOX_SPMV(cblas_sspmv, float, float);
+VOX_SPMV(cblas_dspmv, double, double);
+VOX_SPMV(cblas_chpmv, const void *, void);
+VOX_SPMV(cblas_zhpmv, const void *, void);
+#undef VOX_SPMV
+
+#define VOX_TRMV(name, T)                                                                          \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans,                 \
+                      CBLAS_DIAG diag, vox_int n, const T *a, vox_int lda, T *x, vox_int incx)
+VOX_TRMV(cblas_strmv, float);
+VOX_TRMV(cblas_dtrmv, double);
+VOX_TRMV(cblas_ctrmv, void);
+VOX_TRMV(cblas_ztrmv, void);
+VOX_TRMV(cblas_strsv, float);
+VOX_TRMV(cblas_dtrsv, double);
+VOX_TRMV(cblas_ctrsv, void);
+VOX_TRMV(cblas_ztrsv, void);
+#undef VOX_TRMV
+
+#define VOX_TBMV(name, T)                                                                          \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans,                 \
+                      CBLAS_DIAG diag, vox_int n, vox_int k, const T *a, vox_int lda, T *x,        \
+                      vox_int incx)
+VOX_TBMV(cblas_stbmv, float);
+VOX_TBMV(cblas_dtbmv, double);
+VOX_TBMV(cblas_ctbmv, void);
+VOX_TBMV(cblas_ztbmv, void);
+VOX_TBMV(cblas_stbsv, float);
+VOX_TBMV(cblas_dtbsv, double);
+VOX_TBMV(cblas_ctbsv, void);
+VOX_TBMV(cblas_ztbsv, void);
+#undef VOX_TBMV
+
+#define VOX_TPMV(name, T)                                                                          \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans,                 \
+                      CBLAS_DIAG diag, vox_int n, const T *ap, T *x, vox_int incx)
+VOX_TPMV(cblas_stpmv, float);
+VOX_TPMV(cblas_dtpmv, double);
+VOX_TPMV(cblas_ctpmv, void);
+VOX_TPMV(cblas_ztpmv, void);
+VOX_TPMV(cblas_stpsv, float);
+VOX_TPMV(cblas_dtpsv, double);
+VOX_TPMV(cblas_ctpsv, void);
+VOX_TPMV(cblas_ztpsv, void);
+#undef VOX_TPMV
+
+#define VOX_GER(name, S, T)                                                                        \
+    VOX_API void name(CBLAS_LAYOUT layout, vox_int m, vox_int n, S alpha, const T *x,              \
+                      vox_int incx, const T *y, vox_int incy, T *a, vox_int lda)
+VOX_GER(cblas_sger, float, float);
+VOX_GER(cblas_dger, double, double);
+VOX_GER(cblas_cgeru, const void *, void);
+VOX_GER(cblas_zgeru, const void *, void);
+VOX_GER(cblas_cgerc, const void *, void);
+VOX_GER(cblas_zgerc, const void *, void);
+#undef VOX_GER
+
+#define VOX_SYR(name, S, T)                                                                        \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, S alpha, const T *x,        \
+                      vox_int incx, T *a, vox_int lda)
+VOX_SYR(cblas_ssyr, float, float);
+VOX_SYR(cblas_dsyr, double, double);
+VOX_SYR(cblas_cher, float, void);
+VOX_SYR(cblas_zher, double, void);
+#undef VOX_SYR
+
+#define VOX_SPR(name, S, T)                                                                        \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, S alpha, const T *x,        \
+                      vox_int incx, T *ap)
+VOX_SPR(cblas_sspr, float, float);
+VOX_SPR(cblas_dspr, double, double);
+VOX_SPR(cblas_chpr, float, void);
+VOX_SPR(cblas_zhpr, double, void);
+#undef VOX_SPR
+
+#define VOX_SYR2(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, S alpha, const T *x,        \
+                      vox_int incx, const T *y, vox_int incy, T *a, vox_int lda)
+VOX_SYR2(cblas_ssyr2, float, float);
+VOX_SYR2(cblas_dsyr2, double, double);
+VOX_SYR2(cblas_cher2, const void *, void);
+VOX_SYR2(cblas_zher2, const void *, void);
+#undef VOX_SYR2
+
+#define VOX_SPR2(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, vox_int n, S alpha, const T *x,        \
+                      vox_int incx, const T *y, vox_int incy, T *ap)
+VOX_SPR2(cblas_sspr2, float, float);
+VOX_SPR2(cblas_dspr2, double, double);
+VOX_SPR2(cblas_chpr2, const void *, void);
+VOX_SPR2(cblas_zhpr2, const void *, void);
+#undef VOX_SPR2
+
 #ifdef __cplusplus
 }
 #endif
