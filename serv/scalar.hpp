@@ -69,8 +69,26 @@ VOX_SCALAR T conj_if(bool conjugate, T a) {
         return (void)conjugate, a;
 }
 
+// a / b; complex by Smith's method (Communications of the ACM 5(8), 1962), which does not overflow
+// where the parts of b can be squared only with overflow.
 template <class T>
-constexpr T zero = T{};
+VOX_SCALAR T divide(T a, T b) {
+    if constexpr (!is_complex<T>) {
+        return a / b;
+    } else if ((b.real < 0 ? -b.real : b.real) < (b.imag < 0 ? -b.imag : b.imag)) {
+        const auto ratio = b.real / b.imag, scale = b.real * ratio + b.imag;
+        return {(a.real * ratio + a.imag) / scale, (a.imag * ratio - a.real) / scale};
+    } else {
+        const auto ratio = b.imag / b.real, scale = b.imag * ratio + b.real;
+        return {(a.real + a.imag * ratio) / scale, (a.imag - a.real * ratio) / scale};
+    }
+}
+
+template <class T>
+VOX_SCALAR bool is_zero(T a) {
+    return real(a) == 0 && imag(a) == 0;
+}
+
 template <class T>
 constexpr T one = make<T>(1);
 

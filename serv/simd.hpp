@@ -60,15 +60,15 @@ inline auto load(const T *p) {
         *reinterpret_cast<const typename vec_of<T, Bytes>::unaligned *>(p));
 }
 
-template <class T>
-inline void store(T *p, vec<T> v) {
-    *reinterpret_cast<typename vec_of<T, vector_bytes>::unaligned *>(p) = v;
+template <class T, class V>
+inline void store(T *p, V v) {
+    *reinterpret_cast<typename vec_of<T, int(sizeof(V))>::unaligned *>(p) = v;
 }
 
-template <class T>
-inline vec<T> broadcast(T x) {
-    vec<T> v;
-    for (int i = 0; i < lanes<T>; ++i)
+template <int Bytes = vector_bytes, class T>
+inline auto broadcast(T x) {
+    typename vec_of<T, Bytes>::type v;
+    for (int i = 0; i < Bytes / int(sizeof(T)); ++i)
         v[i] = x;
     return v;
 }
@@ -181,10 +181,10 @@ inline V swap_pairs(V v) {
 }
 
 // (even, odd, even, odd, ...).
-template <class T>
-inline vec<T> broadcast_pair(T even, T odd) {
-    vec<T> v;
-    for (int i = 0; i < lanes<T>; i += 2) {
+template <int Bytes = vector_bytes, class T>
+inline auto broadcast_pair(T even, T odd) {
+    typename vec_of<T, Bytes>::type v;
+    for (int i = 0; i < Bytes / int(sizeof(T)); i += 2) {
         v[i] = even;
         v[i + 1] = odd;
     }

@@ -1,0 +1,76 @@
+// ger.cpp - updates of rank one and two, of a rectangle or of a stored triangle: ?ger, ?syr, ?syr2,
+// their Hermitian and packed forms.
+#include "blas/jobs.hpp"
+#include "blas/kernels/clipped.hpp"
+
+namespace {
+
+using namespace panels;
+using vox::is_zero;
+using vox::update_job;
+
+// Columns j .. j + C - 1 get x s, or x s + y r in updates of rank two. Columns whose factors are
+// zero are left out, NaN or not, as the reference does.
+template <int Rank, int C, class T>
+VOX_PANEL void step(const update_job<T> &job, index_t j) {
+    const bool upper = job.where == job.upper, lower = job.where == job.lower;
+    const T *const x = job.x_rows, *const y = job.y_rows;
+    T s[C], r[C];
+    bool left_out[C], some_left_out = false;
+    unroll<C>([&](auto c) {
+        const T yc = conj_if(job.conjugated, job.y_columns[j + c]);
+        s[c] = job.alpha * yc;
+        left_out[c] = is_zero(yc);
+        if constexpr (Rank == 2) {
+            const T xc = conj_if(job.conjugated, job.x_columns[j + c]);
+            r[c] = conj_if(job.conjugated, job.alpha) * xc;
+            left_out[c] = left_out[c] && is_zero(xc);
+        }
+        some_left_out |= left_out[c];
+    });
+    const index_t first = lower ? j + C : job.first_row, end = upper ? j : job.end_row;
+    const auto columns_from = [&](auto count, index_t c) {
+        const pointers<count, T> p(job.a, j + c, first);
+        if constexpr (Rank == 1)
+            update<count>(end - first, p.at, x + first, s + c);
+        else
+            update<count>(end - first, p.at, x + first, s + c, y + first, r + c);
+    };
+    if (VOX_LIKELY(!some_left_out)) {
+        columns_from(constant<C>(), 0);
+    } else {
+        for (int c = 0; c < C; ++c)
+            if (!left_out[c])
+                columns_from(constant<1>(), c);
+    }
+    if (!upper && !lower)
+        return;
+    unroll<C>([&](auto c) {
+        T *const column = job.a(j + c) + j;
+        unroll<C>([&](auto i) {
+            if (!left_out[c] && (upper ? i <= c : i >= c)) {
+                column[i] += x[j + i] * s[c];
+                if constexpr (Rank == 2)
+                    column[i] += y[j + i] * r[c];
+            }
+        });
+        if (job.conjugated)
+            column[c] = make<T>(real(column[c]));
+    });
+}
+
+template <class T>
+VOX_PANEL void ger(const update_job<T> &job) {
+    if (job.rank_two)
+        for_groups<group_of_both<T>>(true, job.first_column, job.end_column,
+                                     [&](auto count, index_t j) { step<2, count>(job, j); });
+    else
+        for_groups<group<T>>(true, job.first_column, job.end_column,
+                             [&](auto count, index_t j) { step<1, count>(job, j); });
+}
+
+} // namespace
+
+#define GER(p, P, T)                                                                               \
+    extern "C" void VOX_KERNEL(blas, p##ger)(const vox::update_job<T> *job) { ger(*job); }
+VOX_PRECISIONS(GER)

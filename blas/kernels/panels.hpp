@@ -1,0 +1,247 @@
+// panels.hpp - the inner loops of level 2: a few columns of a matrix against one vector or two.
+//
+// A panel is C columns of `rows` elements, each given by its first element; vectors are contiguous.
+// Every loop reads each element of A once. Complex numbers stay interleaved: products with the real
+// and with the imaginary part of the other factor are summed apart, and joined once per row (sums
+// down the rows) or once per column (sums along a column), which is also where a conjugate of A
+// costs nothing.
+#pragma once
+
+#include "serv/scalar.hpp"
+#include "serv/simd.hpp"
+
+namespace {
+namespace panels {
+
+using namespace simd;
+using vox::conj_if;
+using vox::imag;
+using vox::is_complex;
+using vox::make;
+using vox::real;
+using vox::real_of;
+
+#define VOX_PANEL __attribute__((always_inline)) inline
+
+template <class T>
+constexpr int parts = is_complex<T> ? 2 : 1;
+// Elements of a vector.
+template <class T>
+constexpr int width = lanes<real_of<T>> / parts<T>;
+
+// Columns of a panel that is read; sums along and across columns at once take more registers.
+template <class T>
+constexpr int group = 4;
+template <class T>
+constexpr int group_of_both = is_complex<T> &&vector_bytes < 64 ? 2 : 4;
+
+template <class T>
+VOX_PANEL const real_of<T> *flat(const T *p) {
+    return reinterpret_cast<const real_of<T> *>(p);
+}
+template <class T>
+VOX_PANEL real_of<T> *flat(T *p) {
+    return reinterpret_cast<real_of<T> *>(p);
+}
+
+// One vector's worth of elements, all of them or the first n.
+struct whole {
+    template <class T>
+    VOX_PANEL auto get(const T *p) const {
+        return load(flat(p));
+    }
+    template <class T, class V>
+    VOX_PANEL void put(T *p, V v) const {
+        store(flat(p), v);
+    }
+};
+struct first_few {
+    index_t n;
+    template <class T>
+    VOX_PANEL auto get(const T *p) const {
+        return load_partial(flat(p), n * parts<T>);
+    }
+    template <class T, class V>
+    VOX_PANEL void put(T *p, V v) const {
+        store_partial(flat(p), v, n * parts<T>);
+    }
+};
+
+// step(constant<u>, i, access) for every vector of rows; u tells the vectors of an unrolled round
+// apart.
+template <int Unrolled, class T, class Step>
+VOX_PANEL void for_rows(index_t rows, const Step &step) {
+    constexpr int w = width<T>;
+    index_t i = 0;
+    for (; i + Unrolled * w <= rows; i += Unrolled * w)
+        unroll<Unrolled>([&](auto u) { step(u, i + u * w, whole()); });
+    if constexpr (Unrolled > 1)
+        for (; i + w <= rows; i += w)
+            step(constant<0>(), i, whole());
+    if (i < rows)
+        step(constant<0>(), i, first_few{rows - i});
+}
+
+// Factors of C columns, ready for the loop.
+template <int C, class T>
+struct factors {
+    vec<real_of<T>> re[C], im[C];
+    VOX_PANEL explicit factors(const T *s) {
+        unroll<C>([&](auto c) {
+            re[c] = broadcast(real(s[c]));
+            if constexpr (is_complex<T>)
+                im[c] = broadcast(imag(s[c]));
+        });
+    }
+};
+
+// Signs that join the two sums of complex products: a s, or conj(a) s.
+template <class T>
+struct joint {
+    vec<real_of<T>> of_re, of_im;
+    VOX_PANEL explicit joint(bool conjugate) {
+        using R = real_of<T>;
+        of_re = broadcast_pair(R(1), R(conjugate ? -1 : 1));
+        of_im = broadcast_pair(R(conjugate ? 1 : -1), R(1));
+    }
+};
+
+// y + sum_c a_c s_c for one vector of rows.
+template <int C, class T, class Access>
+VOX_PANEL auto rows_sum(const T *const (&a)[C], const factors<C, T> &s, const joint<T> &join,
+                        vec<real_of<T>> y, index_t i, Access access) {
+    if constexpr (is_complex<T>) {
+        vec<real_of<T>> re{}, im{};
+        unroll<C>([&](auto c) {
+            const auto v = access.get(a[c] + i);
+            re = fma(v, s.re[c], re);
+            im = fma(v, s.im[c], im);
+        });
+        return fma(swap_pairs(im), join.of_im, fma(re, join.of_re, y));
+    } else {
+        unroll<C>([&](auto c) { y = fma(access.get(a[c] + i), s.re[c], y); });
+        return y;
+    }
+}
+
+// y += sum_c a_c s_c, or with conj(a_c).
+template <int C, class T>
+VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bool conjugate) {
+    const factors<C, T> f(s);
+    const joint<T> join(conjugate);
+    for_rows<2, T>(rows, [&](auto, index_t i, auto access) {
+        access.put(y + i, rows_sum<C>(a, f, join, access.get(y + i), i, access));
+    });
+}
+
+// Sums of a_c x along the columns, before they are joined.
+template <int C, class T, int Unrolled>
+struct column_sums {
+    vec<real_of<T>> straight[C][Unrolled] = {}, crossed[C][Unrolled] = {};
+
+    template <int U, class V>
+    VOX_PANEL void add(constant<U>, int c, V a, V x, V swapped_x) {
+        straight[c][U] = fma(a, x, straight[c][U]);
+        if constexpr (is_complex<T>)
+            crossed[c][U] = fma(a, swapped_x, crossed[c][U]);
+    }
+    VOX_PANEL T total(int c, bool conjugate) {
+        unroll<Unrolled - 1>([&](auto u) {
+            straight[c][0] += straight[c][u + 1];
+            if constexpr (is_complex<T>)
+                crossed[c][0] += crossed[c][u + 1];
+        });
+        if constexpr (is_complex<T>) {
+            const auto s = reduce_add_pairs(straight[c][0]), x = reduce_add_pairs(crossed[c][0]);
+            return conjugate ? T{s.even + s.odd, x.even - x.odd}
+                             : T{s.even - s.odd, x.even + x.odd};
+        } else {
+            return reduce_add(straight[c][0]);
+        }
+    }
+};
+
+template <class T, class V>
+VOX_PANEL V swapped(V v) {
+    if constexpr (is_complex<T>)
+        return swap_pairs(v);
+    else
+        return v;
+}
+
+// t_c = sum_i a_c[i] x[i], or with conj(a_c).
+template <int C, class T>
+VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, bool conjugate) {
+    constexpr int unrolled = is_complex<T> && vector_bytes < 64 ? 1 : 2;
+    column_sums<C, T, unrolled> sums;
+    for_rows<unrolled, T>(rows, [&](auto u, index_t i, auto access) {
+        const auto v = access.get(x + i), w = swapped<T>(v);
+        unroll<C>([&](auto c) { sums.add(u, c, access.get(a[c] + i), v, w); });
+    });
+    unroll<C>([&](auto c) { t[c] = sums.total(c, conjugate); });
+}
+
+// Both at once, for symmetric matrices: y += sum_c a_c s_c and t_c = sum_i a_c[i] x[i].
+template <int C, class T>
+VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s, T *y, const T *x,
+                                T *t, bool conjugate_across, bool conjugate_along) {
+    const factors<C, T> f(s);
+    const joint<T> join(conjugate_across);
+    column_sums<C, T, 1> sums;
+    for_rows<1, T>(rows, [&](auto u, index_t i, auto access) {
+        const auto v = access.get(x + i), w = swapped<T>(v);
+        access.put(y + i, rows_sum<C>(a, f, join, access.get(y + i), i, access));
+        unroll<C>([&](auto c) { sums.add(u, c, access.get(a[c] + i), v, w); });
+    });
+    unroll<C>([&](auto c) { t[c] = sums.total(c, conjugate_along); });
+}
+
+// a_c += x s_c.
+template <int C, class T>
+VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
+    using R = real_of<T>;
+    vec<R> re[C], im[C];
+    unroll<C>([&](auto c) {
+        re[c] = broadcast(real(s[c]));
+        if constexpr (is_complex<T>)
+            im[c] = broadcast_pair(-imag(s[c]), imag(s[c]));
+    });
+    for_rows<2, T>(rows, [&](auto, index_t i, auto access) {
+        const auto v = access.get(x + i), w = swapped<T>(v);
+        unroll<C>([&](auto c) {
+            auto sum = fma(v, re[c], access.get(a[c] + i));
+            if constexpr (is_complex<T>)
+                sum = fma(w, im[c], sum);
+            access.put(a[c] + i, sum);
+        });
+    });
+}
+
+// a_c += x s_c + y r_c.
+template <int C, class T>
+VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s, const T *y,
+                      const T *r) {
+    using R = real_of<T>;
+    vec<R> s_re[C], s_im[C], r_re[C], r_im[C];
+    unroll<C>([&](auto c) {
+        s_re[c] = broadcast(real(s[c]));
+        r_re[c] = broadcast(real(r[c]));
+        if constexpr (is_complex<T>) {
+            s_im[c] = broadcast_pair(-imag(s[c]), imag(s[c]));
+            r_im[c] = broadcast_pair(-imag(r[c]), imag(r[c]));
+        }
+    });
+    for_rows<1, T>(rows, [&](auto, index_t i, auto access) {
+        const auto v = access.get(x + i), w = access.get(y + i);
+        const auto sv = swapped<T>(v), sw = swapped<T>(w);
+        unroll<C>([&](auto c) {
+            auto sum = fma(w, r_re[c], fma(v, s_re[c], access.get(a[c] + i)));
+            if constexpr (is_complex<T>)
+                sum = fma(sw, r_im[c], fma(sv, s_im[c], sum));
+            access.put(a[c] + i, sum);
+        });
+    });
+}
+
+} // namespace panels
+} // namespace
