@@ -1,28 +1,112 @@
 // peers.cpp - see peers.hpp.
 #include "bench/peers/peers.hpp"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <filesystem>
 #include <immintrin.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
-struct candidate {
-    const char *name, *serial, *threaded;
+// A code path of this library, and the processors that OpenBLAS may be told of for its best with
+// the same instructions; none: its own choice.
+struct code_path {
+    const char *name;
+    int type;
+    std::vector<const char *> cores;
+};
+
+const code_path code_paths[] = {
+    {"best", -1, {}},
+    {"def", 0, {"Prescott", "Core2"}}, // Core2 has more instructions than def, which only helps it
+    {"ssse3", 2, {"Core2"}},
+    {"sse42", 3, {"Nehalem"}},
+    {"avx", 4, {"Sandybridge"}},
+    {"avx2", 5, {"Haswell", "Zen"}},
+    {"avx512", 7, {"SkylakeX"}},
 };
 
 // Where Debian puts them.
 #define DEBIAN "/usr/lib/x86_64-linux-gnu/"
-constexpr candidate candidates[] = {
-    {"OpenBLAS", DEBIAN "openblas-serial/libblas.so.3", DEBIAN "openblas-pthread/libblas.so.3"},
-    {"BLIS", DEBIAN "blis-serial/libblas.so.3", DEBIAN "blis-pthread/libblas.so.3"},
-};
+constexpr const char *openblas[] = {DEBIAN "openblas-serial/libopenblas.so.0",
+                                    DEBIAN "openblas-pthread/libopenblas.so.0"};
+constexpr const char *blis[] = {DEBIAN "blis-serial/libblis.so.4",
+                                DEBIAN "blis-pthread/libblis.so.4"};
 
-[[noreturn]] void usage() {
-    std::fprintf(stderr, "options: --threads N, --path best|TYPE, --max-n N\n");
-    std::exit(2);
+[[noreturn]] void fail(const std::string &message) {
+    std::fprintf(stderr, "peers: %s\n", message.c_str());
+    std::exit(1);
+}
+
+const code_path &path_named(const std::string &name) {
+    for (const code_path &p : code_paths)
+        if (name == p.name)
+            return p;
+    fail("no code path " + name);
+}
+
+// Another file under the same inode would be the same library to the dynamic linker.
+void *open_copy(const char *file) {
+    namespace fs = std::filesystem;
+    std::string copy = fs::temp_directory_path() / "peers-XXXXXX";
+    const int descriptor = mkstemp(copy.data());
+    if (descriptor < 0)
+        fail("cannot create " + copy);
+    close(descriptor);
+    fs::copy_file(file, copy, fs::copy_options::overwrite_existing);
+    void *const handle = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+    const std::string error = handle ? "" : dlerror();
+    fs::remove(copy);
+    if (!handle)
+        fail(error);
+    return handle;
+}
+
+template <class Function>
+Function *function(const peers::library &from, const char *symbol) {
+    void *const address = from.find(symbol);
+    if (!address)
+        fail(from.name + " has no " + symbol);
+    return reinterpret_cast<Function *>(address);
+}
+
+void set_threads(int threads) {
+    const std::string value = std::to_string(threads);
+    for (const char *variable :
+         {"OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "BLIS_NUM_THREADS", "VOX_NUM_THREADS"})
+        setenv(variable, value.c_str(), 1);
+}
+
+// The settings are read by the first calls that need them, so these calls come here.
+peers::library open_vox(std::string name, const code_path &path, int threads) {
+    set_threads(threads);
+    if (path.type < 0)
+        setenv("VOX_CPU_VENDOR", "ANY", 1);
+    else
+        setenv("VOX_DEBUG_CPU_TYPE", std::to_string(path.type).c_str(), 1);
+    peers::library vox(std::move(name), open_copy(VOX_LIBRARY));
+    if (path.type >= 0 && function<int(int)>(vox, "vox_get_cpu_type")(0) != path.type)
+        fail(std::string("this machine does not run the code path ") + path.name);
+    const int available = function<int()>(vox, "vox_get_max_threads")();
+    if (available != threads)
+        fail("VOX has " + std::to_string(available) + " threads");
+    return vox;
+}
+
+peers::library open_openblas(const char *file, const char *core) {
+    if (core)
+        setenv("OPENBLAS_CORETYPE", core, 1);
+    peers::library opened("OpenBLAS", open_copy(file));
+    unsetenv("OPENBLAS_CORETYPE");
+    const std::string runs = function<const char *()>(opened, "openblas_get_corename")();
+    if (core && strcasecmp(core, runs.c_str()) != 0)
+        fail("OpenBLAS runs " + runs + " and not " + core);
+    opened.name += ":" + runs;
+    return opened;
 }
 
 __attribute__((target("avx2"))) double sum_of(const double *p, size_t n) {
@@ -38,78 +122,32 @@ __attribute__((target("avx2"))) double sum_of(const double *p, size_t n) {
 
 } // namespace
 
-peers::options peers::parse_options(int argc, char **argv) {
-    options o;
-    for (int i = 1; i < argc; i += 2) {
-        if (i + 1 == argc)
-            usage();
-        const std::string name = argv[i], value = argv[i + 1];
-        if (name == "--threads")
-            o.threads = std::atoi(value.c_str());
-        else if (name == "--path")
-            o.path = value == "def" ? "0" : value;
-        else if (name == "--max-n")
-            o.max_n = std::atol(value.c_str());
-        else
-            usage();
-    }
-    return o;
+void *peers::library::find(const std::string &symbol) const {
+    return dlsym(handle_, symbol.c_str());
 }
 
-void *peers::library::find(const char *symbol) const {
-    void *const address = dlsym(handle_, symbol);
-    if (!address) {
-        std::fprintf(stderr, "%s has no %s\n", name.c_str(), symbol);
-        std::exit(1);
+std::vector<peers::library> peers::open_libraries(const std::string &name, int threads) {
+    const code_path &path = path_named(name);
+    const bool threaded = threads > 1;
+    std::vector<library> opened = {open_vox("VOX", path, threads)};
+    if (std::filesystem::exists(openblas[threaded])) {
+        if (path.cores.empty())
+            opened.push_back(open_openblas(openblas[threaded], nullptr));
+        for (const char *core : path.cores)
+            opened.push_back(open_openblas(openblas[threaded], core));
     }
-    return address;
-}
-
-std::vector<peers::library> peers::open_libraries(const options &o) {
-    const std::string threads = std::to_string(o.threads);
-    for (const char *variable :
-         {"OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "BLIS_NUM_THREADS", "VOX_NUM_THREADS"})
-        setenv(variable, threads.c_str(), 1);
-    if (o.path == "best") {
-        setenv("VOX_CPU_VENDOR", "ANY", 1);
-    } else {
-        setenv("VOX_DEBUG_CPU_TYPE", o.path.c_str(), 1);
-        // The best that the peer does with the same instructions; the user may choose another.
-        if (o.path == "0")
-            setenv("OPENBLAS_CORETYPE", "Prescott", 0);
-    }
-    std::vector<library> opened;
-    void *own = dlopen(VOX_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    if (!own) {
-        std::fprintf(stderr, "%s\n", dlerror());
-        std::exit(1);
-    }
-    opened.emplace_back("VOX", own);
-    for (const candidate &c : candidates) {
-        void *handle =
-            dlopen(o.threads > 1 ? c.threaded : c.serial, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
-        if (handle)
-            opened.emplace_back(c.name, handle);
-    }
+    // BLIS cannot be held to every path's instructions.
+    if (path.cores.empty() && std::filesystem::exists(blis[threaded]))
+        opened.emplace_back("BLIS", open_copy(blis[threaded]));
+    if (opened.size() == 1)
+        fail("no peer is installed (tools/setup bench)");
     return opened;
 }
 
-void peers::print_header(const std::vector<library> &libraries, const char *unit) {
-    std::printf("%10s", "n");
-    for (const library &l : libraries)
-        std::printf("%12s ns", l.name.c_str());
-    std::printf("%12s  best peer / VOX\n", unit);
-}
-
-void peers::print_line(long n, const std::vector<double> &seconds, double work) {
-    std::printf("%10ld", n);
-    for (double s : seconds)
-        std::printf("%15.1f", s * 1e9);
-    std::printf("%12.2f", work / seconds[0] * 1e-9);
-    if (seconds.size() > 1)
-        std::printf("%17.2f", *std::min_element(seconds.begin() + 1, seconds.end()) / seconds[0]);
-    std::printf("\n");
-    std::fflush(stdout);
+std::vector<peers::library> peers::open_thread_counts(const std::string &name, int threads) {
+    const code_path &path = path_named(name);
+    return {open_vox("VOX x" + std::to_string(threads), path, threads),
+            open_vox("VOX x1", path, 1)};
 }
 
 double peers::read_bandwidth(size_t bytes, int threads) {

@@ -1,51 +1,44 @@
 // peers.hpp - the same call, in the same run, in this library and in the other installed ones.
 //
-// The machine may be shared and noisy, so the libraries take turns, round after round, and each
-// one's best round counts: noise only ever adds time. A ratio above 1 means that this library is
-// faster than the best of its peers. Libraries are opened locally, each with its own symbols;
-// settings that they read from the environment are made before they are opened.
+// Libraries read most of their settings once per process. So each is opened as a copy of its file,
+// locally, with symbols and settings of its own: one library can stand beside itself under other
+// settings.
 #pragma once
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace peers {
-
-struct options {
-    int threads = 1;
-    std::string path = "best"; // of this library: best, or a processor type
-    long max_n = 10000000;
-};
-
-// --threads N, --path best|def|<type>, --max-n N. Ends the process on anything else.
-options parse_options(int argc, char **argv);
 
 class library {
   public:
     library(std::string library_name, void *library_handle)
         : name(std::move(library_name)), handle_(library_handle) {}
 
-    template <class Function>
-    Function *function(const char *symbol) const {
-        return reinterpret_cast<Function *>(find(symbol));
-    }
+    // Null if the library does not have it.
+    void *find(const std::string &symbol) const;
 
     std::string name;
 
   private:
-    void *find(const char *symbol) const;
     void *handle_;
 };
 
-// This library first, then each peer that is installed.
-std::vector<library> open_libraries(const options &settings);
+// This library first, on the named code path ("best": the machine's), then each peer that is
+// installed, held to the same instructions. Ends the process with a message if that cannot be had.
+std::vector<library> open_libraries(const std::string &path, int threads);
 
-// Seconds of one round of body(count), where count is chosen so that a round takes about a
-// millisecond.
+// This library with so many threads, and with one.
+std::vector<library> open_thread_counts(const std::string &path, int threads);
+
+// Seconds spent on one case: at least `enough`; then until each candidate has come three times
+// within 2% of its best, at most `limit`. At least five rounds whatever they take.
+struct effort {
+    double enough, limit;
+};
+
 template <class Body>
 double seconds_per_call(long count, const Body &body) {
     using clock = std::chrono::steady_clock;
@@ -55,23 +48,45 @@ double seconds_per_call(long count, const Body &body) {
     return std::chrono::duration<double>(clock::now() - start).count() / double(count);
 }
 
-// Best seconds per call of each candidate, in turns. call(i) makes one call of candidate i.
+// The three shortest times of a candidate.
+struct shortest {
+    double times[3] = {1e300, 1e300, 1e300};
+
+    void add(double time) {
+        for (double &t : times)
+            if (time < t)
+                std::swap(time, t);
+    }
+    bool settled() const { return times[2] <= 1.02 * times[0]; }
+};
+
+// Best seconds per call of each candidate; call(c) makes one call of candidate c. The machine may
+// be shared and noisy: the candidates take turns, round after round, and each one's best round
+// counts, for noise only ever adds time.
 template <class Call>
-std::vector<double> best_times(size_t candidates, const Call &call, int rounds = 40) {
+std::vector<double> best_times(size_t candidates, effort allowed, const Call &call) {
+    using clock = std::chrono::steady_clock;
+    const auto start = clock::now();
     long count = 1;
-    while (count < 100000000 && seconds_per_call(count, [&] { call(0); }) * double(count) < 5e-4)
+    while (seconds_per_call(count, [&] { call(0); }) * double(count) < 2e-4)
         count *= 2;
-    std::vector<double> best(candidates, 1e300);
-    for (int round = 0; round < rounds; ++round)
-        for (size_t c = 0; c < candidates; ++c)
-            best[c] = std::min(best[c], seconds_per_call(count, [&] { call(c); }));
+    std::vector<shortest> found(candidates);
+    for (size_t round = 0;; ++round) {
+        for (size_t turn = 0; turn < candidates; ++turn) {
+            const size_t c = (round + turn) % candidates;
+            found[c].add(seconds_per_call(count, [&] { call(c); }));
+        }
+        const double spent = std::chrono::duration<double>(clock::now() - start).count();
+        const bool settled =
+            std::all_of(found.begin(), found.end(), [](const shortest &s) { return s.settled(); });
+        if (round >= 4 && spent >= (settled ? allowed.enough : allowed.limit))
+            break;
+    }
+    std::vector<double> best;
+    for (const shortest &s : found)
+        best.push_back(s.times[0]);
     return best;
 }
-
-// Prints one line: n, each candidate's time, its rate, and the ratio of the best peer to this
-// library.
-void print_header(const std::vector<library> &libraries, const char *unit);
-void print_line(long n, const std::vector<double> &seconds, double work);
 
 // Bytes per second of a loop that only reads, over a block of this size, by so many threads.
 double read_bandwidth(size_t bytes, int threads);

@@ -1,0 +1,327 @@
+// operands.cpp - see operands.hpp.
+#include "bench/peers/operands.hpp"
+
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+namespace {
+
+using peers::arg;
+using peers::returned;
+using peers::storage;
+using peers::test_case;
+
+template <class T>
+struct real_part {
+    using type = T;
+};
+template <class T>
+struct real_part<std::complex<T>> {
+    using type = T;
+};
+template <class T>
+using real_of = typename real_part<T>::type;
+template <class T>
+constexpr bool is_complex = !std::is_same_v<T, real_of<T>>;
+
+template <class T>
+T make(double re, double im) {
+    if constexpr (is_complex<T>)
+        return {real_of<T>(re), real_of<T>(im)};
+    else
+        return T(re);
+}
+
+// Reproducible and of one sign, so that sums do not cancel: from 1/4 to 5/4.
+double value(uint64_t i) { return 0.25 + double(uint32_t(i * 2654435761U + 12345) >> 8) * 0x1p-24; }
+template <class T>
+T element(uint64_t i) {
+    return make<T>(value(2 * i), value(2 * i + 1) / 2);
+}
+
+// The operands of one case, in memory of enough size.
+template <class T>
+class operands {
+  public:
+    operands(const test_case &c, const peers::memory &m)
+        : case_(c), x(static_cast<T *>(m.x)), y(static_cast<T *>(m.y)), a(static_cast<T *>(m.a)),
+          n_(int(c.n)), band_(int(std::min(c.n / 4, 16L))), ldb_(2 * band_ + 1) {}
+
+    // General values. Triangles are well conditioned, whatever n.
+    void fill() {
+        for (size_t i = 0; i < vector_size(); ++i) {
+            x[i] = element<T>(i);
+            y[i] = element<T>(i + 7919);
+        }
+        const real_of<T> scale = real_of<T>(1.0 / double(n_));
+        for (size_t i = 0; i < matrix_size(); ++i)
+            a[i] = element<T>(i + 104729) * scale;
+        if (case_.what->has(arg::diag))
+            for (long i = 0; i < n_; ++i)
+                a[index(i, i)] += T(2);
+    }
+
+    // Values that stay finite however often the call is made on its own result: a triangle is its
+    // own inverse, ( I 0 )
+    //              ( B -I ).
+    void fill_for_repetition() {
+        fill();
+        if (!case_.what->has(arg::diag))
+            return;
+        const bool packed = case_.what->matrix == storage::packed;
+        for (long j = 0; j < n_; ++j)
+            for (long i = 0; i < n_; ++i) {
+                const bool upper_left = i < n_ / 2, off = upper_left != (j < n_ / 2);
+                if (packed && i != j && (i > j) != (case_.shape.uplo == 'L'))
+                    continue;
+                if (!off)
+                    a[index(i, j)] = T(i != j ? 0 : upper_left ? 1 : -1);
+            }
+    }
+
+    const void *address(arg argument) const {
+        switch (argument) {
+        case arg::end:
+            return nullptr;
+        case arg::n:
+        case arg::lda:
+            return &n_;
+        case arg::one:
+            return &one_;
+        case arg::band:
+            return &band_;
+        case arg::ldb:
+            return &ldb_;
+        case arg::alpha:
+            return &alpha_;
+        case arg::small:
+            return &small_;
+        case arg::turn:
+            return &turn_;
+        case arg::unity:
+            return &unity_;
+        case arg::cosine:
+            return &cosine_;
+        case arg::sine:
+            return &sine_;
+        case arg::x:
+            return x;
+        case arg::y:
+            return y;
+        case arg::a:
+            return a;
+        case arg::uplo:
+            return &case_.shape.uplo;
+        case arg::trans:
+            return &case_.shape.trans;
+        case arg::diag:
+        case arg::no_transpose:
+            return "N";
+        case arg::transpose:
+            return "T";
+        }
+        return nullptr;
+    }
+
+    size_t vector_size() const { return size_t(n_); }
+    size_t matrix_size() const {
+        const size_t n = size_t(n_);
+        const size_t sizes[] = {0, n * n, n * n, n * (n + 1) / 2, n * size_t(ldb_)};
+        return sizes[size_t(case_.what->matrix)];
+    }
+
+  private:
+    size_t index(long i, long j) const {
+        if (case_.what->matrix != storage::packed)
+            return size_t(j * n_ + i);
+        return size_t(case_.shape.uplo == 'U' ? j * (j + 1) / 2 + i : j * n_ - j * (j + 1) / 2 + i);
+    }
+
+    const test_case &case_;
+
+  public:
+    T *const x, *const y, *const a;
+
+  private:
+    const int n_, band_, ldb_, one_ = 1;
+    const T alpha_ = make<T>(0.75, 0.25), small_ = make<T>(1e-3, 5e-4), unity_ = T(1);
+    const T turn_ = is_complex<T> ? make<T>(0.6, 0.8) : T(-1);
+    const real_of<T> cosine_ = real_of<T>(0.6), sine_ = real_of<T>(0.8);
+};
+
+// Gives body a function that takes one of the functions and calls it. The number of arguments and
+// the type of the result are known to the compiler, so that the call costs what a program's costs.
+template <class R, size_t... I, class Body>
+auto with_call(std::index_sequence<I...>, const void *const *arguments, const Body &body) {
+    return body([arguments](void *function) {
+        return reinterpret_cast<R (*)(decltype(static_cast<const void *>(arguments[I]))...)>(
+            function)(arguments[I]...);
+    });
+}
+
+template <class T, class Body>
+auto with_call(const peers::routine &r, const void *const *arguments, const Body &body) {
+    const auto call = [&]<class R, size_t count>(std::integral_constant<size_t, count>, R *) {
+        return with_call<R>(std::make_index_sequence<count>(), arguments, body);
+    };
+    switch (r.result) {
+    case returned::element:
+        return call(std::integral_constant<size_t, 5>(), static_cast<T *>(nullptr));
+    case returned::magnitude:
+        return call(std::integral_constant<size_t, 3>(), static_cast<real_of<T> *>(nullptr));
+    case returned::index:
+        return call(std::integral_constant<size_t, 3>(), static_cast<int *>(nullptr));
+    case returned::nothing:
+        break;
+    }
+    void *const none = nullptr;
+    switch (r.argument_count()) {
+    case 4:
+        return call(std::integral_constant<size_t, 4>(), none);
+    case 5:
+        return call(std::integral_constant<size_t, 5>(), none);
+    case 6:
+        return call(std::integral_constant<size_t, 6>(), none);
+    case 7:
+        return call(std::integral_constant<size_t, 7>(), none);
+    case 8:
+        return call(std::integral_constant<size_t, 8>(), none);
+    case 9:
+        return call(std::integral_constant<size_t, 9>(), none);
+    case 10:
+        return call(std::integral_constant<size_t, 10>(), none);
+    case 11:
+        return call(std::integral_constant<size_t, 11>(), none);
+    case 13:
+        return call(std::integral_constant<size_t, 13>(), none);
+    }
+    std::abort(); // a row of the table with another number of arguments
+}
+
+struct argument_list {
+    const void *addresses[14];
+
+    template <class T>
+    argument_list(const peers::routine &r, const operands<T> &o) {
+        for (size_t i = 0; i < std::size(addresses); ++i)
+            addresses[i] = o.address(r.arguments[i]);
+    }
+};
+
+template <class T>
+std::vector<double> seconds_in(const test_case &c, const std::vector<void *> &functions,
+                               const peers::memory &m, peers::effort allowed) {
+    operands<T> o(c, m);
+    o.fill_for_repetition();
+    const argument_list list(*c.what, o);
+    return with_call<T>(*c.what, list.addresses, [&](const auto &call) {
+        return peers::best_times(functions.size(), allowed,
+                                 [&](size_t i) { (void)call(functions[i]); });
+    });
+}
+
+// Largest difference over largest value; a NaN is the largest difference.
+template <class T>
+double difference(const T *p, const T *q, size_t n) {
+    double largest = 0, scale = 0;
+    for (size_t i = 0; i < n; ++i) {
+        const double d = double(std::abs(p[i] - q[i]));
+        if (!(d <= largest))
+            largest = d == d ? d : INFINITY;
+        scale = std::max(scale, double(std::abs(q[i])));
+    }
+    return largest == 0 ? 0 : largest / scale;
+}
+
+// A sum of n rounded terms is off by about sqrt(n) units (Higham and Mary, A New Approach to
+// Probabilistic Rounding Error Analysis, SIAM J. Sci. Comput. 41(5), 2019); 8 of them leave room for
+// two results and complex arithmetic. n eps would let half of a long single-precision sum be lost.
+template <class T>
+double bound(const test_case &c) {
+    const double terms = c.what->sums ? double(c.n) : 1;
+    return 8 * std::sqrt(terms) * double(std::numeric_limits<real_of<T>>::epsilon());
+}
+
+template <class T>
+bool agree_in(const test_case &c, void *const functions[2], peers::memory *const m[2],
+              std::string &where) {
+    operands<T> pair[2] = {{c, *m[0]}, {c, *m[1]}};
+    T result[2] = {};
+    for (int side = 0; side < 2; ++side) {
+        pair[side].fill();
+        const argument_list list(*c.what, pair[side]);
+        with_call<T>(*c.what, list.addresses, [&](const auto &call) {
+            if constexpr (std::is_void_v<decltype(call(nullptr))>)
+                call(functions[side]);
+            else
+                result[side] = T(call(functions[side]));
+        });
+    }
+    const struct {
+        const char *name;
+        double difference;
+    } parts[] = {
+        {"result", difference(&result[0], &result[1], 1)},
+        {"x", difference(pair[0].x, pair[1].x, pair[0].vector_size())},
+        {"y", difference(pair[0].y, pair[1].y, pair[0].vector_size())},
+        {"a", difference(pair[0].a, pair[1].a, pair[0].matrix_size())},
+    };
+    const bool exact = c.what->result == returned::index;
+    for (const auto &part : parts)
+        if (!(part.difference <= (exact ? 0 : bound<T>(c)))) {
+            where = std::string(part.name) + " differs by " + std::to_string(part.difference);
+            return false;
+        }
+    return true;
+}
+
+template <class Body>
+auto with_type(size_t type, const Body &body) {
+    switch (type) {
+    case 0:
+        return body(float());
+    case 1:
+        return body(double());
+    case 2:
+        return body(std::complex<float>());
+    default:
+        return body(std::complex<double>());
+    }
+}
+
+// Blocks begin at a page. At the same offset in their pages, a store to one would delay a load from
+// the next, so they are kept apart, as they mostly are in programs.
+constexpr size_t offset_step = 1088;
+
+} // namespace
+
+peers::memory::memory(size_t vector_bytes, size_t matrix_bytes) {
+    const size_t bytes[] = {vector_bytes, vector_bytes, matrix_bytes};
+    void **const parts[] = {&x, &y, &a};
+    for (size_t i = 0; i < 3; ++i) {
+        blocks_[i] = std::aligned_alloc(4096, (bytes[i] + i * offset_step + 4095) / 4096 * 4096);
+        if (!blocks_[i])
+            std::abort();
+        *parts[i] = static_cast<char *>(blocks_[i]) + i * offset_step;
+    }
+}
+
+peers::memory::~memory() {
+    for (void *block : blocks_)
+        std::free(block);
+}
+
+std::vector<double> peers::seconds(const test_case &c, const std::vector<void *> &functions,
+                                   memory &m, effort allowed) {
+    return with_type(c.type, [&]<class T>(T) { return seconds_in<T>(c, functions, m, allowed); });
+}
+
+bool peers::agree(const test_case &c, void *const functions[2], memory *const m[2],
+                  std::string &where) {
+    return with_type(c.type, [&]<class T>(T) { return agree_in<T>(c, functions, m, where); });
+}
