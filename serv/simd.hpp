@@ -11,7 +11,7 @@
 #pragma once
 
 #include <immintrin.h>
-#include <type_traits>
+#include <utility>
 
 #include "serv/kernel.hpp"
 
@@ -65,11 +65,34 @@ inline void store(T *p, V v) {
     *reinterpret_cast<typename vec_of<T, int(sizeof(V))>::unaligned *>(p) = v;
 }
 
+// Written out, since the compilers make an insertion per lane of a loop.
+template <int Bytes = vector_bytes, class T>
+inline auto broadcast_pair(T even, T odd) {
+    using V = typename vec_of<T, Bytes>::type;
+    constexpr int n = Bytes / int(sizeof(T));
+    const T a = even, b = odd;
+    if constexpr (n == 16)
+        return V{a, b, a, b, a, b, a, b, a, b, a, b, a, b, a, b};
+    else if constexpr (n == 8)
+        return V{a, b, a, b, a, b, a, b};
+    else if constexpr (n == 4)
+        return V{a, b, a, b};
+    else
+        return V{a, b};
+}
 template <int Bytes = vector_bytes, class T>
 inline auto broadcast(T x) {
-    typename vec_of<T, Bytes>::type v;
-    for (int i = 0; i < Bytes / int(sizeof(T)); ++i)
-        v[i] = x;
+    return broadcast_pair<Bytes>(x, x);
+}
+
+// v, in a register from here on: gcc would otherwise load it again for its second use.
+template <class V>
+inline V in_register(V v) {
+#if defined(__AVX512F__)
+    __asm__("" : "+v"(v));
+#else
+    __asm__("" : "+x"(v));
+#endif
     return v;
 }
 
@@ -180,30 +203,37 @@ inline V swap_pairs(V v) {
         return __builtin_shufflevector(v, v, 1, 0);
 }
 
-// (even, odd, even, odd, ...).
-template <int Bytes = vector_bytes, class T>
-inline auto broadcast_pair(T even, T odd) {
-    typename vec_of<T, Bytes>::type v;
-    for (int i = 0; i < Bytes / int(sizeof(T)); i += 2) {
-        v[i] = even;
-        v[i + 1] = odd;
-    }
-    return v;
+// Sums of neighbouring blocks of G lanes, of a and of b in turn: a0 + a1, b0 + b1, a2 + a3, ...
+template <int G, class V, int... I>
+inline V mix(V a, V b, std::integer_sequence<int, I...>) {
+    constexpr int n = int(sizeof...(I));
+    return __builtin_shufflevector(a, b, ((I / G % 2) * n + I / (2 * G) * 2 * G + I % G)...) +
+           __builtin_shufflevector(a, b, ((I / G % 2) * n + I / (2 * G) * 2 * G + G + I % G)...);
 }
 
-// The sums of the even and of the odd lanes, by halving.
-template <class T>
-struct pair_sum {
-    T even, odd;
-};
-template <class V>
-inline auto reduce_add_pairs(V v) {
-    if constexpr (sizeof(V) == 2 * sizeof(v[0])) {
-        return pair_sum<std::remove_reference_t<decltype(v[0])>>{v[0], v[1]};
-    } else if constexpr (sizeof(V) == 4 * sizeof(v[0])) {
-        return pair_sum<std::remove_reference_t<decltype(v[0])>>{v[0] + v[2], v[1] + v[3]};
+// out[k] = the sum of all lanes of v[k]. Together, since K sums cost few shuffles more than one.
+template <int K, int G = 1, class V, class R>
+inline void reduce_add_all(const V (&v)[K], R *out) {
+    constexpr int n = int(sizeof(V) / sizeof(R));
+    if constexpr (K == 1) {
+        if constexpr (n == G) {
+            store(out, v[0]);
+        } else if constexpr (n == 2) {
+            *out = v[0][0] + v[0][1];
+        } else {
+            using half = decltype(low_half(v[0]));
+            const half folded[1] = {low_half(v[0]) + high_half(v[0])};
+            reduce_add_all<1, G>(folded, out);
+        }
+    } else if constexpr (G == n) {
+        unroll<K>([&](auto k) { store(out + k * G, v[k]); });
     } else {
-        return reduce_add_pairs(low_half(v) + high_half(v));
+        static_assert(K % 2 == 0);
+        V mixed[K / 2];
+        unroll<K / 2>([&](auto k) {
+            mixed[k] = mix<G>(v[2 * k], v[2 * k + 1], std::make_integer_sequence<int, n>());
+        });
+        reduce_add_all<K / 2, 2 * G>(mixed, out);
     }
 }
 

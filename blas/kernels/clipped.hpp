@@ -26,6 +26,8 @@ struct pointers {
 template <int C, class T, class Piece>
 VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t end,
                        const Piece &piece) {
+    if (first >= end)
+        return;
     const index_t from = larger(first, A.first(j + C - 1)), to = smaller(end, A.end(j));
     const bool shared = C > 1 && from < to;
     if (shared) {

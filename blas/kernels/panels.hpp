@@ -106,20 +106,30 @@ struct joint {
     }
 };
 
+// One vector of rows of the C columns, all loaded before anything is stored: a store and a load that
+// are a multiple of 4096 bytes apart, as in columns of many matrices, wait for each other.
+template <int C, class T>
+struct row_vectors {
+    vec<real_of<T>> of[C];
+    template <class Access>
+    VOX_PANEL row_vectors(const T *const *a, index_t i, Access access) {
+        unroll<C>([&](auto c) { of[c] = in_register(access.get(a[c] + i)); });
+    }
+};
+
 // y + sum_c a_c s_c for one vector of rows.
-template <int C, class T, class Access>
-VOX_PANEL auto rows_sum(const T *const (&a)[C], const factors<C, T> &s, const joint<T> &join,
-                        vec<real_of<T>> y, index_t i, Access access) {
+template <int C, class T>
+VOX_PANEL auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, const joint<T> &join,
+                        vec<real_of<T>> y) {
     if constexpr (is_complex<T>) {
         vec<real_of<T>> re{}, im{};
         unroll<C>([&](auto c) {
-            const auto v = access.get(a[c] + i);
-            re = fma(v, s.re[c], re);
-            im = fma(v, s.im[c], im);
+            re = fma(a.of[c], s.re[c], re);
+            im = fma(a.of[c], s.im[c], im);
         });
         return fma(swap_pairs(im), join.of_im, fma(re, join.of_re, y));
     } else {
-        unroll<C>([&](auto c) { y = fma(access.get(a[c] + i), s.re[c], y); });
+        unroll<C>([&](auto c) { y = fma(a.of[c], s.re[c], y); });
         return y;
     }
 }
@@ -130,34 +140,39 @@ VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bo
     const factors<C, T> f(s);
     const joint<T> join(conjugate);
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) {
-        access.put(y + i, rows_sum<C>(a, f, join, access.get(y + i), i, access));
+        const row_vectors<C, T> v(a, i, access);
+        access.put(y + i, rows_sum<C>(v, f, join, access.get(y + i)));
     });
 }
 
-// Sums of a_c x along the columns, before they are joined.
+// Sums of a_c x along the columns, before they are joined: the products with x, and, for complex
+// numbers, with x of which real and imaginary parts are exchanged.
 template <int C, class T, int Unrolled>
 struct column_sums {
-    vec<real_of<T>> straight[C][Unrolled] = {}, crossed[C][Unrolled] = {};
+    vec<real_of<T>> of[C * parts<T>][Unrolled] = {};
 
     template <int U, class V>
     VOX_PANEL void add(constant<U>, int c, V a, V x, V swapped_x) {
-        straight[c][U] = fma(a, x, straight[c][U]);
+        of[c * parts<T>][U] = fma(a, x, of[c * parts<T>][U]);
         if constexpr (is_complex<T>)
-            crossed[c][U] = fma(a, swapped_x, crossed[c][U]);
+            of[c * parts<T> + 1][U] = fma(a, swapped_x, of[c * parts<T> + 1][U]);
     }
-    VOX_PANEL T total(int c, bool conjugate) {
-        unroll<Unrolled - 1>([&](auto u) {
-            straight[c][0] += straight[c][u + 1];
-            if constexpr (is_complex<T>)
-                crossed[c][0] += crossed[c][u + 1];
+    VOX_PANEL void total(T *t, bool conjugate) {
+        using R = real_of<T>;
+        vec<R> sum[C * parts<T>];
+        unroll<C * parts<T>>([&](auto k) {
+            sum[k] = of[k][0];
+            unroll<Unrolled - 1>([&](auto u) { sum[k] += of[k][u + 1]; });
         });
         if constexpr (is_complex<T>) {
-            const auto s = reduce_add_pairs(straight[c][0]), x = reduce_add_pairs(crossed[c][0]);
-            return conjugate ? T{s.even + s.odd, x.even - x.odd}
-                             : T{s.even - s.odd, x.even + x.odd};
-        } else {
-            return reduce_add(straight[c][0]);
+            const auto plus = broadcast(R(1)), minus = broadcast_pair(R(1), R(-1));
+            const auto of_re = conjugate ? plus : minus, of_im = conjugate ? minus : plus;
+            unroll<C>([&](auto c) {
+                sum[2 * c] *= of_re;
+                sum[2 * c + 1] *= of_im;
+            });
         }
+        reduce_add_all(sum, flat(t));
     }
 };
 
@@ -178,7 +193,7 @@ VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, boo
         const auto v = access.get(x + i), w = swapped<T>(v);
         unroll<C>([&](auto c) { sums.add(u, c, access.get(a[c] + i), v, w); });
     });
-    unroll<C>([&](auto c) { t[c] = sums.total(c, conjugate); });
+    sums.total(t, conjugate);
 }
 
 // Both at once, for symmetric matrices: y += sum_c a_c s_c and t_c = sum_i a_c[i] x[i].
@@ -189,11 +204,12 @@ VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s
     const joint<T> join(conjugate_across);
     column_sums<C, T, 1> sums;
     for_rows<1, T>(rows, [&](auto u, index_t i, auto access) {
+        const row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = swapped<T>(v);
-        access.put(y + i, rows_sum<C>(a, f, join, access.get(y + i), i, access));
-        unroll<C>([&](auto c) { sums.add(u, c, access.get(a[c] + i), v, w); });
+        unroll<C>([&](auto c) { sums.add(u, c, rows_of_a.of[c], v, w); });
+        access.put(y + i, rows_sum<C>(rows_of_a, f, join, access.get(y + i)));
     });
-    unroll<C>([&](auto c) { t[c] = sums.total(c, conjugate_along); });
+    sums.total(t, conjugate_along);
 }
 
 // a_c += x s_c.
@@ -207,9 +223,10 @@ VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
             im[c] = broadcast_pair(-imag(s[c]), imag(s[c]));
     });
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) {
+        row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = swapped<T>(v);
         unroll<C>([&](auto c) {
-            auto sum = fma(v, re[c], access.get(a[c] + i));
+            auto sum = fma(v, re[c], rows_of_a.of[c]);
             if constexpr (is_complex<T>)
                 sum = fma(w, im[c], sum);
             access.put(a[c] + i, sum);
@@ -232,10 +249,11 @@ VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s, co
         }
     });
     for_rows<1, T>(rows, [&](auto, index_t i, auto access) {
+        row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = access.get(y + i);
         const auto sv = swapped<T>(v), sw = swapped<T>(w);
         unroll<C>([&](auto c) {
-            auto sum = fma(w, r_re[c], fma(v, s_re[c], access.get(a[c] + i)));
+            auto sum = fma(w, r_re[c], fma(v, s_re[c], rows_of_a.of[c]));
             if constexpr (is_complex<T>)
                 sum = fma(sw, r_im[c], fma(sv, s_im[c], sum));
             access.put(a[c] + i, sum);

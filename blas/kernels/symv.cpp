@@ -8,7 +8,7 @@ namespace {
 using namespace panels;
 using vox::symmetric_job;
 
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
     const bool mirrored = job.conjugate != job.hermitian; // conjugate of the mirrored element
     const T *const x = job.x_rows;
@@ -16,8 +16,8 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
     T s[C], t[C] = {};
     unroll<C>([&](auto c) { s[c] = job.alpha * job.x_columns[j + c]; });
 
-    const index_t first = job.on_diagonal && !job.upper ? j + C : job.first_row;
-    const index_t end = job.on_diagonal && job.upper ? j : job.end_row;
+    const index_t first = job.on_diagonal && !Upper ? j + C : job.first_row;
+    const index_t end = job.on_diagonal && Upper ? j : job.end_row;
     clipped<C>(job.a, j, first, end, [&](auto count, index_t k, index_t from, index_t to) {
         const pointers<count, const T> p(job.a, k, from);
         T part[count];
@@ -26,35 +26,45 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
         unroll<count>([&](auto c) { t[k - j + c] += part[c]; });
     });
 
-    if (job.on_diagonal)
+    T sum[C] = {};
+    if (job.on_diagonal) {
+        T rows[C];
+        unroll<C>([&](auto c) { rows[c] = x[j + c]; });
         unroll<C>([&](auto c) {
             const T *const column = job.a(j + c) + j;
             unroll<C>([&](auto r) {
-                if (job.upper ? r < c : r > c) {
-                    y[j + r] += conj_if(job.conjugate, column[r]) * s[c];
-                    t[c] += conj_if(mirrored, column[r]) * x[j + r];
+                if constexpr (Upper ? r < c : r > c) {
+                    const T a = column[r];
+                    sum[r] += conj_if(job.conjugate, a) * s[c];
+                    t[c] += conj_if(mirrored, a) * rows[r];
                 }
             });
-            const T d =
-                job.hermitian ? make<T>(real(column[c])) : conj_if(job.conjugate, column[c]);
-            y[j + c] += d * s[c];
+            const T d = column[c];
+            sum[c] += (job.hermitian ? make<T>(real(d)) : conj_if(job.conjugate, d)) * s[c];
         });
-    unroll<C>([&](auto c) { job.y_columns[j + c] += job.alpha * t[c]; });
+    }
+    unroll<C>([&](auto c) { job.y_columns[j + c] += sum[c] + job.alpha * t[c]; });
 }
 
-template <class T>
-VOX_PANEL void symv(const symmetric_job<T> &job) {
-    constexpr int C = group_of_both<T>;
-    const auto any = [&](auto count, index_t j) { step<count>(job, j); };
+template <bool Upper, int C, class T>
+VOX_PANEL void all_columns(const symmetric_job<T> &job) {
+    for_groups<C>(true, job.first_column, job.end_column,
+                  [&](auto count, index_t j) { step<Upper, count>(job, j); });
+}
+
+template <bool Upper, class T>
+__attribute__((noinline)) void symv(const symmetric_job<T> &job) {
     // A band narrower than a group has no corner of full size.
-    if (VOX_UNLIKELY(job.a.above + job.a.below < C - 1))
-        for_groups<1>(true, job.first_column, job.end_column, any);
+    if (VOX_UNLIKELY(job.a.above + job.a.below < group_of_both<T> - 1))
+        all_columns<Upper, 1>(job);
     else
-        for_groups<C>(true, job.first_column, job.end_column, any);
+        all_columns<Upper, group_of_both<T>>(job);
 }
 
 } // namespace
 
 #define SYMV(p, P, T)                                                                              \
-    extern "C" void VOX_KERNEL(blas, p##symv)(const vox::symmetric_job<T> *job) { symv(*job); }
+    extern "C" void VOX_KERNEL(blas, p##symv)(const vox::symmetric_job<T> *job) {                  \
+        job->upper ? symv<true>(*job) : symv<false>(*job);                                         \
+    }
 VOX_PRECISIONS(SYMV)

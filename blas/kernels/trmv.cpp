@@ -10,7 +10,7 @@ using vox::is_zero;
 using vox::triangular_job;
 
 // x += A(:, j ...) x[j ...]. A zero in x leaves its column out, NaN or not, as the reference does.
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T s[C];
@@ -19,7 +19,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
         s[c] = x[j + c];
         some_zero |= is_zero(s[c]);
     });
-    const index_t first = job.upper ? job.first : j + C, end = job.upper ? j : job.end;
+    const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     if (VOX_LIKELY(!some_zero)) {
         across_clipped<C>(job.a, j, first, end, s, x, job.conjugate);
     } else {
@@ -33,7 +33,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
             return;
         const T *const column = job.a(j + c) + j;
         unroll<C>([&](auto r) {
-            if (job.upper ? r < c : r > c)
+            if constexpr (Upper ? r < c : r > c)
                 sum[r] += conj_if(job.conjugate, column[r]) * s[c];
         });
         sum[c] += job.unit_diagonal ? s[c] : conj_if(job.conjugate, column[c]) * s[c];
@@ -41,16 +41,16 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     unroll<C>([&](auto c) { x[j + c] = sum[c]; });
 }
 
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T t[C];
-    const index_t first = job.upper ? job.first : j + C, end = job.upper ? j : job.end;
+    const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     along_clipped<C>(job.a, j, first, end, x, t, job.conjugate);
     unroll<C>([&](auto c) {
         const T *const column = job.a(j + c) + j;
         unroll<C>([&](auto r) {
-            if (job.upper ? r < c : r > c)
+            if constexpr (Upper ? r < c : r > c)
                 t[c] += conj_if(job.conjugate, column[r]) * x[j + r];
         });
         t[c] += job.unit_diagonal ? x[j + c] : conj_if(job.conjugate, column[c]) * x[j + c];
@@ -58,27 +58,29 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     unroll<C>([&](auto c) { x[j + c] = t[c]; });
 }
 
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void all_columns(const triangular_job<T> &job) {
     if (job.transposed)
-        for_groups<C>(!job.upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_along<count>(job, j); });
+        for_groups<C>(!Upper, job.first, job.end,
+                      [&](auto count, index_t j) { step_along<Upper, count>(job, j); });
     else
-        for_groups<C>(job.upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_across<count>(job, j); });
+        for_groups<C>(Upper, job.first, job.end,
+                      [&](auto count, index_t j) { step_across<Upper, count>(job, j); });
 }
 
-template <class T>
-VOX_PANEL void trmv(const triangular_job<T> &job) {
+template <bool Upper, class T>
+__attribute__((noinline)) void trmv(const triangular_job<T> &job) {
     // A band narrower than a group has no corner of full size.
     if (VOX_UNLIKELY(job.a.above + job.a.below < group<T> - 1))
-        all_columns<1>(job);
+        all_columns<Upper, 1>(job);
     else
-        all_columns<group<T>>(job);
+        all_columns<Upper, group<T>>(job);
 }
 
 } // namespace
 
 #define TRMV(p, P, T)                                                                              \
-    extern "C" void VOX_KERNEL(blas, p##trmv)(const vox::triangular_job<T> *job) { trmv(*job); }
+    extern "C" void VOX_KERNEL(blas, p##trmv)(const vox::triangular_job<T> *job) {                 \
+        job->upper ? trmv<true>(*job) : trmv<false>(*job);                                         \
+    }
 VOX_PRECISIONS(TRMV)

@@ -11,7 +11,7 @@ using vox::triangular_job;
 
 // Solves for x[j ...] from the corner on the diagonal, then takes these columns off the rest. A zero
 // in x leaves its column out, NaN or not, as the reference does.
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T v[C];
@@ -27,11 +27,11 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
             if (!job.unit_diagonal)
                 v[c] = divide(v[c], conj_if(job.conjugate, column[c]));
             unroll<C>([&](auto r) {
-                if (job.upper ? r < c : r > c)
+                if constexpr (Upper ? r < c : r > c)
                     v[r] -= conj_if(job.conjugate, column[r]) * v[c];
             });
         };
-        if (job.upper)
+        if constexpr (Upper)
             solve(constant<C - 1 - i>());
         else
             solve(i);
@@ -41,7 +41,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
         x[j + c] = v[c];
         s[c] = -v[c];
     });
-    const index_t first = job.upper ? job.first : j + C, end = job.upper ? j : job.end;
+    const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     if (VOX_LIKELY(!some_zero)) {
         across_clipped<C>(job.a, j, first, end, s, x, job.conjugate);
     } else {
@@ -51,24 +51,24 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     }
 }
 
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T v[C];
-    const index_t first = job.upper ? job.first : j + C, end = job.upper ? j : job.end;
+    const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     along_clipped<C>(job.a, j, first, end, x, v, job.conjugate);
     unroll<C>([&](auto c) { v[c] = x[j + c] - v[c]; });
     unroll<C>([&](auto i) {
         const auto solve = [&](auto c) {
             const T *const column = job.a(j + c) + j;
             unroll<C>([&](auto r) {
-                if (job.upper ? r < c : r > c)
+                if constexpr (Upper ? r < c : r > c)
                     v[c] -= conj_if(job.conjugate, column[r]) * v[r];
             });
             if (!job.unit_diagonal)
                 v[c] = divide(v[c], conj_if(job.conjugate, column[c]));
         };
-        if (job.upper)
+        if constexpr (Upper)
             solve(i);
         else
             solve(constant<C - 1 - i>());
@@ -76,27 +76,29 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     unroll<C>([&](auto c) { x[j + c] = v[c]; });
 }
 
-template <int C, class T>
+template <bool Upper, int C, class T>
 VOX_PANEL void all_columns(const triangular_job<T> &job) {
     if (job.transposed)
-        for_groups<C>(job.upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_along<count>(job, j); });
+        for_groups<C>(Upper, job.first, job.end,
+                      [&](auto count, index_t j) { step_along<Upper, count>(job, j); });
     else
-        for_groups<C>(!job.upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_across<count>(job, j); });
+        for_groups<C>(!Upper, job.first, job.end,
+                      [&](auto count, index_t j) { step_across<Upper, count>(job, j); });
 }
 
-template <class T>
-VOX_PANEL void trsv(const triangular_job<T> &job) {
+template <bool Upper, class T>
+__attribute__((noinline)) void trsv(const triangular_job<T> &job) {
     // A band narrower than a group has no corner of full size.
     if (VOX_UNLIKELY(job.a.above + job.a.below < group<T> - 1))
-        all_columns<1>(job);
+        all_columns<Upper, 1>(job);
     else
-        all_columns<group<T>>(job);
+        all_columns<Upper, group<T>>(job);
 }
 
 } // namespace
 
 #define TRSV(p, P, T)                                                                              \
-    extern "C" void VOX_KERNEL(blas, p##trsv)(const vox::triangular_job<T> *job) { trsv(*job); }
+    extern "C" void VOX_KERNEL(blas, p##trsv)(const vox::triangular_job<T> *job) {                 \
+        job->upper ? trsv<true>(*job) : trsv<false>(*job);                                         \
+    }
 VOX_PRECISIONS(TRSV)
