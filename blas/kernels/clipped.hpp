@@ -17,7 +17,7 @@ template <int C, class T>
 struct pointers {
     T *at[C];
     VOX_PANEL pointers(const columns<T> &A, index_t j, index_t i) {
-        unroll<C>([&](auto c) { at[c] = A(j + c) + i; });
+        unroll<C>([&](auto c) VOX_INLINED { at[c] = A(j + c) + i; });
     }
 };
 
@@ -46,12 +46,14 @@ VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t en
     }
 }
 
+// The next two are shared by all their callers of a kernel source.
+
 // y[i] += sum_j A(i, j) s[j], or with conj(A), over columns j .. j + C - 1 and rows first .. end.
 // s is given for column j on, y for row 0 on.
 template <int C, class T>
-VOX_PANEL void across_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
-                              const T *s, T *y, bool conjugate) {
-    clipped<C>(A, j, first, end, [&](auto count, index_t k, index_t from, index_t to) {
+__attribute__((noinline)) void across_clipped(const columns<const T> &A, index_t j, index_t first,
+                                              index_t end, const T *s, T *y, bool conjugate) {
+    clipped<C>(A, j, first, end, [&](auto count, index_t k, index_t from, index_t to) VOX_INLINED {
         const pointers<count, const T> p(A, k, from);
         across<count>(to - from, p.at, s + (k - j), y + from, conjugate);
     });
@@ -59,36 +61,30 @@ VOX_PANEL void across_clipped(const columns<const T> &A, index_t j, index_t firs
 
 // t[j] = sum_i A(i, j) x[i], or with conj(A); x is given for row 0 on, t for column j on.
 template <int C, class T>
-VOX_PANEL void along_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
-                             const T *x, T *t, bool conjugate) {
-    unroll<C>([&](auto c) { t[c] = T{}; });
-    clipped<C>(A, j, first, end, [&](auto count, index_t k, index_t from, index_t to) {
+__attribute__((noinline)) void along_clipped(const columns<const T> &A, index_t j, index_t first,
+                                             index_t end, const T *x, T *t, bool conjugate) {
+    unroll<C>([&](auto c) VOX_INLINED { t[c] = T{}; });
+    clipped<C>(A, j, first, end, [&](auto count, index_t k, index_t from, index_t to) VOX_INLINED {
         const pointers<count, const T> p(A, k, from);
         T part[count];
         along<count>(to - from, p.at, x + from, part, conjugate);
-        unroll<count>([&](auto c) { t[k - j + c] += part[c]; });
+        unroll<count>([&](auto c) VOX_INLINED { t[k - j + c] += part[c]; });
     });
 }
 
-// step(constant<C>, j) for all columns, in groups as large as they go, forwards or backwards.
-template <int C, class Step>
+// step(constant<C>, j) for all columns, forwards or backwards, in groups of C columns as long as
+// they go, then of the next smaller size that is given.
+template <int C, int... Smaller, class Step>
 VOX_PANEL void for_groups(bool forwards, index_t first, index_t end, const Step &step) {
-    const index_t groups = (end - first) / C, rest = (end - first) % C;
-    if (forwards) {
-        index_t j = first;
-        for (index_t g = 0; g < groups; ++g, j += C)
-            step(constant<C>(), j);
-        if constexpr (C > 1)
-            for (index_t r = 0; r < rest; ++r, ++j)
-                step(constant<1>(), j);
-    } else {
-        index_t j = end;
-        for (index_t g = 0; g < groups; ++g)
-            step(constant<C>(), j -= C);
-        if constexpr (C > 1)
-            for (index_t r = 0; r < rest; ++r)
-                step(constant<1>(), --j);
-    }
+    if (forwards)
+        for (; end - first >= C; first += C)
+            step(constant<C>(), first);
+    else
+        for (; end - first >= C; end -= C)
+            step(constant<C>(), end - C);
+    if constexpr (sizeof...(Smaller) > 0)
+        if (first < end)
+            for_groups<Smaller...>(forwards, first, end, step);
 }
 
 } // namespace panels

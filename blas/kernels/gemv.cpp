@@ -15,17 +15,100 @@ VOX_PANEL void scale(T beta, T *y, index_t n) {
     if (real(beta) == 1 && imag(beta) == 0)
         return;
     if (is_zero(beta)) {
-        for_rows<1, T>(n, [&](auto, index_t i, auto access) { access.put(y + i, vec<R>{}); });
+        for_rows<1, T>(n, [&](auto, index_t i, auto access)
+                              VOX_INLINED { access.put(y + i, vec<R>{}); });
         return;
     }
     const auto re = broadcast(real(beta)), im = broadcast_pair(-imag(beta), imag(beta));
-    for_rows<1, T>(n, [&](auto, index_t i, auto access) {
+    for_rows<1, T>(n, [&](auto, index_t i, auto access) VOX_INLINED {
         const auto v = access.get(y + i);
         if constexpr (is_complex<T>)
             access.put(y + i, fma(swap_pairs(v), im, v * re));
         else
             access.put(y + i, v * re);
     });
+}
+
+// y += alpha A x for a tile of rows, the last vector of which may be a part: the sums stay in
+// registers over all columns. Columns in turn go to different sums, so that as many additions are
+// in flight as the units can take.
+template <int Vectors, class T, class Access>
+VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end_column,
+                    index_t row, T alpha, const T *x, T *y, bool conjugate, Access last) {
+    using R = real_of<T>;
+    constexpr int w = width<T>;
+    constexpr int turns = Vectors * parts<T> >= 8 ? 1 : Vectors * parts<T> >= 4 ? 2 : 4;
+    vec<R> re[Vectors][turns] = {}, im[Vectors][turns] = {};
+    const auto add = [&](auto turn, index_t j) VOX_INLINED {
+        const T *const a = A(j) + row;
+        const auto x_re = broadcast(real(x[j])), x_im = broadcast(imag(x[j]));
+        unroll<Vectors>([&](auto v) VOX_INLINED {
+            vec<R> rows;
+            if constexpr (v == Vectors - 1)
+                rows = last.get(a + v * w);
+            else
+                rows = whole().get(a + v * w);
+            re[v][turn] = fma(rows, x_re, re[v][turn]);
+            if constexpr (is_complex<T>)
+                im[v][turn] = fma(rows, x_im, im[v][turn]);
+        });
+    };
+    index_t j = first_column;
+    for (; j + turns <= end_column; j += turns)
+        unroll<turns>([&](auto turn) VOX_INLINED { add(turn, j + turn); });
+    for (; j < end_column; ++j)
+        add(constant<0>(), j);
+
+    const joint<T> join(conjugate);
+    const auto a_re = broadcast(real(alpha)), a_im = broadcast_pair(-imag(alpha), imag(alpha));
+    unroll<Vectors>([&](auto v) VOX_INLINED {
+        unroll<turns - 1>([&](auto turn) VOX_INLINED {
+            re[v][0] += re[v][turn + 1];
+            im[v][0] += im[v][turn + 1];
+        });
+        const auto bring_home = [&](auto access) VOX_INLINED {
+            T *const out = y + row + v * w;
+            if constexpr (is_complex<T>) {
+                const auto sum = fma(swap_pairs(im[v][0]), join.of_im, re[v][0] * join.of_re);
+                access.put(out, fma(swap_pairs(sum), a_im, fma(sum, a_re, access.get(out))));
+            } else {
+                access.put(out, fma(re[v][0], a_re, access.get(out)));
+            }
+        };
+        if constexpr (v == Vectors - 1)
+            bring_home(last);
+        else
+            bring_home(whole());
+    });
+}
+
+template <class T>
+VOX_PANEL void in_tiles(const product_job<T> &job) {
+    constexpr int w = width<T>, most = 8 / parts<T>;
+    index_t row = job.first_row;
+    const auto rows = [&](auto vectors, auto last) VOX_INLINED {
+        tile<vectors>(job.a, job.first_column, job.end_column, row, job.alpha, job.x, job.y,
+                      job.conjugate, last);
+        row += vectors * w;
+    };
+    while (job.end_row - row >= most * w)
+        rows(constant<most>(), whole());
+    const index_t left = job.end_row - row;
+    unroll<most>([&](auto v) VOX_INLINED {
+        if (left > v * w && left <= (v + 1) * w)
+            rows(constant<v + 1>(), first_few{left - v * w});
+    });
+}
+
+// Matrices up to so many bytes are near enough for tiles, which walk from column to column; larger
+// ones are streamed a few columns at a time.
+constexpr index_t near_bytes = 512 * 1024;
+
+template <class T>
+VOX_PANEL bool is_near(const product_job<T> &job) {
+    const index_t size = (job.end_column - job.first_column) * (job.end_row - job.first_row);
+    return job.a.above == vox::all_rows && job.a.bend == 0 &&
+           size * index_t(sizeof(T)) < near_bytes;
 }
 
 template <class T>
@@ -39,17 +122,21 @@ VOX_PANEL void gemv(const product_job<T> &job) {
     if (is_zero(job.alpha))
         return;
     if (job.transposed)
-        for_groups<group<T>>(true, job.first_column, job.end_column, [&](auto count, index_t j) {
-            T t[count];
-            along_clipped<count>(job.a, j, first, end, job.x, t, job.conjugate);
-            unroll<count>([&](auto c) { y[j + c] += job.alpha * t[c]; });
-        });
+        for_groups<2 * group<T>, group<T>, 1>(
+            true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
+                T t[count];
+                along_clipped<count>(job.a, j, first, end, job.x, t, job.conjugate);
+                unroll<count>([&](auto c) VOX_INLINED { y[j + c] += job.alpha * t[c]; });
+            });
+    else if (is_near(job))
+        in_tiles(job);
     else
-        for_groups<group<T>>(true, job.first_column, job.end_column, [&](auto count, index_t j) {
-            T s[count];
-            unroll<count>([&](auto c) { s[c] = job.alpha * job.x[j + c]; });
-            across_clipped<count>(job.a, j, first, end, s, y, job.conjugate);
-        });
+        for_groups<group<T>, 1>(
+            true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
+                T s[count];
+                unroll<count>([&](auto c) VOX_INLINED { s[c] = job.alpha * job.x[j + c]; });
+                across_clipped<count>(job.a, j, first, end, s, y, job.conjugate);
+            });
 }
 
 } // namespace

@@ -17,7 +17,7 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
     const T *const x = job.x_rows, *const y = job.y_rows;
     T s[C], r[C];
     bool left_out[C], some_left_out = false;
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         const T yc = conj_if(job.conjugated, job.y_columns[j + c]);
         s[c] = job.alpha * yc;
         left_out[c] = is_zero(yc);
@@ -29,7 +29,7 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
         some_left_out |= left_out[c];
     });
     const index_t first = lower ? j + C : job.first_row, end = upper ? j : job.end_row;
-    const auto columns_from = [&](auto count, index_t c) {
+    const auto columns_from = [&](auto count, index_t c) VOX_INLINED {
         const pointers<count, T> p(job.a, j + c, first);
         if constexpr (Rank == 1)
             update<count>(end - first, p.at, x + first, s + c);
@@ -45,9 +45,9 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
     }
     if (!upper && !lower)
         return;
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         T *const column = job.a(j + c) + j;
-        unroll<C>([&](auto i) {
+        unroll<C>([&](auto i) VOX_INLINED {
             if (!left_out[c] && (upper ? i <= c : i >= c)) {
                 column[i] += x[j + i] * s[c];
                 if constexpr (Rank == 2)
@@ -62,11 +62,12 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
 template <class T>
 VOX_PANEL void ger(const update_job<T> &job) {
     if (job.rank_two)
-        for_groups<group_of_both<T>>(true, job.first_column, job.end_column,
-                                     [&](auto count, index_t j) { step<2, count>(job, j); });
+        for_groups<group_of_both<T>, 1>(true, job.first_column, job.end_column,
+                                        [&](auto count, index_t j)
+                                            VOX_INLINED { step<2, count>(job, j); });
     else
-        for_groups<group<T>>(true, job.first_column, job.end_column,
-                             [&](auto count, index_t j) { step<1, count>(job, j); });
+        for_groups<group<T>, 1>(true, job.first_column, job.end_column,
+                                [&](auto count, index_t j) VOX_INLINED { step<1, count>(job, j); });
 }
 
 } // namespace

@@ -74,7 +74,7 @@ VOX_PANEL void for_rows(index_t rows, const Step &step) {
     constexpr int w = width<T>;
     index_t i = 0;
     for (; i + Unrolled * w <= rows; i += Unrolled * w)
-        unroll<Unrolled>([&](auto u) { step(u, i + u * w, whole()); });
+        unroll<Unrolled>([&](auto u) VOX_INLINED { step(u, i + u * w, whole()); });
     if constexpr (Unrolled > 1)
         for (; i + w <= rows; i += w)
             step(constant<0>(), i, whole());
@@ -87,7 +87,7 @@ template <int C, class T>
 struct factors {
     vec<real_of<T>> re[C], im[C];
     VOX_PANEL explicit factors(const T *s) {
-        unroll<C>([&](auto c) {
+        unroll<C>([&](auto c) VOX_INLINED {
             re[c] = broadcast(real(s[c]));
             if constexpr (is_complex<T>)
                 im[c] = broadcast(imag(s[c]));
@@ -113,7 +113,7 @@ struct row_vectors {
     vec<real_of<T>> of[C];
     template <class Access>
     VOX_PANEL row_vectors(const T *const *a, index_t i, Access access) {
-        unroll<C>([&](auto c) { of[c] = in_register(access.get(a[c] + i)); });
+        unroll<C>([&](auto c) VOX_INLINED { of[c] = in_register(access.get(a[c] + i)); });
     }
 };
 
@@ -123,13 +123,13 @@ VOX_PANEL auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, cons
                         vec<real_of<T>> y) {
     if constexpr (is_complex<T>) {
         vec<real_of<T>> re{}, im{};
-        unroll<C>([&](auto c) {
+        unroll<C>([&](auto c) VOX_INLINED {
             re = fma(a.of[c], s.re[c], re);
             im = fma(a.of[c], s.im[c], im);
         });
         return fma(swap_pairs(im), join.of_im, fma(re, join.of_re, y));
     } else {
-        unroll<C>([&](auto c) { y = fma(a.of[c], s.re[c], y); });
+        unroll<C>([&](auto c) VOX_INLINED { y = fma(a.of[c], s.re[c], y); });
         return y;
     }
 }
@@ -139,7 +139,7 @@ template <int C, class T>
 VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bool conjugate) {
     const factors<C, T> f(s);
     const joint<T> join(conjugate);
-    for_rows<2, T>(rows, [&](auto, index_t i, auto access) {
+    for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> v(a, i, access);
         access.put(y + i, rows_sum<C>(v, f, join, access.get(y + i)));
     });
@@ -160,14 +160,14 @@ struct column_sums {
     VOX_PANEL void total(T *t, bool conjugate) {
         using R = real_of<T>;
         vec<R> sum[C * parts<T>];
-        unroll<C * parts<T>>([&](auto k) {
+        unroll<C * parts<T>>([&](auto k) VOX_INLINED {
             sum[k] = of[k][0];
-            unroll<Unrolled - 1>([&](auto u) { sum[k] += of[k][u + 1]; });
+            unroll<Unrolled - 1>([&](auto u) VOX_INLINED { sum[k] += of[k][u + 1]; });
         });
         if constexpr (is_complex<T>) {
             const auto plus = broadcast(R(1)), minus = broadcast_pair(R(1), R(-1));
             const auto of_re = conjugate ? plus : minus, of_im = conjugate ? minus : plus;
-            unroll<C>([&](auto c) {
+            unroll<C>([&](auto c) VOX_INLINED {
                 sum[2 * c] *= of_re;
                 sum[2 * c + 1] *= of_im;
             });
@@ -187,11 +187,11 @@ VOX_PANEL V swapped(V v) {
 // t_c = sum_i a_c[i] x[i], or with conj(a_c).
 template <int C, class T>
 VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, bool conjugate) {
-    constexpr int unrolled = is_complex<T> && vector_bytes < 64 ? 1 : 2;
+    constexpr int unrolled = C * parts<T> >= 8 ? 1 : 2;
     column_sums<C, T, unrolled> sums;
-    for_rows<unrolled, T>(rows, [&](auto u, index_t i, auto access) {
+    for_rows<unrolled, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
         const auto v = access.get(x + i), w = swapped<T>(v);
-        unroll<C>([&](auto c) { sums.add(u, c, access.get(a[c] + i), v, w); });
+        unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, access.get(a[c] + i), v, w); });
     });
     sums.total(t, conjugate);
 }
@@ -203,10 +203,10 @@ VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s
     const factors<C, T> f(s);
     const joint<T> join(conjugate_across);
     column_sums<C, T, 1> sums;
-    for_rows<1, T>(rows, [&](auto u, index_t i, auto access) {
+    for_rows<1, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = swapped<T>(v);
-        unroll<C>([&](auto c) { sums.add(u, c, rows_of_a.of[c], v, w); });
+        unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, rows_of_a.of[c], v, w); });
         access.put(y + i, rows_sum<C>(rows_of_a, f, join, access.get(y + i)));
     });
     sums.total(t, conjugate_along);
@@ -217,15 +217,15 @@ template <int C, class T>
 VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
     using R = real_of<T>;
     vec<R> re[C], im[C];
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         re[c] = broadcast(real(s[c]));
         if constexpr (is_complex<T>)
             im[c] = broadcast_pair(-imag(s[c]), imag(s[c]));
     });
-    for_rows<2, T>(rows, [&](auto, index_t i, auto access) {
+    for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = swapped<T>(v);
-        unroll<C>([&](auto c) {
+        unroll<C>([&](auto c) VOX_INLINED {
             auto sum = fma(v, re[c], rows_of_a.of[c]);
             if constexpr (is_complex<T>)
                 sum = fma(w, im[c], sum);
@@ -240,7 +240,7 @@ VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s, co
                       const T *r) {
     using R = real_of<T>;
     vec<R> s_re[C], s_im[C], r_re[C], r_im[C];
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         s_re[c] = broadcast(real(s[c]));
         r_re[c] = broadcast(real(r[c]));
         if constexpr (is_complex<T>) {
@@ -248,11 +248,11 @@ VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s, co
             r_im[c] = broadcast_pair(-imag(r[c]), imag(r[c]));
         }
     });
-    for_rows<1, T>(rows, [&](auto, index_t i, auto access) {
+    for_rows<1, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = access.get(y + i);
         const auto sv = swapped<T>(v), sw = swapped<T>(w);
-        unroll<C>([&](auto c) {
+        unroll<C>([&](auto c) VOX_INLINED {
             auto sum = fma(w, r_re[c], fma(v, s_re[c], rows_of_a.of[c]));
             if constexpr (is_complex<T>)
                 sum = fma(sw, r_im[c], fma(sv, s_im[c], sum));

@@ -14,25 +14,26 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
     const T *const x = job.x_rows;
     T *const y = job.y_rows;
     T s[C], t[C] = {};
-    unroll<C>([&](auto c) { s[c] = job.alpha * job.x_columns[j + c]; });
+    unroll<C>([&](auto c) VOX_INLINED { s[c] = job.alpha * job.x_columns[j + c]; });
 
     const index_t first = job.on_diagonal && !Upper ? j + C : job.first_row;
     const index_t end = job.on_diagonal && Upper ? j : job.end_row;
-    clipped<C>(job.a, j, first, end, [&](auto count, index_t k, index_t from, index_t to) {
-        const pointers<count, const T> p(job.a, k, from);
-        T part[count];
-        across_and_along<count>(to - from, p.at, s + (k - j), y + from, x + from, part,
-                                job.conjugate, mirrored);
-        unroll<count>([&](auto c) { t[k - j + c] += part[c]; });
-    });
+    clipped<C>(job.a, j, first, end,
+               [&](auto count, index_t k, index_t from, index_t to) VOX_INLINED {
+                   const pointers<count, const T> p(job.a, k, from);
+                   T part[count];
+                   across_and_along<count>(to - from, p.at, s + (k - j), y + from, x + from, part,
+                                           job.conjugate, mirrored);
+                   unroll<count>([&](auto c) VOX_INLINED { t[k - j + c] += part[c]; });
+               });
 
     T sum[C] = {};
     if (job.on_diagonal) {
         T rows[C];
-        unroll<C>([&](auto c) { rows[c] = x[j + c]; });
-        unroll<C>([&](auto c) {
+        unroll<C>([&](auto c) VOX_INLINED { rows[c] = x[j + c]; });
+        unroll<C>([&](auto c) VOX_INLINED {
             const T *const column = job.a(j + c) + j;
-            unroll<C>([&](auto r) {
+            unroll<C>([&](auto r) VOX_INLINED {
                 if constexpr (Upper ? r < c : r > c) {
                     const T a = column[r];
                     sum[r] += conj_if(job.conjugate, a) * s[c];
@@ -43,13 +44,13 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
             sum[c] += (job.hermitian ? make<T>(real(d)) : conj_if(job.conjugate, d)) * s[c];
         });
     }
-    unroll<C>([&](auto c) { job.y_columns[j + c] += sum[c] + job.alpha * t[c]; });
+    unroll<C>([&](auto c) VOX_INLINED { job.y_columns[j + c] += sum[c] + job.alpha * t[c]; });
 }
 
 template <bool Upper, int C, class T>
 VOX_PANEL void all_columns(const symmetric_job<T> &job) {
-    for_groups<C>(true, job.first_column, job.end_column,
-                  [&](auto count, index_t j) { step<Upper, count>(job, j); });
+    for_groups<C, 1>(true, job.first_column, job.end_column,
+                     [&](auto count, index_t j) VOX_INLINED { step<Upper, count>(job, j); });
 }
 
 template <bool Upper, class T>

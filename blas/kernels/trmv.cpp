@@ -15,7 +15,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T s[C];
     bool some_zero = false;
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         s[c] = x[j + c];
         some_zero |= is_zero(s[c]);
     });
@@ -28,17 +28,17 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
                 across_clipped<1>(job.a, j + c, first, end, s + c, x, job.conjugate);
     }
     T sum[C] = {};
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         if (is_zero(s[c]))
             return;
         const T *const column = job.a(j + c) + j;
-        unroll<C>([&](auto r) {
+        unroll<C>([&](auto r) VOX_INLINED {
             if constexpr (Upper ? r < c : r > c)
                 sum[r] += conj_if(job.conjugate, column[r]) * s[c];
         });
         sum[c] += job.unit_diagonal ? s[c] : conj_if(job.conjugate, column[c]) * s[c];
     });
-    unroll<C>([&](auto c) { x[j + c] = sum[c]; });
+    unroll<C>([&](auto c) VOX_INLINED { x[j + c] = sum[c]; });
 }
 
 template <bool Upper, int C, class T>
@@ -47,25 +47,27 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     T t[C];
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     along_clipped<C>(job.a, j, first, end, x, t, job.conjugate);
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         const T *const column = job.a(j + c) + j;
-        unroll<C>([&](auto r) {
+        unroll<C>([&](auto r) VOX_INLINED {
             if constexpr (Upper ? r < c : r > c)
                 t[c] += conj_if(job.conjugate, column[r]) * x[j + r];
         });
         t[c] += job.unit_diagonal ? x[j + c] : conj_if(job.conjugate, column[c]) * x[j + c];
     });
-    unroll<C>([&](auto c) { x[j + c] = t[c]; });
+    unroll<C>([&](auto c) VOX_INLINED { x[j + c] = t[c]; });
 }
 
 template <bool Upper, int C, class T>
 VOX_PANEL void all_columns(const triangular_job<T> &job) {
     if (job.transposed)
-        for_groups<C>(!Upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_along<Upper, count>(job, j); });
+        for_groups<C, 1>(!Upper, job.first, job.end, [&](auto count, index_t j) VOX_INLINED {
+            step_along<Upper, count>(job, j);
+        });
     else
-        for_groups<C>(Upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_across<Upper, count>(job, j); });
+        for_groups<C, 1>(Upper, job.first, job.end, [&](auto count, index_t j) VOX_INLINED {
+            step_across<Upper, count>(job, j);
+        });
 }
 
 template <bool Upper, class T>

@@ -16,9 +16,9 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T v[C];
     bool some_zero = false;
-    unroll<C>([&](auto c) { v[c] = x[j + c]; });
-    unroll<C>([&](auto i) {
-        const auto solve = [&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED { v[c] = x[j + c]; });
+    unroll<C>([&](auto i) VOX_INLINED {
+        const auto solve = [&](auto c) VOX_INLINED {
             if (is_zero(v[c])) {
                 some_zero = true;
                 return;
@@ -26,7 +26,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
             const T *const column = job.a(j + c) + j;
             if (!job.unit_diagonal)
                 v[c] = divide(v[c], conj_if(job.conjugate, column[c]));
-            unroll<C>([&](auto r) {
+            unroll<C>([&](auto r) VOX_INLINED {
                 if constexpr (Upper ? r < c : r > c)
                     v[r] -= conj_if(job.conjugate, column[r]) * v[c];
             });
@@ -37,7 +37,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
             solve(i);
     });
     T s[C];
-    unroll<C>([&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED {
         x[j + c] = v[c];
         s[c] = -v[c];
     });
@@ -57,11 +57,11 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     T v[C];
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     along_clipped<C>(job.a, j, first, end, x, v, job.conjugate);
-    unroll<C>([&](auto c) { v[c] = x[j + c] - v[c]; });
-    unroll<C>([&](auto i) {
-        const auto solve = [&](auto c) {
+    unroll<C>([&](auto c) VOX_INLINED { v[c] = x[j + c] - v[c]; });
+    unroll<C>([&](auto i) VOX_INLINED {
+        const auto solve = [&](auto c) VOX_INLINED {
             const T *const column = job.a(j + c) + j;
-            unroll<C>([&](auto r) {
+            unroll<C>([&](auto r) VOX_INLINED {
                 if constexpr (Upper ? r < c : r > c)
                     v[c] -= conj_if(job.conjugate, column[r]) * v[r];
             });
@@ -73,17 +73,19 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
         else
             solve(constant<C - 1 - i>());
     });
-    unroll<C>([&](auto c) { x[j + c] = v[c]; });
+    unroll<C>([&](auto c) VOX_INLINED { x[j + c] = v[c]; });
 }
 
 template <bool Upper, int C, class T>
 VOX_PANEL void all_columns(const triangular_job<T> &job) {
     if (job.transposed)
-        for_groups<C>(Upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_along<Upper, count>(job, j); });
+        for_groups<C, 1>(Upper, job.first, job.end, [&](auto count, index_t j) VOX_INLINED {
+            step_along<Upper, count>(job, j);
+        });
     else
-        for_groups<C>(!Upper, job.first, job.end,
-                      [&](auto count, index_t j) { step_across<Upper, count>(job, j); });
+        for_groups<C, 1>(!Upper, job.first, job.end, [&](auto count, index_t j) VOX_INLINED {
+            step_across<Upper, count>(job, j);
+        });
 }
 
 template <bool Upper, class T>
