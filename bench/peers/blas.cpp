@@ -9,9 +9,10 @@
 //                          first OpenBLAS is held to the same instructions
 //     --threads N          of every library
 //     --form LN            triangle and transposition of symv, trmv, trsv, syr, gbmv and tpsv
-//     --compare-threads    VOX with N threads (2 if not said) against VOX with one
+//     --compare-threads    VOX with N threads (2 if not said) against VOX with one; needs a machine with
+//                          nothing else to do, for a thread that waits for its processor costs 40 us
 //     --quick              a quarter of the usual effort
-//     --summary            only the table of means, in markdown
+//     --summary            only the means, as a markdown table, and what is far below
 //
 // Operands are warm and aligned to 64 bytes, increments 1, leading dimensions n; calls go through the
 // Fortran names. Ends with status 1 if a routine is missing or results differ: times decide nothing.
@@ -204,9 +205,13 @@ int main(int argc, char **argv) {
     peers::memory operands = memory_for(groups), others = memory_for(groups);
     peers::memory *const memories[] = {&operands, &others};
     const peers::effort effort = o.quick ? peers::effort{0.015, 0.1} : peers::effort{0.06, 0.5};
+    double load = 0;
+    getloadavg(&load, 1);
+    std::printf("path %s, %d thread(s), load of the machine before: %.1f\n", o.path.c_str(),
+                o.threads, load);
     if (!o.summary)
-        std::printf("path %s, %d thread(s); a loop that only reads 160 MB: %.1f GB/s\n",
-                    o.path.c_str(), o.threads, peers::read_bandwidth(160000000, o.threads) * 1e-9);
+        std::printf("a loop that only reads 160 MB: %.1f GB/s\n",
+                    peers::read_bandwidth(160000000, o.threads) * 1e-9);
 
     std::vector<peers::measured> all;
     int failures = 0;
