@@ -1,3 +1,6 @@
+# vox_register_test(<test> <command> [labels...]), and the same once per code path that this machine can
+# run, with the environment that forces it and its name in VOX_TEST_PATH.
+#
 # vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
 #
 # It links libvox.so as a user would; INTERNAL links the static library, whose hidden functions a
@@ -58,6 +61,15 @@ function(vox_register_test test command)
     LABELS "${labels}" TIMEOUT 300 ENVIRONMENT "${VOX_TEST_ENVIRONMENT}")
 endfunction()
 
+function(vox_register_test_per_path test command)
+  foreach(path IN LISTS VOX_RUNNABLE_PATHS)
+    vox_path_environment(${path} setting)
+    vox_register_test(${test}.${path} "${command}" ${ARGN})
+    set_tests_properties(${test}.${path} PROPERTIES
+      ENVIRONMENT "${VOX_TEST_ENVIRONMENT};${setting};VOX_TEST_PATH=${path}")
+  endforeach()
+endfunction()
+
 function(vox_add_test name)
   cmake_parse_arguments(ARG "INTERNAL;PER_PATH" "" "LABELS" ${ARGN})
   add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
@@ -68,12 +80,7 @@ function(vox_add_test name)
   endif()
   target_link_libraries(${name} PRIVATE vox_test_support ${library} Threads::Threads)
   if(ARG_PER_PATH)
-    foreach(path IN LISTS VOX_RUNNABLE_PATHS)
-      vox_path_environment(${path} setting)
-      vox_register_test(${name}.${path} ${name} ${ARG_LABELS})
-      set_tests_properties(${name}.${path} PROPERTIES
-        ENVIRONMENT "${VOX_TEST_ENVIRONMENT};${setting};VOX_TEST_PATH=${path}")
-    endforeach()
+    vox_register_test_per_path(${name} ${name} ${ARG_LABELS})
   else()
     vox_register_test(${name} ${name} ${ARG_LABELS})
   endif()

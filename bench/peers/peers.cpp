@@ -36,6 +36,7 @@ constexpr const char *openblas[] = {DEBIAN "openblas-serial/libopenblas.so.0",
                                     DEBIAN "openblas-pthread/libopenblas.so.0"};
 constexpr const char *blis[] = {DEBIAN "blis-serial/libblis.so.4",
                                 DEBIAN "blis-pthread/libblis.so.4"};
+constexpr const char *reference = DEBIAN "blas/libblas.so.3";
 
 [[noreturn]] void fail(const std::string &message) {
     std::fprintf(stderr, "peers: %s\n", message.c_str());
@@ -148,6 +149,13 @@ std::vector<peers::library> peers::open_thread_counts(const std::string &name, i
     const code_path &path = path_named(name);
     return {open_vox("VOX x" + std::to_string(threads), path, threads),
             open_vox("VOX x1", path, 1)};
+}
+
+std::vector<peers::library> peers::open_reference() {
+    std::vector<library> opened;
+    if (std::filesystem::exists(reference))
+        opened.emplace_back("reference", open_copy(reference));
+    return opened;
 }
 
 double peers::read_bandwidth(size_t bytes, int threads) {

@@ -33,6 +33,9 @@ std::vector<library> open_libraries(const std::string &path, int threads);
 // This library with so many threads, and with one.
 std::vector<library> open_thread_counts(const std::string &path, int threads);
 
+// The reference implementation, if it is installed: not to be raced, but to ask when results differ.
+std::vector<library> open_reference();
+
 // Seconds spent on one case: at least `enough`; then until each candidate has come three times
 // within 2% of its best, at most `limit`. At least five rounds whatever they take.
 struct effort {
