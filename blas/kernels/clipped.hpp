@@ -21,55 +21,67 @@ struct pointers {
     }
 };
 
-// piece(constant<C>, j, first row, end row) for the rows that columns j .. j + C - 1 share, and
-// piece(constant<1>, column, ...) for what single columns have beyond them, as in band matrices.
-template <int C, class T, class Piece>
+// panel(from, to) for the rows that columns j .. j + C - 1 share, and element(c, i) for what column
+// j + c has beyond them, at the ragged ends of band matrices.
+template <int C, class T, class Panel, class Element>
 VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t end,
-                       const Piece &piece) {
+                       const Panel &panel, const Element &element) {
     if (first >= end)
         return;
-    const index_t from = larger(first, A.first(j + C - 1)), to = smaller(end, A.end(j));
-    const bool shared = C > 1 && from < to;
-    if (shared) {
-        piece(constant<C>(), j, from, to);
-        if (VOX_LIKELY(from == first && to == end))
+    index_t from = larger(first, A.first(j + C - 1)), to = smaller(end, A.end(j));
+    if (VOX_LIKELY(from < to)) {
+        panel(from, to);
+        if (VOX_LIKELY(C == 1 || (from == first && to == end)))
             return;
+    } else {
+        from = to = end;
     }
-    for (index_t k = j; k < j + C; ++k) {
-        const index_t top = larger(first, A.first(k)), bottom = smaller(end, A.end(k));
-        for (int below = 0; below <= int(shared); ++below) {
-            const index_t begin = below ? larger(top, to) : top;
-            const index_t stop = shared && !below ? smaller(bottom, from) : bottom;
-            if (begin < stop)
-                piece(constant<1>(), k, begin, stop);
-        }
+    for (int c = 0; c < C; ++c) {
+        for (index_t i = larger(first, A.first(j + c)), e = smaller(from, A.end(j + c)); i < e; ++i)
+            element(c, i);
+        for (index_t i = to, e = smaller(end, A.end(j + c)); i < e; ++i)
+            element(c, i);
     }
 }
-
-// The next two are shared by all their callers of a kernel source.
 
 // y[i] += sum_j A(i, j) s[j], or with conj(A), over columns j .. j + C - 1 and rows first .. end.
 // s is given for column j on, y for row 0 on.
 template <int C, class T>
-__attribute__((noinline)) void across_clipped(const columns<const T> &A, index_t j, index_t first,
-                                              index_t end, const T *s, T *y, bool conjugate) {
-    clipped<C>(A, j, first, end, [&](auto count, index_t k, index_t from, index_t to) VOX_INLINED {
-        const pointers<count, const T> p(A, k, from);
-        across<count>(to - from, p.at, s + (k - j), y + from, conjugate);
-    });
+VOX_PANEL void across_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
+                              const T *s, T *y, bool conjugate) {
+    clipped<C>(
+        A, j, first, end,
+        [&](index_t from, index_t to) VOX_INLINED {
+            const pointers<C, const T> p(A, j, from);
+            across<C>(to - from, p.at, s, y + from, conjugate);
+        },
+        [&](int c, index_t i) VOX_INLINED { y[i] += conj_if(conjugate, A(j + c)[i]) * s[c]; });
 }
 
 // t[j] = sum_i A(i, j) x[i], or with conj(A); x is given for row 0 on, t for column j on.
 template <int C, class T>
-__attribute__((noinline)) void along_clipped(const columns<const T> &A, index_t j, index_t first,
-                                             index_t end, const T *x, T *t, bool conjugate) {
+VOX_PANEL void along_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
+                             const T *x, T *t, bool conjugate) {
     unroll<C>([&](auto c) VOX_INLINED { t[c] = T{}; });
-    clipped<C>(A, j, first, end, [&](auto count, index_t k, index_t from, index_t to) VOX_INLINED {
-        const pointers<count, const T> p(A, k, from);
-        T part[count];
-        along<count>(to - from, p.at, x + from, part, conjugate);
-        unroll<count>([&](auto c) VOX_INLINED { t[k - j + c] += part[c]; });
-    });
+    clipped<C>(
+        A, j, first, end,
+        [&](index_t from, index_t to) VOX_INLINED {
+            const pointers<C, const T> p(A, j, from);
+            along<C>(to - from, p.at, x + from, t, conjugate);
+        },
+        [&](int c, index_t i) VOX_INLINED { t[c] += conj_if(conjugate, A(j + c)[i]) * x[i]; });
+}
+
+// The same, shared by all their callers in a kernel source.
+template <int C, class T>
+__attribute__((noinline)) void shared_across(const columns<const T> &A, index_t j, index_t first,
+                                             index_t end, const T *s, T *y, bool conjugate) {
+    across_clipped<C>(A, j, first, end, s, y, conjugate);
+}
+template <int C, class T>
+__attribute__((noinline)) void shared_along(const columns<const T> &A, index_t j, index_t first,
+                                            index_t end, const T *x, T *t, bool conjugate) {
+    along_clipped<C>(A, j, first, end, x, t, conjugate);
 }
 
 // step(constant<C>, j) for all columns, forwards or backwards, in groups of C columns as long as

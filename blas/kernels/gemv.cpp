@@ -122,7 +122,7 @@ VOX_PANEL void gemv(const product_job<T> &job) {
     if (is_zero(job.alpha))
         return;
     if (job.transposed)
-        for_groups<2 * group<T>, group<T>, 1>(
+        for_groups<group_of_along<T>, group<T>, 1>(
             true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
                 T t[count];
                 along_clipped<count>(job.a, j, first, end, job.x, t, job.conjugate);

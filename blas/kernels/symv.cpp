@@ -18,14 +18,17 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
 
     const index_t first = job.on_diagonal && !Upper ? j + C : job.first_row;
     const index_t end = job.on_diagonal && Upper ? j : job.end_row;
-    clipped<C>(job.a, j, first, end,
-               [&](auto count, index_t k, index_t from, index_t to) VOX_INLINED {
-                   const pointers<count, const T> p(job.a, k, from);
-                   T part[count];
-                   across_and_along<count>(to - from, p.at, s + (k - j), y + from, x + from, part,
-                                           job.conjugate, mirrored);
-                   unroll<count>([&](auto c) VOX_INLINED { t[k - j + c] += part[c]; });
-               });
+    clipped<C>(
+        job.a, j, first, end,
+        [&](index_t from, index_t to) VOX_INLINED {
+            const pointers<C, const T> p(job.a, j, from);
+            across_and_along<C>(to - from, p.at, s, y + from, x + from, t, job.conjugate, mirrored);
+        },
+        [&](int c, index_t i) VOX_INLINED {
+            const T a = job.a(j + c)[i];
+            y[i] += conj_if(job.conjugate, a) * s[c];
+            t[c] += conj_if(mirrored, a) * x[i];
+        });
 
     T sum[C] = {};
     if (job.on_diagonal) {

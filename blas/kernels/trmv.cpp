@@ -21,11 +21,11 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     });
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     if (VOX_LIKELY(!some_zero)) {
-        across_clipped<C>(job.a, j, first, end, s, x, job.conjugate);
+        shared_across<C>(job.a, j, first, end, s, x, job.conjugate);
     } else {
         for (int c = 0; c < C; ++c)
             if (!is_zero(s[c]))
-                across_clipped<1>(job.a, j + c, first, end, s + c, x, job.conjugate);
+                shared_across<1>(job.a, j + c, first, end, s + c, x, job.conjugate);
     }
     T sum[C] = {};
     unroll<C>([&](auto c) VOX_INLINED {
@@ -46,7 +46,7 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T t[C];
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
-    along_clipped<C>(job.a, j, first, end, x, t, job.conjugate);
+    shared_along<C>(job.a, j, first, end, x, t, job.conjugate);
     unroll<C>([&](auto c) VOX_INLINED {
         const T *const column = job.a(j + c) + j;
         unroll<C>([&](auto r) VOX_INLINED {

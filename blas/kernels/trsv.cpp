@@ -43,11 +43,11 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     });
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     if (VOX_LIKELY(!some_zero)) {
-        across_clipped<C>(job.a, j, first, end, s, x, job.conjugate);
+        shared_across<C>(job.a, j, first, end, s, x, job.conjugate);
     } else {
         for (int c = 0; c < C; ++c)
             if (!is_zero(s[c]))
-                across_clipped<1>(job.a, j + c, first, end, s + c, x, job.conjugate);
+                shared_across<1>(job.a, j + c, first, end, s + c, x, job.conjugate);
     }
 }
 
@@ -56,7 +56,7 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     T *const x = job.x;
     T v[C];
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
-    along_clipped<C>(job.a, j, first, end, x, v, job.conjugate);
+    shared_along<C>(job.a, j, first, end, x, v, job.conjugate);
     unroll<C>([&](auto c) VOX_INLINED { v[c] = x[j + c] - v[c]; });
     unroll<C>([&](auto i) VOX_INLINED {
         const auto solve = [&](auto c) VOX_INLINED {
