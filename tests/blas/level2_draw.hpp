@@ -59,8 +59,8 @@ drawn_call<T> draw(const routine<T> &r, vox_int m, vox_int n, int combination, l
     a.incx = lots.pick({1, 1, 1, -1, 2, -3, 37});
     a.incy = lots.pick({1, 1, 1, -1, 2, -3, 37});
     const T other = vox::make<T>(vox::real_of<T>(-0.75), vox::real_of<T>(1.3));
-    a.alpha = lots.pick({other, other, vox::one<T>, -vox::one<T>, vox::zero<T>});
-    a.beta = lots.pick({other, vox::zero<T>, vox::one<T>, -vox::one<T>});
+    a.alpha = lots.pick({other, other, vox::one<T>, -vox::one<T>, T{}});
+    a.beta = lots.pick({other, T{}, vox::one<T>, -vox::one<T>});
     const bool c = r.c && lots.number() % 2;
     if (c && lots.number() % 2)
         a.layout = CblasRowMajor;
