@@ -111,7 +111,7 @@ inline size_t extent(int64_t n, int64_t inc) {
 }
 inline int64_t place(int64_t i, int64_t n, int64_t inc) { return (inc < 0 ? i - n + 1 : i) * inc; }
 
-// A value put somewhere into an operand.
+// A value put somewhere into an operand; some vectors then begin or end with zeros.
 struct plant {
     char operand; // A, X or Y
     double value;
@@ -196,7 +196,17 @@ class trial {
                               : element;
     }
 
+    void zero_run(std::vector<T> &v, int64_t n, vox_int inc) {
+        const bool at_end = ++seed_ % 2;
+        for (int64_t i = seed_ % 3 ? n : seed_ / 3 % (n + 1); i < n; ++i)
+            v[size_t(place(at_end ? i : n - 1 - i, n, inc))] = T{};
+    }
+
     void put(const plant &p) {
+        if (!x_.empty())
+            zero_run(x_, nx_, given_.incx);
+        if (r_.updates() && !y_.empty())
+            zero_run(y_, ny_, given_.incy);
         const int64_t some = seed_ / 7, i = some % std::max<int64_t>(1, s_.m);
         T *element = nullptr;
         if (p.operand == 'A' && s_.first(i) < s_.end(i)) {
@@ -235,6 +245,16 @@ class trial {
     wide<T> x(int64_t i) const { return widen(x_[size_t(place(i, nx_, given_.incx))]); }
     wide<T> y(int64_t i) const { return widen(y_[size_t(place(i, ny_, given_.incy))]); }
 
+    // A zero in a vector leaves its column of the array out, NaN or not (its row, by rows): in updates
+    // and where op(A) of a triangle is taken by columns.
+    bool triangle_by_columns() const { return r_.has('d') && transposed_ == s_.row_major; }
+    bool left_out_of_update(int64_t i, int64_t j) const {
+        const int64_t k = s_.row_major ? i : j;
+        if (!r_.has('u'))
+            return size(s_.row_major ? x(k) : y(k)) == 0;
+        return size(x(k)) == 0 && (!r_.has('Y') || size(y(k)) == 0);
+    }
+
     struct outcome {
         wide<T> value;
         long double bound;
@@ -248,6 +268,8 @@ class trial {
         if (r_.has('d') || size(alpha_) != 0)
             for (int64_t j = first; j < end; ++j) {
                 const wide<T> e = element(i, j), factor = x(j);
+                if (triangle_by_columns() && size(factor) == 0)
+                    continue;
                 sum = sum + e * factor;
                 magnitude += size(e) * size(factor);
             }
@@ -270,13 +292,19 @@ class trial {
         long double magnitude = 0;
         for (int64_t j = first; j < end; ++j) {
             const wide<T> e = element(i, j), factor = widen(computed[place(j, nx_, given_.incx)]);
+            if (triangle_by_columns() && size(factor) == 0)
+                continue;
             if (j != i)
                 rest = rest - e * factor;
             magnitude += size(e) * size(factor);
         }
+        if (triangle_by_columns() && size(rest) == 0)
+            return {rest, 0};
         const wide<T> inverse = widen(vox::one<T>) / element(i, i);
         const int64_t k = end - first + (is_complex ? 3 : 0);
-        return {rest * inverse, roundings(k) * magnitude * size(inverse)};
+        // Behind a run of zeros a solution dies away: each product may underflow.
+        const long double underflow = (4 * k + 4) * std::numeric_limits<R>::denorm_min();
+        return {rest * inverse, (roundings(k) * magnitude + underflow) * size(inverse) + underflow};
     }
 
     outcome update(int64_t i, int64_t j) const {
@@ -295,6 +323,8 @@ class trial {
             value = real_part(value);
             old = real_part(old);
         }
+        if (left_out_of_update(i, j))
+            return {old, 0};
         return {old + value, roundings(twice ? 2 : 1) * (size(old) + magnitude)};
     }
 

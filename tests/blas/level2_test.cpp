@@ -60,7 +60,7 @@ TYPED_TEST(Level2, CarriesNansAndInfinitiesWhereTheDefinitionDoes) {
         for (vox_int n : {1, 2, 3, 4, 7, 9, 16, 31, 70})
             for (char operand : {'A', 'X', 'Y'})
                 for (double value : {std::numeric_limits<double>::quiet_NaN(), inf, -inf})
-                    for (int repeat = 0; repeat < 3; ++repeat)
+                    for (int repeat = 0; repeat < 6; ++repeat)
                         this->expect_right(r, this->lots.pick({n, n + 3, 5}), n,
                                            int(this->lots.number() % unsigned(combinations(r))),
                                            plant{operand, value});
