@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <type_traits>
@@ -22,6 +24,8 @@
 #include "vox/vox.h"
 
 namespace test {
+
+inline bool is_option(char letter) { return std::strchr("utd", letter); }
 
 template <class T>
 struct arguments {
@@ -184,6 +188,23 @@ inline std::string upper_case(std::string text) {
     for (char &c : text)
         c = char(std::toupper(c));
     return text;
+}
+
+// The call as verbose mode prints it: letters and integers by value, addresses of the rest.
+template <class T>
+std::string call_line(const routine<T> &r, arguments<T> &a) {
+    std::string line = upper_case(r.name);
+    for (char letter : r.letters) {
+        char text[40];
+        if (is_option(letter))
+            std::snprintf(text, sizeof text, "%c", a.option(letter));
+        else if (std::strchr("sbAXY", letter))
+            std::snprintf(text, sizeof text, "%p", a.address(letter));
+        else
+            std::snprintf(text, sizeof text, "%d", a.integer(letter));
+        line += (letter == r.letters[0] ? "(" : ",") + std::string(text);
+    }
+    return line + ")";
 }
 
 } // namespace test

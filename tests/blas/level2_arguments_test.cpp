@@ -1,7 +1,6 @@
 // level2_arguments_test.cpp - what level 2 does with bad arguments, how its calls are logged, and
 // its spellings; every routine, by its parameter letters.
 #include <climits>
-#include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -21,8 +20,6 @@ std::string reports;
 void record(const char *name, const vox_int *code, int length) {
     reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
 }
-
-bool is_option(char letter) { return std::strchr("utd", letter); }
 
 // The parameters that can be bad, in their order, which is the order of the checks.
 template <class T>
@@ -50,7 +47,7 @@ arguments<T> valid(const routine<T> &r, CBLAS_LAYOUT layout, vox_int m, vox_int 
 template <class T>
 void spoil(const routine<T> &r, char letter, int variant, arguments<T> &a) {
     if (is_option(letter)) // letters and C values of other options among them
-        a.option(letter) = (letter == 't' ? "XU " : letter == 'u' ? "XNC" : "XT ")[variant];
+        a.option(letter) = (letter == 't' ? "RU " : letter == 'u' ? "XNC" : "XT ")[variant];
     else if (letter == 'L')
         a.lda = variant == 0 ? r.least_lda(a) - 1 : -variant;
     else if (letter == 'i' || letter == 'j')
@@ -138,23 +135,6 @@ TYPED_TEST(Level2Arguments, ABadLayoutIsAllThatIsReported) {
             }
 }
 
-// The line of a call: letters and integers by value, addresses of everything else.
-template <class T>
-std::string expected_line(const routine<T> &r, arguments<T> &a) {
-    std::string line = upper_case(r.name);
-    for (char letter : r.letters) {
-        char text[40];
-        if (is_option(letter))
-            std::snprintf(text, sizeof text, "%c", a.option(letter));
-        else if (std::strchr("sbAXY", letter))
-            std::snprintf(text, sizeof text, "%p", a.address(letter));
-        else
-            std::snprintf(text, sizeof text, "%d", a.integer(letter));
-        line += (letter == r.letters[0] ? "(" : ",") + std::string(text);
-    }
-    return line + ")";
-}
-
 template <class T>
 void call_every_routine() {
     std::vector<T> operands(300, vox::one<T>);
@@ -163,7 +143,7 @@ void call_every_routine() {
         a.a = operands.data();
         a.x = a.a + 100;
         a.y = a.a + 200;
-        std::fprintf(stderr, "VOX_VERBOSE %s \n", expected_line(r, a).c_str());
+        std::fprintf(stderr, "VOX_VERBOSE %s \n", call_line(r, a).c_str());
         r.fortran(a);
     }
 }

@@ -73,30 +73,12 @@ drawn_call<T> draw(const routine<T> &r, vox_int m, vox_int n, int combination, l
 
 template <class T>
 std::ostream &operator<<(std::ostream &out, const drawn_call<T> &d) {
-    out << (&d.call == &d.r.c ? d.a.layout == CblasRowMajor ? "C by rows: " : "C: " : "")
-        << d.r.name << '(';
-    for (char letter : d.r.letters)
-        switch (letter) {
-        case 'u':
-        case 't':
-        case 'd':
-            out << arguments<T>(d.a).option(letter) << ' ';
-            break;
-        case 's':
-            out << vox::real(d.a.alpha) << ' ';
-            break;
-        case 'b':
-            out << vox::real(d.a.beta) << ' ';
-            break;
-        case 'A':
-        case 'X':
-        case 'Y':
-            out << letter << ' ';
-            break;
-        default:
-            out << arguments<T>(d.a).integer(letter) << ' ';
-        }
-    return out << ')';
+    arguments<T> a = d.a;
+    return out << (&d.call != &d.r.c           ? ""
+                   : a.layout == CblasRowMajor ? "C by rows: "
+                                               : "C: ")
+               << call_line(d.r, a) << " alpha " << vox::real(a.alpha) << " beta "
+               << vox::real(a.beta);
 }
 
 } // namespace test

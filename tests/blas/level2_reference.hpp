@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <cstring>
 #include <optional>
 #include <sstream>
@@ -25,37 +26,29 @@
 
 namespace test {
 
-struct wide_complex {
-    long double re, im;
-};
-inline wide_complex operator+(wide_complex a, wide_complex b) { return {a.re + b.re, a.im + b.im}; }
-inline wide_complex operator-(wide_complex a, wide_complex b) { return {a.re - b.re, a.im - b.im}; }
-inline wide_complex operator*(wide_complex a, wide_complex b) {
-    return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
-}
-inline wide_complex operator/(wide_complex a, wide_complex b) {
-    const long double s = b.re * b.re + b.im * b.im;
-    return {(a.re * b.re + a.im * b.im) / s, (a.im * b.re - a.re * b.im) / s};
-}
-inline wide_complex conj(wide_complex a) { return {a.re, -a.im}; }
-inline long double conj(long double a) { return a; }
-inline wide_complex real_part(wide_complex a) { return {a.re, 0}; }
-inline long double real_part(long double a) { return a; }
-inline long double size(wide_complex a) { return std::fabs(a.re) + std::fabs(a.im); }
-inline long double size(long double a) { return std::fabs(a); }
-
-inline std::ostream &operator<<(std::ostream &out, wide_complex a) {
-    return out << '(' << a.re << ',' << a.im << ')';
-}
-
 template <class T>
-using wide = std::conditional_t<vox::is_complex<T>, wide_complex, long double>;
+using wide = std::conditional_t<vox::is_complex<T>, std::complex<long double>, long double>;
 template <class T>
 wide<T> widen(T a) {
     if constexpr (vox::is_complex<T>)
         return {a.real, a.imag};
     else
         return a;
+}
+template <class W>
+W conjugate(W a) {
+    if constexpr (std::is_same_v<W, long double>)
+        return a;
+    else
+        return std::conj(a);
+}
+template <class W>
+W real_part(W a) {
+    return std::real(a);
+}
+template <class W>
+long double size(W a) {
+    return std::fabs(std::real(a)) + std::fabs(std::imag(a));
 }
 
 // Within the bound; where the reference is not finite: the same infinity, or NaN. A complex number
@@ -224,17 +217,19 @@ class trial {
 
     // op(A)(i,j) with all that is implied, and the j that there are.
     wide<T> element(int64_t i, int64_t j) const {
-        bool conjugate = transposed_ && conjugated_;
+        bool conjugated = transposed_ && conjugated_;
         if (transposed_)
             std::swap(i, j);
         if (i == j && unit_)
             return widen(vox::one<T>);
         if (!s_.holds(i, j)) { // the other triangle
             std::swap(i, j);
-            conjugate = r_.hermitian();
+            conjugated = r_.hermitian();
         }
         const wide<T> stored = widen(a_[size_t(s_.offset(i, j))]);
-        return i == j && r_.hermitian() ? real_part(stored) : conjugate ? conj(stored) : stored;
+        return i == j && r_.hermitian() ? real_part(stored)
+               : conjugated             ? conjugate(stored)
+                                        : stored;
     }
     std::pair<int64_t, int64_t> terms(int64_t i) const {
         int64_t below = transposed_ ? s_.ku : s_.kl, above = transposed_ ? s_.kl : s_.ku;
@@ -309,14 +304,14 @@ class trial {
 
     outcome update(int64_t i, int64_t j) const {
         const auto factor = [this](wide<T> z) {
-            return r_.hermitian() || r_.name.back() == 'c' ? conj(z) : z;
+            return r_.hermitian() || r_.name.back() == 'c' ? conjugate(z) : z;
         };
         const bool twice = r_.has('u') && r_.has('Y');
         const wide<T> second = factor(r_.has('Y') ? y(j) : x(j));
         wide<T> value = alpha_ * (x(i) * second), old = widen(a_[size_t(s_.offset(i, j))]);
         long double magnitude = size(alpha_) * size(x(i)) * size(second);
         if (twice) {
-            value = value + (r_.hermitian() ? conj(alpha_) : alpha_) * (y(i) * factor(x(j)));
+            value = value + (r_.hermitian() ? conjugate(alpha_) : alpha_) * (y(i) * factor(x(j)));
             magnitude += size(alpha_) * size(y(i)) * size(x(j));
         }
         if (i == j && r_.hermitian()) {

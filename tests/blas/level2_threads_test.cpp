@@ -36,9 +36,9 @@ TYPED_TEST(Level2Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
     for (int threads : {2, 3, 7}) {
         vox_set_num_threads_local(threads);
         for (const routine<TypeParam> &r : routines<TypeParam>()) {
-            std::vector<std::pair<vox_int, vox_int>> shapes = {{701, 701}, {530, 530}};
+            std::vector<std::pair<vox_int, vox_int>> shapes = {{701, 701}};
             if (r.has('k'))
-                shapes = {{20011, 20011}, {20011, 20011}};
+                shapes = {{20011, 20011}};
             if (r.has('m'))
                 shapes.insert(shapes.end(), {{3, 30011}, {30011, 3}, {150, 4001}, {4001, 150}});
             for (const auto &[m, n] : shapes)
