@@ -1,7 +1,6 @@
 // level2_test.cpp - the numbers of level 2, on every code path: every routine in every form, over
-// sizes past every unroll, all letters, and everything else drawn.
+// sizes past every unroll, all letters, and everything else drawn. Large calls: level2_large_test.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include "tests/blas/level2_draw.hpp"
 #include "tests/blas/level2_reference.hpp"
@@ -42,19 +41,6 @@ TYPED_TEST(Level2, StaysWithinTheErrorBoundsAndItsOperands) {
                                        combination);
 }
 
-TYPED_TEST(Level2, AlsoForLargeAndExtremeShapes) {
-    const struct {
-        vox_int m, n;
-        int repeats;
-    } shapes[] = {{100, 100, 4}, {129, 129, 4}, {300, 300, 2}, {1030, 1030, 1},
-                  {1, 500, 2},   {500, 1, 2},   {3, 1000, 2},  {1000, 3, 2}};
-    for (const auto &s : shapes)
-        for (const routine<TypeParam> &r : routines<TypeParam>())
-            for (int repeat = 0; repeat < s.repeats && (s.m == s.n || r.has('m')); ++repeat)
-                this->expect_right(r, s.m, s.n,
-                                   int(this->lots.number() % unsigned(combinations(r))));
-}
-
 TYPED_TEST(Level2, CarriesNansAndInfinitiesWhereTheDefinitionDoes) {
     constexpr double inf = std::numeric_limits<double>::infinity();
     for (const routine<TypeParam> &r : routines<TypeParam>())
@@ -65,65 +51,6 @@ TYPED_TEST(Level2, CarriesNansAndInfinitiesWhereTheDefinitionDoes) {
                         this->expect_right(r, this->lots.pick({n, n + 3, 5}), n,
                                            int(this->lots.number() % unsigned(combinations(r))),
                                            plant{operand, value});
-}
-
-// Address space of which only the touched pages exist.
-class sparse {
-  public:
-    explicit sparse(size_t elements) : bytes_(elements * sizeof(float)) {
-        data_ = mmap(nullptr, bytes_, PROT_READ | PROT_WRITE,
-                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (data_ == MAP_FAILED)
-            std::abort();
-    }
-    ~sparse() { munmap(data_, bytes_); }
-    float *data() const { return static_cast<float *>(data_); }
-
-  private:
-    size_t bytes_;
-    void *data_;
-};
-
-// The elements 8 j + i, i < 8, lie at far j + i. Powers of two and small integers: no rounding.
-TEST(Level2Offsets, ReachBeyond32Bits) {
-    constexpr vox_int n = 3, far = 1 << 30;
-    const sparse a(size_t(far) * n), x(size_t(far) * n), y(size_t(far) * n);
-    for (const routine<float> &r : routines<float>())
-        for (int combination = 0; combination < combinations(r); ++combination) {
-            arguments<float> close;
-            set_letters(r, combination, close);
-            close.m = close.n = n;
-            close.kl = close.ku = 1;
-            close.lda = 8;
-            close.incx = 8;
-            close.incy = -8;
-            close.alpha = close.beta = 2;
-            arguments<float> distant = close;
-            distant.lda = distant.incx = far;
-            distant.incy = -far;
-            const auto offset = [&r](int operand, int64_t k) {
-                return k / 8 * (operand == 0 && !r.has('L') ? 8 : far) + k % 8;
-            };
-            std::vector<float> values[3];
-            float *const spread[3] = {a.data(), x.data(), y.data()};
-            for (int v = 0; v < 3; ++v)
-                for (int64_t k = 0; k < 8 * n; ++k) {
-                    values[v].push_back(v == 0 ? (k % 3 ? -1.0F : 2.0F) : float(k % 5 + 1));
-                    spread[v][offset(v, k)] = values[v].back();
-                }
-            close.a = values[0].data();
-            close.x = values[1].data();
-            close.y = values[2].data();
-            distant.a = spread[0];
-            distant.x = spread[1];
-            distant.y = spread[2];
-            r.fortran(close);
-            r.fortran(distant);
-            for (int v = 0; v < 3; ++v)
-                for (int64_t k = 0; k < 8 * n; ++k)
-                    ASSERT_EQ(spread[v][offset(v, k)], values[v][size_t(k)])
-                        << r.name << ' ' << combination;
-        }
 }
 
 } // namespace
