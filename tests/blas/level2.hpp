@@ -16,6 +16,7 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -37,55 +38,20 @@ struct arguments {
 
     char &option(char letter) { return letter == 'u' ? uplo : letter == 't' ? trans : diag; }
     vox_int &integer(char letter) {
-        switch (letter) {
-        case 'm':
-            return m;
-        case 'n':
-            return n;
-        case 'l':
-            return kl;
-        case 'k':
-            return ku;
-        case 'L':
-            return lda;
-        case 'i':
-            return incx;
-        default:
-            return incy;
-        }
+        vox_int *const all[] = {&m, &n, &kl, &ku, &lda, &incx, &incy};
+        return *all[std::string_view("mnlkLij").find(letter)];
     }
     void *address(char letter) {
-        switch (letter) {
-        case 's':
-            return &alpha;
-        case 'b':
-            return &beta;
-        case 'A':
-            return a;
-        case 'X':
-            return x;
-        default:
-            return y;
-        }
+        void *const all[] = {&alpha, &beta, a, x, y};
+        return all[std::string_view("sbAXY").find(letter)];
     }
 };
 
 // The C value of an option; what is none stays what it is, and is none in C either.
 inline int c_option(char letter) {
-    switch (letter) {
-    case 'N':
-        return CblasNoTrans;
-    case 'T':
-        return CblasTrans;
-    case 'C':
-        return CblasConjTrans;
-    case 'U':
-        return CblasUpper;
-    case 'L':
-        return CblasLower;
-    default:
-        return letter;
-    }
+    constexpr int values[] = {CblasNoTrans, CblasTrans, CblasConjTrans, CblasUpper, CblasLower};
+    const size_t at = std::string_view("NTCUL").find(letter);
+    return at < 5 ? values[at] : letter;
 }
 
 // The argument that a parameter of type P gets.

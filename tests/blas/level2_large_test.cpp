@@ -80,35 +80,27 @@ TEST_F(Threads, ManyCallersAtOnceEachGetTheirOwnResults) {
         EXPECT_EQ(f, "");
 }
 
-// Address space of which only the touched pages exist.
-class sparse {
-  public:
-    explicit sparse(size_t elements) : bytes_(elements * sizeof(float)) {
-        data_ = mmap(nullptr, bytes_, PROT_READ | PROT_WRITE,
-                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (data_ == MAP_FAILED)
-            std::abort();
-    }
-    ~sparse() { munmap(data_, bytes_); }
-    float *data() const { return static_cast<float *>(data_); }
-
-  private:
-    size_t bytes_;
-    void *data_;
-};
+// Address space of which only the touched pages exist, kept until the process ends.
+float *reserve(size_t elements) {
+    void *const space = mmap(nullptr, elements * sizeof(float), PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (space == MAP_FAILED)
+        std::abort();
+    return static_cast<float *>(space);
+}
 
 // The elements 8 j + i, i < 8, lie at far j + i. Powers of two and small integers: no rounding.
 TEST(Level2Offsets, ReachBeyond32Bits) {
     constexpr vox_int n = 3, far = 1 << 30;
-    const sparse a(size_t(far) * n), x(size_t(far) * n), y(size_t(far) * n);
+    constexpr size_t all = size_t(far) * n;
+    float *const spread[3] = {reserve(all), reserve(all), reserve(all)};
     for (const routine<float> &r : routines<float>())
         for (int combination = 0; combination < combinations(r); ++combination) {
             arguments<float> close;
             set_letters(r, combination, close);
             close.m = close.n = n;
             close.kl = close.ku = 1;
-            close.lda = 8;
-            close.incx = 8;
+            close.lda = close.incx = 8;
             close.incy = -8;
             close.alpha = close.beta = 2;
             arguments<float> distant = close;
@@ -118,7 +110,6 @@ TEST(Level2Offsets, ReachBeyond32Bits) {
                 return k / 8 * (operand == 0 && !r.has('L') ? 8 : far) + k % 8;
             };
             std::vector<float> values[3];
-            float *const spread[3] = {a.data(), x.data(), y.data()};
             for (int v = 0; v < 3; ++v)
                 for (int64_t k = 0; k < 8 * n; ++k) {
                     values[v].push_back(v == 0 ? (k % 3 ? -1.0F : 2.0F) : float(k % 5 + 1));
