@@ -13,11 +13,11 @@ namespace vox::errchk {
     static_assert(sizeof name == 7);
     const size_t length = strlen(routine);
     const vox_int code = bad;
-    vox_serv_set_xerbla_interface(xerbla);
+    vox_serv_set_xerbla_interface(cdecl_xerbla);
     if (length < 6)
-        cdecl_xerbla(static_cast<const char *>(memcpy(name, routine, length)), &code, 6);
+        vox_serv_xerbla(static_cast<const char *>(memcpy(name, routine, length)), &code, 6);
     else
-        cdecl_xerbla(routine, &code, int(length));
+        vox_serv_xerbla(routine, &code, int(length));
     return 1;
 }
 

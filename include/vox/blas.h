@@ -45,8 +45,10 @@ VOX_FORTRAN(double, ddot, DDOT,
  *   diag   'U' the diagonal is all ones and not read, 'N' it is read
  *
  * alpha = 0: A and x are not read. beta = 0: y is overwritten, not multiplied, so it need not be set
- * and a NaN in it vanishes. m = 0 or n = 0: nothing is read or written. Any other NaN or infinity
- * propagates as arithmetic has it. Vectors and matrices that overlap give undefined results.
+ * and a NaN in it vanishes. m = 0 or n = 0: nothing is read or written. A zero in a vector leaves its
+ * column of A out, so that no NaN or infinity comes from there: in updates (in ?syr2, ?her2 and the
+ * packed ones where x and y both have it), and in triangular routines where op(A) = A. All others
+ * propagate as arithmetic has it. Vectors and matrices that overlap give undefined results.
  *
  * Errors: a letter other than those, a negative size, a leading dimension below the one given above
  * or an increment of 0 is reported through xerbla with the parameter's number, the first bad one

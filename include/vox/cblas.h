@@ -25,6 +25,7 @@ VOX_API double cblas_ddot(vox_int n, const double *x, vox_int incx, const double
  *   band            A(i,j) at a[kl + j - i + i*lda]
  *   band triangle   upper: A(i,j) at a[j - i + i*lda], lower: A(i,j) at a[k + j - i + i*lda]
  *   packed triangle upper: A(i,j) at ap[j + i*(2*n - i - 1)/2], lower: A(i,j) at ap[j + i*(i + 1)/2]
+ * A zero in a vector leaves a row of A out: in updates and where op(A) is A^T or A^H.
  *
  * Errors: reported through cblas_xerbla with the parameter's number, the layout being number 1, and
  * the operands are left alone. After a bad layout nothing else is looked at. After a bad trans, uplo

@@ -34,6 +34,12 @@ class guarded {
     guarded &operator=(const guarded &) = delete;
 
     T *data() const { return data_; }
+    // From here on writing to the data is a fault as well.
+    void freeze() const {
+        const size_t page = size_t(sysconf(_SC_PAGESIZE));
+        if (size_ > 2 * page && mprotect(base_ + page, size_ - 2 * page, PROT_READ))
+            std::abort();
+    }
 
   private:
     char *base_;

@@ -1,0 +1,133 @@
+// level2_large_test.cpp - the numbers of level 2 on large and extreme shapes: on one thread, on
+// several that do not divide the work evenly, for several callers at once, and with offsets beyond 32
+// bits.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <thread>
+
+#include "tests/blas/level2_draw.hpp"
+#include "tests/blas/level2_reference.hpp"
+
+namespace {
+
+using namespace test;
+
+// What is wrong with a call on an m by n matrix, everything else drawn.
+template <class T>
+std::string fault(const routine<T> &r, vox_int m, vox_int n, lottery &lots) {
+    const drawn_call<T> d = draw(r, m, n, int(lots.number() % unsigned(combinations(r))), lots);
+    const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
+    return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
+}
+
+class Threads : public ::testing::Test {
+  protected:
+    void SetUp() override { vox_set_dynamic(0); } // as many threads as asked for, cores or not
+    void TearDown() override {
+        vox_set_num_threads_local(0);
+        vox_set_dynamic(1);
+    }
+};
+template <class T>
+class Level2Threads : public Threads {};
+using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
+TYPED_TEST_SUITE(Level2Threads, types);
+
+std::vector<std::pair<vox_int, vox_int>> shapes(bool band, bool rectangular) {
+    std::vector<std::pair<vox_int, vox_int>> all = {{100, 100}, {129, 129}, {300, 300}, {701, 701}};
+    if (band)
+        all.back() = {20011, 20011};
+    if (rectangular)
+        all.insert(all.end(),
+                   {{1, 500}, {500, 1}, {3, 30011}, {30011, 3}, {150, 4001}, {4001, 150}});
+    return all;
+}
+
+TYPED_TEST(Level2Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
+    lottery lots(1);
+    for (const routine<TypeParam> &r : routines<TypeParam>())
+        for (int threads : {1, 2, 3, 7}) {
+            vox_set_num_threads_local(threads);
+            for (const auto &[m, n] : shapes(r.has('k'), r.has('m')))
+                EXPECT_EQ(fault(r, m, n, lots), "") << threads << " threads";
+        }
+}
+
+template <class T>
+std::string some_faults(unsigned caller) {
+    lottery lots(caller);
+    std::string faults;
+    for (int call = 0; call < 25; ++call) {
+        const routine<T> &r = routines<T>()[lots.number() % routines<T>().size()];
+        faults += fault(r, 310 + vox_int(caller), 310 + 7 * call, lots);
+    }
+    return faults;
+}
+
+TEST_F(Threads, ManyCallersAtOnceEachGetTheirOwnResults) {
+    constexpr unsigned callers = 8;
+    std::string faults[callers];
+    std::vector<std::thread> team;
+    for (unsigned c = 0; c < callers; ++c)
+        team.emplace_back([c, &faults] {
+            vox_set_num_threads_local(int(c % 3) + 1);
+            faults[c] = some_faults<float>(c) + some_faults<double>(c) +
+                        some_faults<vox_complex_float>(c) + some_faults<vox_complex_double>(c);
+        });
+    for (std::thread &t : team)
+        t.join();
+    for (const std::string &f : faults)
+        EXPECT_EQ(f, "");
+}
+
+// Address space of which only the touched pages exist, kept until the process ends.
+float *reserve(size_t elements) {
+    void *const space = mmap(nullptr, elements * sizeof(float), PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (space == MAP_FAILED)
+        std::abort();
+    return static_cast<float *>(space);
+}
+
+// The elements 8 j + i, i < 8, lie at far j + i. Powers of two and small integers: no rounding.
+TEST(Level2Offsets, ReachBeyond32Bits) {
+    constexpr vox_int n = 3, far = 1 << 30;
+    constexpr size_t all = size_t(far) * n;
+    float *const spread[3] = {reserve(all), reserve(all), reserve(all)};
+    for (const routine<float> &r : routines<float>())
+        for (int combination = 0; combination < combinations(r); ++combination) {
+            arguments<float> close;
+            set_letters(r, combination, close);
+            close.m = close.n = n;
+            close.kl = close.ku = 1;
+            close.lda = close.incx = 8;
+            close.incy = -8;
+            close.alpha = close.beta = 2;
+            arguments<float> distant = close;
+            distant.lda = distant.incx = far;
+            distant.incy = -far;
+            const auto offset = [&r](int operand, int64_t k) {
+                return k / 8 * (operand == 0 && !r.has('L') ? 8 : far) + k % 8;
+            };
+            std::vector<float> values[3];
+            for (int v = 0; v < 3; ++v)
+                for (int64_t k = 0; k < 8 * n; ++k) {
+                    values[v].push_back(v == 0 ? (k % 3 ? -1.0F : 2.0F) : float(k % 5 + 1));
+                    spread[v][offset(v, k)] = values[v].back();
+                }
+            close.a = values[0].data();
+            close.x = values[1].data();
+            close.y = values[2].data();
+            distant.a = spread[0];
+            distant.x = spread[1];
+            distant.y = spread[2];
+            r.fortran(close);
+            r.fortran(distant);
+            for (int v = 0; v < 3; ++v)
+                for (int64_t k = 0; k < 8 * n; ++k)
+                    ASSERT_EQ(spread[v][offset(v, k)], values[v][size_t(k)])
+                        << r.name << ' ' << combination;
+        }
+}
+
+} // namespace
