@@ -46,11 +46,11 @@ void rotg(R *a, R *b, R *c, R *s) {
     }
     const bool f_leads = size_f > size_g;
     const R scale = safe<R>::clamp(f_leads ? size_f : size_g), fs = f / scale, gs = g / scale;
-    const R length = scale * root(fs * fs + gs * gs);
-    const R r = __builtin_signbit(f_leads ? f : g) ? -length : length;
-    *c = f / r;
-    *s = g / r;
-    *a = r;
+    const R size = root(fs * fs + gs * gs);
+    const R length = __builtin_signbit(f_leads ? f : g) ? -size : size;
+    *c = fs / length; // not f / r, which would suffer where r is denormal
+    *s = gs / length;
+    *a = scale * length;
     *b = f_leads ? *s : *c != 0 ? 1 / *c : 1;
 }
 

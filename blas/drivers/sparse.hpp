@@ -30,8 +30,9 @@ inline auto sparse(Kernel kernel, index_t nz, A... a) {
 
 template <class Kernel, class T>
 inline void axpyi(Kernel kernel, index_t nz, const T *alpha, const T *x, places indx, T *y) {
-    if (!is_zero(*alpha))
-        sparse(kernel, nz, alpha, x, indx, y);
+    if (nz < 1 || is_zero(*alpha))
+        return;
+    kernel(&nz, alpha, x, indx.indx, y);
 }
 
 } // namespace vox::level1
