@@ -17,7 +17,8 @@ struct products {
 template <class V, bool Conjugate>
 struct complex_products {
     V straight, crossed;
-    VOX_INLINE void add(V x, V y) {
+    VOX_INLINE void add(V first, V second) {
+        const V x = in_register(first), y = in_register(second);
         straight = fma(x, y, straight);
         crossed = fma(x, swap_pairs(y), crossed);
     }

@@ -57,14 +57,16 @@ VOX_INLINE P first_element(P x, index_t n, index_t inc) {
 
 // a x and y + a x for real and complex a.
 template <class T, class V>
-VOX_INLINE V times(T a, V x) {
+VOX_INLINE V times(T a, V operand) {
+    const V x = is_complex<T> ? in_register(operand) : operand;
     if constexpr (is_complex<T>)
         return a.real * x + broadcast_pair<int(sizeof(V))>(-a.imag, a.imag) * swap_pairs(x);
     else
         return a * x;
 }
 template <class T, class V>
-VOX_INLINE V plus_times(V y, T a, V x) {
+VOX_INLINE V plus_times(V y, T a, V operand) {
+    const V x = is_complex<T> ? in_register(operand) : operand;
     if constexpr (is_complex<T>) {
         const V re = a.real * x + y;
         return broadcast_pair<int(sizeof(V))>(-a.imag, a.imag) * swap_pairs(x) + re;
