@@ -12,8 +12,46 @@
 #include "serv/base.hpp"
 #include "serv/scalar.hpp"
 
+// One vector, two vectors.
+#define VOX_VECTOR_PARAMETERS(T, I) (const I *n, const T *x, const I *incx)
+#define VOX_VECTOR_ARGUMENTS (n, x, incx)
 #define VOX_DOT_PARAMETERS(T, I) (const I *n, const T *x, const I *incx, const T *y, const I *incy)
 #define VOX_DOT_ARGUMENTS (n, x, incx, y, incy)
+#define VOX_SDSDOT_PARAMETERS(T, I)                                                                \
+    (const I *n, const T *b, const T *x, const I *incx, const T *y, const I *incy)
+#define VOX_SDSDOT_ARGUMENTS (n, b, x, incx, y, incy)
+#define VOX_COPY_PARAMETERS(T, I) (const I *n, const T *x, const I *incx, T *y, const I *incy)
+#define VOX_COPY_ARGUMENTS (n, x, incx, y, incy)
+#define VOX_SWAP_PARAMETERS(T, I) (const I *n, T *x, const I *incx, T *y, const I *incy)
+#define VOX_SWAP_ARGUMENTS (n, x, incx, y, incy)
+#define VOX_SCAL_PARAMETERS(T, I, S) (const I *n, const S *alpha, T *x, const I *incx)
+#define VOX_SCAL_ARGUMENTS (n, alpha, x, incx)
+#define VOX_AXPY_PARAMETERS(T, I)                                                                  \
+    (const I *n, const T *alpha, const T *x, const I *incx, T *y, const I *incy)
+#define VOX_AXPY_ARGUMENTS (n, alpha, x, incx, y, incy)
+#define VOX_AXPBY_PARAMETERS(T, I)                                                                 \
+    (const I *n, const T *alpha, const T *x, const I *incx, const T *beta, T *y, const I *incy)
+#define VOX_AXPBY_ARGUMENTS (n, alpha, x, incx, beta, y, incy)
+#define VOX_ROT_PARAMETERS(T, I, S)                                                                \
+    (const I *n, T *x, const I *incx, T *y, const I *incy, const vox::real_of<T> *c, const S *s)
+#define VOX_ROT_ARGUMENTS (n, x, incx, y, incy, c, s)
+#define VOX_ROTM_PARAMETERS(T, I)                                                                  \
+    (const I *n, T *x, const I *incx, T *y, const I *incy, const T *param)
+#define VOX_ROTM_ARGUMENTS (n, x, incx, y, incy, param)
+#define VOX_ROTG_PARAMETERS(T, B) (T * a, B * b, vox::real_of<T> * c, T * s)
+#define VOX_ROTG_ARGUMENTS (a, b, c, s)
+#define VOX_ROTMG_PARAMETERS(T) (T * d1, T * d2, T * x1, const T *y1, T *param)
+#define VOX_ROTMG_ARGUMENTS (d1, d2, x1, y1, param)
+
+// Sparse vectors: nz elements in x, element i at place indx[i] of y, counted from 1.
+#define VOX_AXPYI_PARAMETERS(T, I)                                                                 \
+    (const I *nz, const T *alpha, const T *x, const vox_int *indx, T *y)
+#define VOX_DOTI_PARAMETERS(T, I) (const I *nz, const T *x, const vox_int *indx, const T *y)
+#define VOX_GTHR_PARAMETERS(T, I) (const I *nz, const T *y, T *x, const vox_int *indx)
+#define VOX_GTHRZ_PARAMETERS(T, I) (const I *nz, T *y, T *x, const vox_int *indx)
+#define VOX_ROTI_PARAMETERS(T, I)                                                                  \
+    (const I *nz, T *x, const vox_int *indx, T *y, const T *c, const T *s)
+#define VOX_SCTR_PARAMETERS(T, I) (const I *nz, const T *x, const vox_int *indx, T *y)
 
 #define VOX_GEMV_PARAMETERS(T, I)                                                                  \
     (const char *trans, const I *m, const I *n, const T *alpha, const T *a, const I *lda,          \
@@ -67,10 +105,48 @@
      const I *incy, T *ap)
 #define VOX_SPR2_ARGUMENTS (uplo, n, alpha, x, incx, y, incy, ap)
 
+// Drivers and dispatching entries for other families.
+#define VOX_LEVEL1_DECLARE(p, P, T)                                                                \
+    void vox_blas_##p##copy VOX_COPY_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##swap VOX_SWAP_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##scal VOX_SCAL_PARAMETERS(T, vox::index_t, T);                               \
+    void vox_blas_##p##axpy VOX_AXPY_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##axpby VOX_AXPBY_PARAMETERS(T, vox::index_t);                                \
+    void vox_blas_x##p##copy VOX_COPY_PARAMETERS(T, vox::index_t);                                 \
+    void vox_blas_x##p##scal VOX_SCAL_PARAMETERS(T, vox::index_t, T);                              \
+    void vox_blas_x##p##axpy VOX_AXPY_PARAMETERS(T, vox::index_t);                                 \
+    void vox_blas_x##p##axpby VOX_AXPBY_PARAMETERS(T, vox::index_t);                               \
+    vox::index_t vox_blas_i##p##amax VOX_VECTOR_PARAMETERS(T, vox::index_t);
+#define VOX_LEVEL1_DECLARE_REAL(p, P, T)                                                           \
+    T vox_blas_##p##dot VOX_DOT_PARAMETERS(T, vox::index_t);                                       \
+    T vox_blas_x##p##dot VOX_DOT_PARAMETERS(T, vox::index_t);                                      \
+    T vox_blas_##p##asum VOX_VECTOR_PARAMETERS(T, vox::index_t);                                   \
+    T vox_blas_##p##nrm2 VOX_VECTOR_PARAMETERS(T, vox::index_t);                                   \
+    void vox_blas_##p##rot VOX_ROT_PARAMETERS(T, vox::index_t, T);                                 \
+    void vox_blas_##p##rotg VOX_ROTG_PARAMETERS(T, T);
+#define VOX_LEVEL1_DECLARE_COMPLEX(p, P, T)                                                        \
+    T vox_blas_##p##dotu VOX_DOT_PARAMETERS(T, vox::index_t);                                      \
+    T vox_blas_##p##dotc VOX_DOT_PARAMETERS(T, vox::index_t);                                      \
+    T vox_blas_x##p##dotu VOX_DOT_PARAMETERS(T, vox::index_t);                                     \
+    T vox_blas_x##p##dotc VOX_DOT_PARAMETERS(T, vox::index_t);                                     \
+    void vox_blas_##p##rot VOX_ROT_PARAMETERS(T, vox::index_t, T);                                 \
+    void vox_blas_##p##rotg VOX_ROTG_PARAMETERS(T, const T);
+
 extern "C" {
-double vox_blas_ddot VOX_DOT_PARAMETERS(double, vox::index_t);
-double vox_blas_xddot VOX_DOT_PARAMETERS(double, vox::index_t);
+VOX_PRECISIONS(VOX_LEVEL1_DECLARE)
+VOX_REAL_PRECISIONS(VOX_LEVEL1_DECLARE_REAL)
+VOX_COMPLEX_PRECISIONS(VOX_LEVEL1_DECLARE_COMPLEX)
+float vox_blas_scasum VOX_VECTOR_PARAMETERS(vox_complex_float, vox::index_t);
+double vox_blas_dzasum VOX_VECTOR_PARAMETERS(vox_complex_double, vox::index_t);
+float vox_blas_scnrm2 VOX_VECTOR_PARAMETERS(vox_complex_float, vox::index_t);
+double vox_blas_dznrm2 VOX_VECTOR_PARAMETERS(vox_complex_double, vox::index_t);
+void vox_blas_csscal VOX_SCAL_PARAMETERS(vox_complex_float, vox::index_t, float);
+void vox_blas_zdscal VOX_SCAL_PARAMETERS(vox_complex_double, vox::index_t, double);
 }
+
+#undef VOX_LEVEL1_DECLARE
+#undef VOX_LEVEL1_DECLARE_REAL
+#undef VOX_LEVEL1_DECLARE_COMPLEX
 
 // The dispatching entries that more than one file calls.
 #define VOX_LEVEL2_KERNELS(p, P, T)                                                                \

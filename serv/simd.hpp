@@ -102,6 +102,30 @@ inline V fma(V a, V b, V c) {
     return a * b + c;
 }
 
+// |v|, for scalars too.
+template <class V>
+inline V abs(V v) {
+    if constexpr (std::is_same_v<V, float>) {
+        return __builtin_fabsf(v);
+    } else if constexpr (std::is_same_v<V, double>) {
+        return __builtin_fabs(v);
+    } else {
+        using bits = decltype(v < v);
+        constexpr auto magnitude = sizeof(v[0]) == 8 ? ~0ull >> 1 : ~0u >> 1;
+        return V(bits(v) & (bits{} + std::remove_reference_t<decltype(bits{}[0])>(magnitude)));
+    }
+}
+
+// As many elements as Bytes bytes of A hold, converted to A.
+template <class A, int Bytes = vector_bytes, class T>
+inline auto load_as(const T *p) {
+    if constexpr (std::is_same_v<A, T>)
+        return load<Bytes>(p);
+    else
+        return __builtin_convertvector(load<Bytes *int(sizeof(T)) / int(sizeof(A))>(p),
+                                       typename vec_of<A, Bytes>::type);
+}
+
 // The first n elements (0 <= n < lanes), zeros after them.
 #if defined(__AVX512F__)
 inline unsigned first_lanes(index_t n) { return _bzhi_u32(~0u, unsigned(n)); }
@@ -178,6 +202,15 @@ inline auto high_half(V v) {
         return __builtin_shufflevector(v, v, 2, 3);
 }
 
+// load_as for the first n elements (0 <= n < lanes<A>).
+template <class A, class T>
+inline vec<A> load_partial_as(const T *p, index_t n) {
+    if constexpr (std::is_same_v<A, T>)
+        return load_partial(p, n);
+    else
+        return __builtin_convertvector(low_half(load_partial(p, n)), vec<A>);
+}
+
 // The sum of all lanes by halving, so its order is the same for every call.
 template <class V>
 inline auto reduce_add(V v) {
@@ -185,6 +218,40 @@ inline auto reduce_add(V v) {
         return v[0] + v[1];
     else
         return reduce_add(low_half(v) + high_half(v));
+}
+
+// Bit i is set where lane i of both is equal.
+#if defined(__AVX512F__)
+inline unsigned equal_lanes(vec<double> a, vec<double> b) {
+    return _mm512_cmp_pd_mask(a, b, _CMP_EQ_OQ);
+}
+inline unsigned equal_lanes(vec<float> a, vec<float> b) {
+    return _mm512_cmp_ps_mask(a, b, _CMP_EQ_OQ);
+}
+#elif defined(__AVX__)
+inline unsigned equal_lanes(vec<double> a, vec<double> b) {
+    return unsigned(_mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_EQ_OQ)));
+}
+inline unsigned equal_lanes(vec<float> a, vec<float> b) {
+    return unsigned(_mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ)));
+}
+#else
+inline unsigned equal_lanes(vec<double> a, vec<double> b) {
+    return unsigned(_mm_movemask_pd(_mm_cmpeq_pd(a, b)));
+}
+inline unsigned equal_lanes(vec<float> a, vec<float> b) {
+    return unsigned(_mm_movemask_ps(_mm_cmpeq_ps(a, b)));
+}
+#endif
+
+// v in the first n lanes, other in the rest.
+template <class V>
+inline V select_first(index_t n, V v, V other) {
+    using counts = decltype(v < v);
+    counts lane;
+    for (int i = 0; i < int(sizeof(V) / sizeof(v[0])); ++i)
+        lane[i] = i;
+    return lane < std::remove_reference_t<decltype(lane[0])>(n) ? v : other;
 }
 
 // Complex numbers lie in vectors as pairs of lanes, real part first.

@@ -8,15 +8,281 @@
 extern "C" {
 #endif
 
-/* ?dot: the sum of x_i y_i over n elements.
- * n < 1 gives 0 and reads nothing. incx, incy: in elements, any sign; a negative increment walks the
- * vector from its end, as the reference BLAS has it.
- * Accuracy: |error| <= gamma(n) sum |x_i y_i|, gamma(n) = n u / (1 - n u), u = eps / 2.
- * Source: Lawson, Hanson, Kincaid, Krogh, "Basic Linear Algebra Subprograms for Fortran Usage",
- * ACM TOMS 5(3), 1979. */
+/* Level 1: vectors.
+ *
+ * A vector is n elements, `inc` elements apart; with a negative increment it is walked from its end, so
+ * that x[0] is its last element, and with increment 0 every element is the same one. n < 1: nothing is
+ * read or written, sums are 0. No argument is an error. Vectors that are written must not overlap other
+ * operands. Contiguous and strided vectors may round differently; the same call on the same thread
+ * count always gives the same bits, whatever the alignment.
+ *
+ * Bounds: u = eps / 2, gamma(n) = n u / (1 - n u).
+ * Source, where no other is named: Lawson, Hanson, Kincaid, Krogh, "Basic Linear Algebra Subprograms for
+ * Fortran Usage", ACM TOMS 5(3), 1979. */
+
+/* ?dot: the sum of x_i y_i. ?dotu: the same for complex numbers; ?dotc: the sum of conj(x_i) y_i.
+ * dsdot: the product of single-precision vectors, in double precision; sdsdot: b + that product, rounded
+ * to single precision at the end.
+ * Error: gamma(n) sum |x_i y_i|, gamma(n + 2) sqrt(2) sum |x_i y_i| for complex numbers.
+ * Complex results are returned by value, as GNU Fortran does it. */
+VOX_FORTRAN(float, sdot, SDOT,
+            (const vox_int *n, const float *x, const vox_int *incx, const float *y,
+             const vox_int *incy));
 VOX_FORTRAN(double, ddot, DDOT,
             (const vox_int *n, const double *x, const vox_int *incx, const double *y,
              const vox_int *incy));
+VOX_FORTRAN(double, dsdot, DSDOT,
+            (const vox_int *n, const float *x, const vox_int *incx, const float *y,
+             const vox_int *incy));
+VOX_FORTRAN(float, sdsdot, SDSDOT,
+            (const vox_int *n, const float *b, const float *x, const vox_int *incx, const float *y,
+             const vox_int *incy));
+VOX_FORTRAN(vox_complex_float, cdotu, CDOTU,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx,
+             const vox_complex_float *y, const vox_int *incy));
+VOX_FORTRAN(vox_complex_double, zdotu, ZDOTU,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx,
+             const vox_complex_double *y, const vox_int *incy));
+VOX_FORTRAN(vox_complex_float, cdotc, CDOTC,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx,
+             const vox_complex_float *y, const vox_int *incy));
+VOX_FORTRAN(vox_complex_double, zdotc, ZDOTC,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx,
+             const vox_complex_double *y, const vox_int *incy));
+
+/* ?asum: the sum of |x_i|, of |re| + |im| for complex numbers. incx < 1 gives 0.
+ * Error: gamma(n) times the result (2 n for n in complex numbers). */
+VOX_FORTRAN(float, sasum, SASUM, (const vox_int *n, const float *x, const vox_int *incx));
+VOX_FORTRAN(double, dasum, DASUM, (const vox_int *n, const double *x, const vox_int *incx));
+VOX_FORTRAN(float, scasum, SCASUM,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx));
+VOX_FORTRAN(double, dzasum, DZASUM,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx));
+
+/* ?nrm2: the Euclidean norm, sqrt(sum |x_i|^2), without overflow or underflow on the way. A NaN gives NaN,
+ * else an infinity gives infinity. A negative increment gives the norm of the same elements.
+ * Error: gamma(n / 2 + 2) times the result (n + 2 in complex numbers); single precision is computed in
+ * double. */
+VOX_FORTRAN(float, snrm2, SNRM2, (const vox_int *n, const float *x, const vox_int *incx));
+VOX_FORTRAN(double, dnrm2, DNRM2, (const vox_int *n, const double *x, const vox_int *incx));
+VOX_FORTRAN(float, scnrm2, SCNRM2,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx));
+VOX_FORTRAN(double, dznrm2, DZNRM2,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx));
+
+/* i?amax, i?amin: the place, counted from 1, of the first element whose magnitude, |x_i| or |re| + |im|, is
+ * largest or smallest. n < 1 or incx < 1 gives 0. A NaN is passed over, except that one in the first place
+ * is the answer: nothing compares as larger or smaller than it. */
+VOX_FORTRAN(vox_int, isamax, ISAMAX, (const vox_int *n, const float *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, idamax, IDAMAX, (const vox_int *n, const double *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, icamax, ICAMAX,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, izamax, IZAMAX,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, isamin, ISAMIN, (const vox_int *n, const float *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, idamin, IDAMIN, (const vox_int *n, const double *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, icamin, ICAMIN,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx));
+VOX_FORTRAN(vox_int, izamin, IZAMIN,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx));
+
+/* ?cabs1: |re z| + |im z|. */
+VOX_FORTRAN(float, scabs1, SCABS1, (const vox_complex_float *z));
+VOX_FORTRAN(double, dcabs1, DCABS1, (const vox_complex_double *z));
+
+/* ?copy: y := x. ?swap: x and y exchanged. Bits are kept as they are. */
+VOX_FORTRAN(void, scopy, SCOPY,
+            (const vox_int *n, const float *x, const vox_int *incx, float *y, const vox_int *incy));
+VOX_FORTRAN(void, dcopy, DCOPY,
+            (const vox_int *n, const double *x, const vox_int *incx, double *y,
+             const vox_int *incy));
+VOX_FORTRAN(void, ccopy, CCOPY,
+            (const vox_int *n, const vox_complex_float *x, const vox_int *incx,
+             vox_complex_float *y, const vox_int *incy));
+VOX_FORTRAN(void, zcopy, ZCOPY,
+            (const vox_int *n, const vox_complex_double *x, const vox_int *incx,
+             vox_complex_double *y, const vox_int *incy));
+VOX_FORTRAN(void, sswap, SSWAP,
+            (const vox_int *n, float *x, const vox_int *incx, float *y, const vox_int *incy));
+VOX_FORTRAN(void, dswap, DSWAP,
+            (const vox_int *n, double *x, const vox_int *incx, double *y, const vox_int *incy));
+VOX_FORTRAN(void, cswap, CSWAP,
+            (const vox_int *n, vox_complex_float *x, const vox_int *incx, vox_complex_float *y,
+             const vox_int *incy));
+VOX_FORTRAN(void, zswap, ZSWAP,
+            (const vox_int *n, vox_complex_double *x, const vox_int *incx, vox_complex_double *y,
+             const vox_int *incy));
+
+/* ?scal: x := alpha x. incx < 1 or alpha = 1: nothing is done. Zero is a factor like any other: NaN and
+ * infinities in x become NaN. Error: u |alpha x_i|, gamma(2) sqrt(2) |alpha x_i| for complex numbers. */
+VOX_FORTRAN(void, sscal, SSCAL,
+            (const vox_int *n, const float *alpha, float *x, const vox_int *incx));
+VOX_FORTRAN(void, dscal, DSCAL,
+            (const vox_int *n, const double *alpha, double *x, const vox_int *incx));
+VOX_FORTRAN(void, cscal, CSCAL,
+            (const vox_int *n, const vox_complex_float *alpha, vox_complex_float *x,
+             const vox_int *incx));
+VOX_FORTRAN(void, zscal, ZSCAL,
+            (const vox_int *n, const vox_complex_double *alpha, vox_complex_double *x,
+             const vox_int *incx));
+VOX_FORTRAN(void, csscal, CSSCAL,
+            (const vox_int *n, const float *alpha, vox_complex_float *x, const vox_int *incx));
+VOX_FORTRAN(void, zdscal, ZDSCAL,
+            (const vox_int *n, const double *alpha, vox_complex_double *x, const vox_int *incx));
+
+/* ?axpy: y := alpha x + y. alpha = 0: nothing is read or written.
+ * Error: gamma(2) (|alpha x_i| + |y_i|), gamma(3) sqrt(2) (...) for complex numbers. */
+VOX_FORTRAN(void, saxpy, SAXPY,
+            (const vox_int *n, const float *alpha, const float *x, const vox_int *incx, float *y,
+             const vox_int *incy));
+VOX_FORTRAN(void, daxpy, DAXPY,
+            (const vox_int *n, const double *alpha, const double *x, const vox_int *incx, double *y,
+             const vox_int *incy));
+VOX_FORTRAN(void, caxpy, CAXPY,
+            (const vox_int *n, const vox_complex_float *alpha, const vox_complex_float *x,
+             const vox_int *incx, vox_complex_float *y, const vox_int *incy));
+VOX_FORTRAN(void, zaxpy, ZAXPY,
+            (const vox_int *n, const vox_complex_double *alpha, const vox_complex_double *x,
+             const vox_int *incx, vox_complex_double *y, const vox_int *incy));
+
+/* ?axpby: y := alpha x + beta y. alpha = 0: x is not read. beta = 0: y need not be set.
+ * Error: gamma(2) (|alpha x_i| + |beta y_i|), gamma(3) sqrt(2) (...) for complex numbers.
+ * Source: Blackford et al., "An Updated Set of Basic Linear Algebra Subprograms", ACM TOMS 28(2), 2002. */
+VOX_FORTRAN(void, saxpby, SAXPBY,
+            (const vox_int *n, const float *alpha, const float *x, const vox_int *incx,
+             const float *beta, float *y, const vox_int *incy));
+VOX_FORTRAN(void, daxpby, DAXPBY,
+            (const vox_int *n, const double *alpha, const double *x, const vox_int *incx,
+             const double *beta, double *y, const vox_int *incy));
+VOX_FORTRAN(void, caxpby, CAXPBY,
+            (const vox_int *n, const vox_complex_float *alpha, const vox_complex_float *x,
+             const vox_int *incx, const vox_complex_float *beta, vox_complex_float *y,
+             const vox_int *incy));
+VOX_FORTRAN(void, zaxpby, ZAXPBY,
+            (const vox_int *n, const vox_complex_double *alpha, const vox_complex_double *x,
+             const vox_int *incx, const vox_complex_double *beta, vox_complex_double *y,
+             const vox_int *incy));
+
+/* ?rot: x_i := c x_i + s y_i, y_i := c y_i - conj(s) x_i. c is real; s is real in srot, drot, csrot, zdrot and
+ * complex in crot, zrot. Error: gamma(2) (|c x_i| + |s y_i|) and alike, gamma(3) sqrt(2) (...) for a complex s. */
+VOX_FORTRAN(void, srot, SROT,
+            (const vox_int *n, float *x, const vox_int *incx, float *y, const vox_int *incy,
+             const float *c, const float *s));
+VOX_FORTRAN(void, drot, DROT,
+            (const vox_int *n, double *x, const vox_int *incx, double *y, const vox_int *incy,
+             const double *c, const double *s));
+VOX_FORTRAN(void, csrot, CSROT,
+            (const vox_int *n, vox_complex_float *x, const vox_int *incx, vox_complex_float *y,
+             const vox_int *incy, const float *c, const float *s));
+VOX_FORTRAN(void, zdrot, ZDROT,
+            (const vox_int *n, vox_complex_double *x, const vox_int *incx, vox_complex_double *y,
+             const vox_int *incy, const double *c, const double *s));
+VOX_FORTRAN(void, crot, CROT,
+            (const vox_int *n, vox_complex_float *x, const vox_int *incx, vox_complex_float *y,
+             const vox_int *incy, const float *c, const vox_complex_float *s));
+VOX_FORTRAN(void, zrot, ZROT,
+            (const vox_int *n, vox_complex_double *x, const vox_int *incx, vox_complex_double *y,
+             const vox_int *incy, const double *c, const vox_complex_double *s));
+
+/* ?rotg: the rotation with c a + s b = r, -conj(s) a + c b = 0. a is replaced by r; in real precisions b by z,
+ * from which c and s can be computed: z = s where |a| > |b|, else 1 / c, or 1 where c = 0.
+ * A zero b gives c = 1, s = 0. No intermediate result overflows or underflows where r does not.
+ * Source: Anderson, "Algorithm 978: Safe Scaling in the Level 1 BLAS", ACM TOMS 44(1), 2017. */
+VOX_FORTRAN(void, srotg, SROTG, (float *a, float *b, float *c, float *s));
+VOX_FORTRAN(void, drotg, DROTG, (double *a, double *b, double *c, double *s));
+VOX_FORTRAN(void, crotg, CROTG,
+            (vox_complex_float * a, const vox_complex_float *b, float *c, vox_complex_float *s));
+VOX_FORTRAN(void, zrotg, ZROTG,
+            (vox_complex_double * a, const vox_complex_double *b, double *c,
+             vox_complex_double *s));
+
+/* ?rotm: x_i := h11 x_i + h12 y_i, y_i := h21 x_i + h22 y_i. param: a flag, then h11, h21, h12, h22.
+ * Flag -1: all of these; 0: h11 = h22 = 1; 1: h12 = 1, h21 = -1; -2: the identity, nothing is done. What the
+ * flag says is not read from param.
+ * ?rotmg: the H for which H (sqrt(d1) x1, sqrt(d2) y1) scaled by the new d1, d2 has a zero second component;
+ * d1, d2 and x1 are replaced, and param set (only the entries that the flag does not say). d1 < 0 gives H = 0
+ * and zeros. d1, d2 are kept between 2^-24 and 2^24 unless they are zero or not finite. */
+VOX_FORTRAN(void, srotm, SROTM,
+            (const vox_int *n, float *x, const vox_int *incx, float *y, const vox_int *incy,
+             const float *param));
+VOX_FORTRAN(void, drotm, DROTM,
+            (const vox_int *n, double *x, const vox_int *incx, double *y, const vox_int *incy,
+             const double *param));
+VOX_FORTRAN(void, srotmg, SROTMG, (float *d1, float *d2, float *x1, const float *y1, float *param));
+VOX_FORTRAN(void, drotmg, DROTMG,
+            (double *d1, double *d2, double *x1, const double *y1, double *param));
+
+/* Level 1 with one vector compressed: x has nz elements, the i-th of which belongs to place indx[i] of y,
+ * counted from 1. nz < 1: nothing is done, sums are 0. Places that are written differ from each other.
+ * Source: Dodson, Grimes, Lewis, "Sparse Extensions to the FORTRAN Basic Linear Algebra Subprograms", ACM
+ * TOMS 17(2), 1991. Errors as for the dense routines with n = nz. */
+
+/* ?axpyi: y[indx] += alpha x; alpha = 0: nothing is done. */
+VOX_FORTRAN(void, saxpyi, SAXPYI,
+            (const vox_int *nz, const float *alpha, const float *x, const vox_int *indx, float *y));
+VOX_FORTRAN(void, daxpyi, DAXPYI,
+            (const vox_int *nz, const double *alpha, const double *x, const vox_int *indx,
+             double *y));
+VOX_FORTRAN(void, caxpyi, CAXPYI,
+            (const vox_int *nz, const vox_complex_float *alpha, const vox_complex_float *x,
+             const vox_int *indx, vox_complex_float *y));
+VOX_FORTRAN(void, zaxpyi, ZAXPYI,
+            (const vox_int *nz, const vox_complex_double *alpha, const vox_complex_double *x,
+             const vox_int *indx, vox_complex_double *y));
+
+/* ?doti, ?dotui: the sum of x_i y[indx_i]; ?dotci: of conj(x_i) y[indx_i]. */
+VOX_FORTRAN(float, sdoti, SDOTI,
+            (const vox_int *nz, const float *x, const vox_int *indx, const float *y));
+VOX_FORTRAN(double, ddoti, DDOTI,
+            (const vox_int *nz, const double *x, const vox_int *indx, const double *y));
+VOX_FORTRAN(vox_complex_float, cdotui, CDOTUI,
+            (const vox_int *nz, const vox_complex_float *x, const vox_int *indx,
+             const vox_complex_float *y));
+VOX_FORTRAN(vox_complex_double, zdotui, ZDOTUI,
+            (const vox_int *nz, const vox_complex_double *x, const vox_int *indx,
+             const vox_complex_double *y));
+VOX_FORTRAN(vox_complex_float, cdotci, CDOTCI,
+            (const vox_int *nz, const vox_complex_float *x, const vox_int *indx,
+             const vox_complex_float *y));
+VOX_FORTRAN(vox_complex_double, zdotci, ZDOTCI,
+            (const vox_int *nz, const vox_complex_double *x, const vox_int *indx,
+             const vox_complex_double *y));
+
+/* ?gthr: x := y[indx]; ?gthrz: the same, and zeros into those places of y. */
+VOX_FORTRAN(void, sgthr, SGTHR, (const vox_int *nz, const float *y, float *x, const vox_int *indx));
+VOX_FORTRAN(void, dgthr, DGTHR,
+            (const vox_int *nz, const double *y, double *x, const vox_int *indx));
+VOX_FORTRAN(void, cgthr, CGTHR,
+            (const vox_int *nz, const vox_complex_float *y, vox_complex_float *x,
+             const vox_int *indx));
+VOX_FORTRAN(void, zgthr, ZGTHR,
+            (const vox_int *nz, const vox_complex_double *y, vox_complex_double *x,
+             const vox_int *indx));
+VOX_FORTRAN(void, sgthrz, SGTHRZ, (const vox_int *nz, float *y, float *x, const vox_int *indx));
+VOX_FORTRAN(void, dgthrz, DGTHRZ, (const vox_int *nz, double *y, double *x, const vox_int *indx));
+VOX_FORTRAN(void, cgthrz, CGTHRZ,
+            (const vox_int *nz, vox_complex_float *y, vox_complex_float *x, const vox_int *indx));
+VOX_FORTRAN(void, zgthrz, ZGTHRZ,
+            (const vox_int *nz, vox_complex_double *y, vox_complex_double *x, const vox_int *indx));
+
+/* ?roti: x_i := c x_i + s y[indx_i], y[indx_i] := c y[indx_i] - s x_i. */
+VOX_FORTRAN(void, sroti, SROTI,
+            (const vox_int *nz, float *x, const vox_int *indx, float *y, const float *c,
+             const float *s));
+VOX_FORTRAN(void, droti, DROTI,
+            (const vox_int *nz, double *x, const vox_int *indx, double *y, const double *c,
+             const double *s));
+
+/* ?sctr: y[indx] := x. */
+VOX_FORTRAN(void, ssctr, SSCTR, (const vox_int *nz, const float *x, const vox_int *indx, float *y));
+VOX_FORTRAN(void, dsctr, DSCTR,
+            (const vox_int *nz, const double *x, const vox_int *indx, double *y));
+VOX_FORTRAN(void, csctr, CSCTR,
+            (const vox_int *nz, const vox_complex_float *x, const vox_int *indx,
+             vox_complex_float *y));
+VOX_FORTRAN(void, zsctr, ZSCTR,
+            (const vox_int *nz, const vox_complex_double *x, const vox_int *indx,
+             vox_complex_double *y));
 
 /*
  * Level 2: a matrix and a vector or two.

@@ -14,7 +14,132 @@ typedef enum { CblasUpper = 121, CblasLower = 122 } CBLAS_UPLO;
 typedef enum { CblasNonUnit = 131, CblasUnit = 132 } CBLAS_DIAG;
 typedef enum { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
 
+/* Level 1. Complex scalars and arrays of complex numbers are void pointers. */
+
+VOX_API float cblas_sdot(vox_int n, const float *x, vox_int incx, const float *y, vox_int incy);
 VOX_API double cblas_ddot(vox_int n, const double *x, vox_int incx, const double *y, vox_int incy);
+VOX_API double cblas_dsdot(vox_int n, const float *x, vox_int incx, const float *y, vox_int incy);
+VOX_API float cblas_sdsdot(vox_int n, float b, const float *x, vox_int incx, const float *y,
+                           vox_int incy);
+VOX_API void cblas_cdotu_sub(vox_int n, const void *x, vox_int incx, const void *y, vox_int incy,
+                             void *result);
+VOX_API void cblas_zdotu_sub(vox_int n, const void *x, vox_int incx, const void *y, vox_int incy,
+                             void *result);
+VOX_API void cblas_cdotc_sub(vox_int n, const void *x, vox_int incx, const void *y, vox_int incy,
+                             void *result);
+VOX_API void cblas_zdotc_sub(vox_int n, const void *x, vox_int incx, const void *y, vox_int incy,
+                             void *result);
+
+VOX_API float cblas_sasum(vox_int n, const float *x, vox_int incx);
+VOX_API double cblas_dasum(vox_int n, const double *x, vox_int incx);
+VOX_API float cblas_scasum(vox_int n, const void *x, vox_int incx);
+VOX_API double cblas_dzasum(vox_int n, const void *x, vox_int incx);
+
+VOX_API float cblas_snrm2(vox_int n, const float *x, vox_int incx);
+VOX_API double cblas_dnrm2(vox_int n, const double *x, vox_int incx);
+VOX_API float cblas_scnrm2(vox_int n, const void *x, vox_int incx);
+VOX_API double cblas_dznrm2(vox_int n, const void *x, vox_int incx);
+
+/* Places are counted from 0; 0 too when n < 1 or incx < 1. */
+#define CBLAS_INDEX size_t
+VOX_API CBLAS_INDEX cblas_isamax(vox_int n, const float *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_idamax(vox_int n, const double *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_icamax(vox_int n, const void *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_izamax(vox_int n, const void *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_isamin(vox_int n, const float *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_idamin(vox_int n, const double *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_icamin(vox_int n, const void *x, vox_int incx);
+VOX_API CBLAS_INDEX cblas_izamin(vox_int n, const void *x, vox_int incx);
+
+VOX_API float cblas_scabs1(const void *z);
+VOX_API double cblas_dcabs1(const void *z);
+
+VOX_API void cblas_scopy(vox_int n, const float *x, vox_int incx, float *y, vox_int incy);
+VOX_API void cblas_dcopy(vox_int n, const double *x, vox_int incx, double *y, vox_int incy);
+VOX_API void cblas_ccopy(vox_int n, const void *x, vox_int incx, void *y, vox_int incy);
+VOX_API void cblas_zcopy(vox_int n, const void *x, vox_int incx, void *y, vox_int incy);
+VOX_API void cblas_sswap(vox_int n, float *x, vox_int incx, float *y, vox_int incy);
+VOX_API void cblas_dswap(vox_int n, double *x, vox_int incx, double *y, vox_int incy);
+VOX_API void cblas_cswap(vox_int n, void *x, vox_int incx, void *y, vox_int incy);
+VOX_API void cblas_zswap(vox_int n, void *x, vox_int incx, void *y, vox_int incy);
+
+VOX_API void cblas_sscal(vox_int n, float alpha, float *x, vox_int incx);
+VOX_API void cblas_dscal(vox_int n, double alpha, double *x, vox_int incx);
+VOX_API void cblas_cscal(vox_int n, const void *alpha, void *x, vox_int incx);
+VOX_API void cblas_zscal(vox_int n, const void *alpha, void *x, vox_int incx);
+VOX_API void cblas_csscal(vox_int n, float alpha, void *x, vox_int incx);
+VOX_API void cblas_zdscal(vox_int n, double alpha, void *x, vox_int incx);
+
+VOX_API void cblas_saxpy(vox_int n, float alpha, const float *x, vox_int incx, float *y,
+                         vox_int incy);
+VOX_API void cblas_daxpy(vox_int n, double alpha, const double *x, vox_int incx, double *y,
+                         vox_int incy);
+VOX_API void cblas_caxpy(vox_int n, const void *alpha, const void *x, vox_int incx, void *y,
+                         vox_int incy);
+VOX_API void cblas_zaxpy(vox_int n, const void *alpha, const void *x, vox_int incx, void *y,
+                         vox_int incy);
+
+VOX_API void cblas_saxpby(vox_int n, float alpha, const float *x, vox_int incx, float beta,
+                          float *y, vox_int incy);
+VOX_API void cblas_daxpby(vox_int n, double alpha, const double *x, vox_int incx, double beta,
+                          double *y, vox_int incy);
+VOX_API void cblas_caxpby(vox_int n, const void *alpha, const void *x, vox_int incx,
+                          const void *beta, void *y, vox_int incy);
+VOX_API void cblas_zaxpby(vox_int n, const void *alpha, const void *x, vox_int incx,
+                          const void *beta, void *y, vox_int incy);
+
+VOX_API void cblas_srot(vox_int n, float *x, vox_int incx, float *y, vox_int incy, float c,
+                        float s);
+VOX_API void cblas_drot(vox_int n, double *x, vox_int incx, double *y, vox_int incy, double c,
+                        double s);
+VOX_API void cblas_csrot(vox_int n, void *x, vox_int incx, void *y, vox_int incy, float c, float s);
+VOX_API void cblas_zdrot(vox_int n, void *x, vox_int incx, void *y, vox_int incy, double c,
+                         double s);
+
+VOX_API void cblas_srotg(float *a, float *b, float *c, float *s);
+VOX_API void cblas_drotg(double *a, double *b, double *c, double *s);
+VOX_API void cblas_crotg(void *a, const void *b, float *c, void *s);
+VOX_API void cblas_zrotg(void *a, const void *b, double *c, void *s);
+
+VOX_API void cblas_srotm(vox_int n, float *x, vox_int incx, float *y, vox_int incy,
+                         const float *param);
+VOX_API void cblas_drotm(vox_int n, double *x, vox_int incx, double *y, vox_int incy,
+                         const double *param);
+VOX_API void cblas_srotmg(float *d1, float *d2, float *x1, float y1, float *param);
+VOX_API void cblas_drotmg(double *d1, double *d2, double *x1, double y1, double *param);
+
+/* One vector compressed: places indx[i] of y are counted from 0. */
+VOX_API void cblas_saxpyi(vox_int nz, float alpha, const float *x, const vox_int *indx, float *y);
+VOX_API void cblas_daxpyi(vox_int nz, double alpha, const double *x, const vox_int *indx,
+                          double *y);
+VOX_API void cblas_caxpyi(vox_int nz, const void *alpha, const void *x, const vox_int *indx,
+                          void *y);
+VOX_API void cblas_zaxpyi(vox_int nz, const void *alpha, const void *x, const vox_int *indx,
+                          void *y);
+VOX_API float cblas_sdoti(vox_int nz, const float *x, const vox_int *indx, const float *y);
+VOX_API double cblas_ddoti(vox_int nz, const double *x, const vox_int *indx, const double *y);
+VOX_API void cblas_cdotui_sub(vox_int nz, const void *x, const vox_int *indx, const void *y,
+                              void *result);
+VOX_API void cblas_zdotui_sub(vox_int nz, const void *x, const vox_int *indx, const void *y,
+                              void *result);
+VOX_API void cblas_cdotci_sub(vox_int nz, const void *x, const vox_int *indx, const void *y,
+                              void *result);
+VOX_API void cblas_zdotci_sub(vox_int nz, const void *x, const vox_int *indx, const void *y,
+                              void *result);
+VOX_API void cblas_sgthr(vox_int nz, const float *y, float *x, const vox_int *indx);
+VOX_API void cblas_dgthr(vox_int nz, const double *y, double *x, const vox_int *indx);
+VOX_API void cblas_cgthr(vox_int nz, const void *y, void *x, const vox_int *indx);
+VOX_API void cblas_zgthr(vox_int nz, const void *y, void *x, const vox_int *indx);
+VOX_API void cblas_sgthrz(vox_int nz, float *y, float *x, const vox_int *indx);
+VOX_API void cblas_dgthrz(vox_int nz, double *y, double *x, const vox_int *indx);
+VOX_API void cblas_cgthrz(vox_int nz, void *y, void *x, const vox_int *indx);
+VOX_API void cblas_zgthrz(vox_int nz, void *y, void *x, const vox_int *indx);
+VOX_API void cblas_sroti(vox_int nz, float *x, const vox_int *indx, float *y, float c, float s);
+VOX_API void cblas_droti(vox_int nz, double *x, const vox_int *indx, double *y, double c, double s);
+VOX_API void cblas_ssctr(vox_int nz, const float *x, const vox_int *indx, float *y);
+VOX_API void cblas_dsctr(vox_int nz, const double *x, const vox_int *indx, double *y);
+VOX_API void cblas_csctr(vox_int nz, const void *x, const vox_int *indx, void *y);
+VOX_API void cblas_zsctr(vox_int nz, const void *x, const vox_int *indx, void *y);
 
 /*
  * Level 2: as in blas.h, with the layout first.

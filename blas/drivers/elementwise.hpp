@@ -1,0 +1,72 @@
+// elementwise.hpp - scal, copy, swap, axpy, axpby, rot, rotm: quick returns and threads.
+#pragma once
+
+#include "blas/drivers/parts.hpp"
+#include "serv/scalar.hpp"
+
+namespace vox::level1 {
+
+// Two threads gain from about here on; below, waking one costs more than half of the work.
+template <class T>
+constexpr parts::rule cut_updates = {128 * 1024 / index_t(sizeof(T)),
+                                     64 * 1024 / index_t(sizeof(T))};
+
+template <class Kernel, class S, class T>
+inline void scal(Kernel kernel, index_t n, const S *alpha, T *x, index_t incx) {
+    if (n < 1 || incx < 1 || *alpha == one<S>)
+        return;
+    parts::update(n, cut_updates<T>, true,
+                  [=](const parts::piece &p) { kernel(&p.length, alpha, p.of(x, incx), &incx); });
+}
+
+// copy, swap.
+template <class Kernel, class X, class Y>
+inline void move(Kernel kernel, index_t n, X *x, index_t incx, Y *y, index_t incy) {
+    if (n < 1)
+        return;
+    parts::update(n, cut_updates<Y>, incx != 0 && incy != 0, [=](const parts::piece &p) {
+        kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy);
+    });
+}
+
+template <class Kernel, class T>
+inline void axpy(Kernel kernel, index_t n, const T *alpha, const T *x, index_t incx, T *y,
+                 index_t incy) {
+    if (n < 1 || is_zero(*alpha))
+        return;
+    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
+        kernel(&p.length, alpha, p.of(x, incx), &incx, p.of(y, incy), &incy);
+    });
+}
+
+template <class Kernel, class T>
+inline void axpby(Kernel kernel, index_t n, const T *alpha, const T *x, index_t incx, const T *beta,
+                  T *y, index_t incy) {
+    if (n < 1)
+        return;
+    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
+        kernel(&p.length, alpha, p.of(x, incx), &incx, beta, p.of(y, incy), &incy);
+    });
+}
+
+template <class Kernel, class T, class S>
+inline void rot(Kernel kernel, index_t n, T *x, index_t incx, T *y, index_t incy,
+                const real_of<T> *c, const S *s) {
+    if (n < 1)
+        return;
+    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
+        kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy, c, s);
+    });
+}
+
+// Flag -2 stands for the identity.
+template <class Kernel, class T>
+inline void rotm(Kernel kernel, index_t n, T *x, index_t incx, T *y, index_t incy, const T *param) {
+    if (n < 1 || *param == -2)
+        return;
+    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
+        kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy, param);
+    });
+}
+
+} // namespace vox::level1
