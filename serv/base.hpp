@@ -13,6 +13,9 @@ using index_t = int64_t;
 #define VOX_LIKELY(condition) __builtin_expect(!!(condition), 1)
 #define VOX_UNLIKELY(condition) __builtin_expect(!!(condition), 0)
 
+// For lambdas, whose calls are not always inlined otherwise: [&](auto i) VOX_INLINED { ... }.
+#define VOX_INLINED __attribute__((always_inline))
+
 // A second name for a function of this file, as an ELF alias: no code, no call. The public header
 // declares both names.
 #define VOX_ALIAS(name, existing)                                                                  \

@@ -1,7 +1,7 @@
 // entry.hpp - from an exported Fortran-callable routine to its driver: integers widened to 64 bits,
 // and the call printed when verbose mode is on.
 //
-//   return vox::logged("DDOT", driver, n, x, incx, y, incy);
+//   return vox::logged("DDOT", driver, internal, n, x, incx, y, incy);
 //
 // calls the driver with the integers by value as 64-bit integers; everything else passes through.
 // In verbose mode the line shows every argument by its type: integers by value, characters, and the
@@ -66,11 +66,12 @@ __attribute__((cold, noinline)) auto print_and_call(const char *routine, Driver 
     return driver(widened(arguments)...);
 }
 
-template <class Driver, class... A>
+// internal: the same driver out of line, for the printed call.
+template <class Driver, class Internal, class... A>
 __attribute__((always_inline)) inline auto logged(const char *routine, Driver driver,
-                                                  A... arguments) {
+                                                  Internal internal, A... arguments) {
     if (VOX_UNLIKELY(verbose_on()))
-        return print_and_call(routine, driver, arguments...);
+        return print_and_call(routine, internal, arguments...);
     return driver(widened(arguments)...);
 }
 

@@ -12,9 +12,6 @@
 #error "kernel sources are compiled by vox_add_kernels"
 #endif
 
-// For lambdas, whose calls are not always inlined otherwise: [&](auto i) VOX_INLINED { ... }.
-#define VOX_INLINED __attribute__((always_inline))
-
 // VOX_KERNEL(blas, ddot) is vox_blas_avx2_xddot in the avx2 copy.
 #define VOX_KERNEL(family, routine) VOX_KERNEL_1(family, VOX_PATH, routine)
 #define VOX_KERNEL_1(family, path, routine) VOX_KERNEL_2(family, path, routine)

@@ -270,6 +270,21 @@ inline V swap_pairs(V v) {
         return __builtin_shufflevector(v, v, 1, 0);
 }
 
+// The even lanes, each twice, and the odd ones: real and imaginary parts.
+template <class V, int... I>
+inline V twice(V v, int odd, std::integer_sequence<int, I...>) {
+    return odd ? __builtin_shufflevector(v, v, (I | 1)...)
+               : __builtin_shufflevector(v, v, (I & ~1)...);
+}
+template <class V>
+inline V even_twice(V v) {
+    return twice(v, 0, std::make_integer_sequence<int, int(sizeof(V) / sizeof(v[0]))>());
+}
+template <class V>
+inline V odd_twice(V v) {
+    return twice(v, 1, std::make_integer_sequence<int, int(sizeof(V) / sizeof(v[0]))>());
+}
+
 // Sums of neighbouring blocks of G lanes, of a and of b in turn: a0 + a1, b0 + b1, a2 + a3, ...
 template <int G, class V, int... I>
 inline V mix(V a, V b, std::integer_sequence<int, I...>) {
@@ -278,7 +293,8 @@ inline V mix(V a, V b, std::integer_sequence<int, I...>) {
            __builtin_shufflevector(a, b, ((I / G % 2) * n + I / (2 * G) * 2 * G + G + I % G)...);
 }
 
-// out[k] = the sum of all lanes of v[k]. Together, since K sums cost few shuffles more than one.
+// out[k] = the sum of all lanes of v[k]; for G = 2, the sums of the even and of the odd ones, and so
+// on. Together, since K sums cost few shuffles more than one.
 template <int K, int G = 1, class V, class R>
 inline void reduce_add_all(const V (&v)[K], R *out) {
     constexpr int n = int(sizeof(V) / sizeof(R));

@@ -71,7 +71,7 @@ struct c_target {
         if (offered)
             fortran(arguments...);
         else
-            logged(logged_name, beyond, arguments...);
+            logged(logged_name, beyond, beyond, arguments...);
     }
 };
 template <class Fortran, class Driver>

@@ -24,6 +24,17 @@ constexpr auto by_value(Driver driver) {
     };
 }
 
+// The other way round: an internal routine as a driver.
+[[gnu::always_inline]] inline const index_t *addressed(const index_t &integer) { return &integer; }
+template <class A>
+[[gnu::always_inline]] inline A addressed(const A &argument) {
+    return argument;
+}
+template <class R, class... A>
+constexpr auto out_of_line(R (*routine)(A...)) {
+    return [routine](auto... arguments) { return routine(addressed(arguments)...); };
+}
+
 // Real scalars come by value in C, complex ones by address; arrays of complex numbers are void.
 template <class T>
 using c_scalar = std::conditional_t<is_complex<T>, const void *, T>;
@@ -55,7 +66,7 @@ template <class T>
 #define VOX_BLAS_ROUTINE(result, lower, upper, parameters, internal, arguments, driver)            \
     extern "C" result vox_blas_##lower internal { return vox::by_value(driver) arguments; }        \
     extern "C" result lower##_ parameters {                                                        \
-        return vox::logged(#upper, driver, VOX_BARE arguments);                                    \
+        return vox::logged(#upper, driver, driver, VOX_BARE arguments);                            \
     }                                                                                              \
     VOX_FORTRAN_ALIASES(lower, upper);
 
@@ -67,7 +78,10 @@ template <class T>
         return vox::errchk::report(#upper, rule arguments);                                        \
     }                                                                                              \
     extern "C" void lower##_ parameters {                                                          \
-        if (VOX_LIKELY(!vox_blas_errchk_##lower arguments))                                        \
-            vox::logged(#upper, driver, VOX_BARE arguments);                                       \
+        const int bad = rule arguments;                                                            \
+        if (VOX_UNLIKELY(bad))                                                                     \
+            vox::errchk::report_bad(#upper, bad);                                                  \
+        else                                                                                       \
+            vox::logged(#upper, driver, vox::out_of_line(vox_blas_##lower), VOX_BARE arguments);   \
     }                                                                                              \
     VOX_FORTRAN_ALIASES(lower, upper);

@@ -13,11 +13,11 @@ namespace {
 using namespace vox;
 
 constexpr auto check_gemv = [](auto trans, auto m, auto n, auto, auto, auto lda, auto, auto incx,
-                               auto, auto, auto incy) {
+                               auto, auto, auto incy) VOX_INLINED {
     return errchk::gemv(errchk::bad_trans(trans), *m, *n, *lda, *m, *incx, *incy);
 };
 constexpr auto check_gbmv = [](auto trans, auto m, auto n, auto kl, auto ku, auto, auto, auto lda,
-                               auto, auto incx, auto, auto, auto incy) {
+                               auto, auto incx, auto, auto, auto incy) VOX_INLINED {
     return errchk::gbmv(errchk::bad_trans(trans), *m, *n, *kl, *ku, *lda, *incx, *incy);
 };
 
@@ -41,13 +41,14 @@ multiply(Kernel kernel, const char *trans, columns<const T> a, index_t m, index_
 }
 
 constexpr auto gemv = [](auto kernel, const char *trans, index_t m, index_t n, auto alpha, auto a,
-                         index_t lda, auto x, index_t incx, auto beta, auto y, index_t incy) {
+                         index_t lda, auto x, index_t incx, auto beta, auto y,
+                         index_t incy) VOX_INLINED {
     multiply(kernel, trans, columns<std::remove_pointer_t<decltype(a)>>{a, lda}, m, n, m * n, alpha,
              x, incx, beta, y, incy);
 };
 constexpr auto gbmv = [](auto kernel, const char *trans, index_t m, index_t n, index_t kl,
                          index_t ku, auto alpha, auto a, index_t lda, auto x, index_t incx,
-                         auto beta, auto y, index_t incy) {
+                         auto beta, auto y, index_t incy) VOX_INLINED {
     const index_t width = kl + ku + 1;
     multiply(kernel, trans, band(a, lda, kl, ku), m, n, n * (width < m ? width : m), alpha, x, incx,
              beta, y, incy);
@@ -89,8 +90,8 @@ void c_gbmv(const char *name, const Target &target, CBLAS_LAYOUT layout, CBLAS_T
 
 #define GEMV(p, P, T)                                                                              \
     VOX_DISPATCH(blas, p##gemv, void, (const vox::product_job<T> *job), (job))                     \
-    static constexpr auto p##gemv_driver = [](auto... a) { gemv(x##p##gemv, a...); };              \
-    static constexpr auto p##gbmv_driver = [](auto... a) { gbmv(x##p##gemv, a...); };              \
+    static constexpr auto p##gemv_driver = [](auto... a) VOX_INLINED { gemv(x##p##gemv, a...); };  \
+    static constexpr auto p##gbmv_driver = [](auto... a) VOX_INLINED { gbmv(x##p##gemv, a...); };  \
     VOX_BLAS_CHECKED_ROUTINE(p##gemv, P##GEMV, VOX_GEMV_PARAMETERS(T, vox_int),                    \
                              VOX_GEMV_PARAMETERS(T, vox::index_t), VOX_GEMV_ARGUMENTS, check_gemv, \
                              p##gemv_driver)                                                       \

@@ -12,8 +12,9 @@ namespace {
 
 using namespace vox;
 
-constexpr auto check_ger = [](auto m, auto n, auto, auto, auto incx, auto, auto incy, auto,
-                              auto lda) { return errchk::ger(*m, *n, *incx, *incy, *lda, *m); };
+constexpr auto check_ger =
+    [](auto m, auto n, auto, auto, auto incx, auto, auto incy, auto, auto lda)
+        VOX_INLINED { return errchk::ger(*m, *n, *incx, *incy, *lda, *m); };
 
 template <class T>
 bool nothing_to_do(index_t m, index_t n, const T *alpha) {
@@ -25,7 +26,7 @@ enum class conjugated { none, x, y };
 
 template <conjugated which, class Kernel>
 constexpr auto ger = [](index_t m, index_t n, auto alpha, auto x, index_t incx, auto y,
-                        index_t incy, auto a, index_t lda) {
+                        index_t incy, auto a, index_t lda) VOX_INLINED {
     using T = std::remove_pointer_t<decltype(a)>;
     if (nothing_to_do(m, n, alpha))
         return;

@@ -19,7 +19,7 @@ constexpr auto smaller = [](auto a, auto b) { return a < b; };
         return lower##_driver(*n, x, *incx);                                                       \
     }                                                                                              \
     extern "C" vox_int lower##_ VOX_VECTOR_PARAMETERS(T, vox_int) {                                \
-        return vox_int(vox::logged(#upper, lower##_driver, n, x, incx));                           \
+        return vox_int(vox::logged(#upper, lower##_driver, lower##_driver, n, x, incx));           \
     }                                                                                              \
     VOX_FORTRAN_ALIASES(lower, upper);                                                             \
     extern "C" CBLAS_INDEX cblas_##lower(vox_int n, vox::c_in<T> x, vox_int incx) {                \

@@ -12,18 +12,15 @@ namespace {
 
 using namespace vox;
 
-constexpr auto check_symv = [](auto uplo, auto n, auto, auto, auto lda, auto, auto incx, auto, auto,
-                               auto incy) {
-    return errchk::symv(errchk::bad_uplo(uplo), *n, *lda, *incx, *incy);
-};
-constexpr auto check_sbmv = [](auto uplo, auto n, auto k, auto, auto, auto lda, auto, auto incx,
-                               auto, auto, auto incy) {
-    return errchk::sbmv(errchk::bad_uplo(uplo), *n, *k, *lda, *incx, *incy);
-};
-constexpr auto check_spmv = [](auto uplo, auto n, auto, auto, auto, auto incx, auto, auto,
-                               auto incy) {
-    return errchk::spmv(errchk::bad_uplo(uplo), *n, *incx, *incy);
-};
+constexpr auto check_symv =
+    [](auto uplo, auto n, auto, auto, auto lda, auto, auto incx, auto, auto, auto incy)
+        VOX_INLINED { return errchk::symv(errchk::bad_uplo(uplo), *n, *lda, *incx, *incy); };
+constexpr auto check_sbmv =
+    [](auto uplo, auto n, auto k, auto, auto, auto lda, auto, auto incx, auto, auto, auto incy)
+        VOX_INLINED { return errchk::sbmv(errchk::bad_uplo(uplo), *n, *k, *lda, *incx, *incy); };
+constexpr auto check_spmv =
+    [](auto uplo, auto n, auto, auto, auto, auto incx, auto, auto, auto incy)
+        VOX_INLINED { return errchk::spmv(errchk::bad_uplo(uplo), *n, *incx, *incy); };
 
 template <class T>
 bool nothing_to_do(index_t n, const T *alpha, const T *beta) {
@@ -47,21 +44,21 @@ multiply(Kernel kernel, mirror kind, bool upper, columns<const T> a, index_t n, 
 
 template <mirror kind, class Kernel>
 constexpr auto symv = [](auto uplo, index_t n, auto alpha, auto a, index_t lda, auto x,
-                         index_t incx, auto beta, auto y, index_t incy) {
+                         index_t incx, auto beta, auto y, index_t incy) VOX_INLINED {
     const bool upper = errchk::is(uplo, 'u');
     multiply(Kernel(), kind, upper, full_triangle(upper, a, lda), n, n * n / 2, alpha, x, incx,
              beta, y, incy);
 };
 template <mirror kind, class Kernel>
 constexpr auto sbmv = [](auto uplo, index_t n, index_t k, auto alpha, auto a, index_t lda, auto x,
-                         index_t incx, auto beta, auto y, index_t incy) {
+                         index_t incx, auto beta, auto y, index_t incy) VOX_INLINED {
     const bool upper = errchk::is(uplo, 'u');
     multiply(Kernel(), kind, upper, band_triangle(upper, a, lda, k), n, n * (k < n ? k : n), alpha,
              x, incx, beta, y, incy);
 };
 template <mirror kind, class Kernel>
 constexpr auto spmv = [](auto uplo, index_t n, auto alpha, auto ap, auto x, index_t incx, auto beta,
-                         auto y, index_t incy) {
+                         auto y, index_t incy) VOX_INLINED {
     const bool upper = errchk::is(uplo, 'u');
     multiply(Kernel(), kind, upper, packed_triangle(upper, ap, n), n, n * n / 2, alpha, x, incx,
              beta, y, incy);

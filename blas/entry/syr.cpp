@@ -11,19 +11,18 @@ namespace {
 
 using namespace vox;
 
-constexpr auto check_syr = [](auto uplo, auto n, auto, auto, auto incx, auto, auto lda) {
-    return errchk::syr(errchk::bad_uplo(uplo), *n, *incx, *lda);
-};
-constexpr auto check_spr = [](auto uplo, auto n, auto, auto, auto incx, auto) {
+constexpr auto check_syr =
+    [](auto uplo, auto n, auto, auto, auto incx, auto, auto lda)
+        VOX_INLINED { return errchk::syr(errchk::bad_uplo(uplo), *n, *incx, *lda); };
+constexpr auto check_spr = [](auto uplo, auto n, auto, auto, auto incx, auto) VOX_INLINED {
     return errchk::spr(errchk::bad_uplo(uplo), *n, *incx);
 };
-constexpr auto check_syr2 = [](auto uplo, auto n, auto, auto, auto incx, auto, auto incy, auto,
-                               auto lda) {
-    return errchk::syr2(errchk::bad_uplo(uplo), *n, *incx, *incy, *lda);
-};
-constexpr auto check_spr2 = [](auto uplo, auto n, auto, auto, auto incx, auto, auto incy, auto) {
-    return errchk::spr2(errchk::bad_uplo(uplo), *n, *incx, *incy);
-};
+constexpr auto check_syr2 =
+    [](auto uplo, auto n, auto, auto, auto incx, auto, auto incy, auto, auto lda)
+        VOX_INLINED { return errchk::syr2(errchk::bad_uplo(uplo), *n, *incx, *incy, *lda); };
+constexpr auto check_spr2 =
+    [](auto uplo, auto n, auto, auto, auto incx, auto, auto incy, auto)
+        VOX_INLINED { return errchk::spr2(errchk::bad_uplo(uplo), *n, *incx, *incy); };
 
 // Symmetric, Hermitian, or Hermitian with the vectors conjugated, which the C forms need for
 // row-major matrices.
@@ -84,13 +83,14 @@ constexpr auto syr =
         rank_one<k>(Kernel(), upper, full_triangle(upper, a, lda), n, alpha, x, incx);
     };
 template <kind k, class Kernel>
-constexpr auto spr = [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto ap) {
-    const bool upper = errchk::is(uplo, 'u');
-    rank_one<k>(Kernel(), upper, packed_triangle(upper, ap, n), n, alpha, x, incx);
-};
+constexpr auto spr =
+    [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto ap) VOX_INLINED {
+        const bool upper = errchk::is(uplo, 'u');
+        rank_one<k>(Kernel(), upper, packed_triangle(upper, ap, n), n, alpha, x, incx);
+    };
 template <kind k, class Kernel>
 constexpr auto syr2 = [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto y,
-                         index_t incy, auto a, index_t lda) {
+                         index_t incy, auto a, index_t lda) VOX_INLINED {
     const bool upper = errchk::is(uplo, 'u');
     rank_two<k>(Kernel(), upper, full_triangle(upper, a, lda), n, alpha, x, incx, y, incy);
 };

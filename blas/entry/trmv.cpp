@@ -13,16 +13,17 @@ namespace {
 using namespace vox;
 
 constexpr auto check_full = [](auto uplo, auto trans, auto diag, auto n, auto, auto lda, auto,
-                               auto incx) {
+                               auto incx) VOX_INLINED {
     return errchk::trmv(errchk::bad_uplo(uplo), errchk::bad_trans(trans), errchk::bad_diag(diag),
                         *n, *lda, *incx);
 };
 constexpr auto check_band = [](auto uplo, auto trans, auto diag, auto n, auto k, auto, auto lda,
-                               auto, auto incx) {
+                               auto, auto incx) VOX_INLINED {
     return errchk::tbmv(errchk::bad_uplo(uplo), errchk::bad_trans(trans), errchk::bad_diag(diag),
                         *n, *k, *lda, *incx);
 };
-constexpr auto check_packed = [](auto uplo, auto trans, auto diag, auto n, auto, auto, auto incx) {
+constexpr auto check_packed = [](auto uplo, auto trans, auto diag, auto n, auto, auto,
+                                 auto incx) VOX_INLINED {
     return errchk::tpmv(errchk::bad_uplo(uplo), errchk::bad_trans(trans), errchk::bad_diag(diag),
                         *n, *incx);
 };
@@ -37,14 +38,14 @@ constexpr auto check_packed = [](auto uplo, auto trans, auto diag, auto n, auto,
 // Kernel: of the operation on a triangle; Product: of the product with what lies beside it.
 template <bool solve, class Kernel, class Product>
 constexpr auto full = [](auto uplo, auto trans, auto diag, index_t n, auto a, index_t lda, auto x,
-                         index_t incx) {
+                         index_t incx) VOX_INLINED {
     const triangular::options o = options_of(uplo, trans, diag);
     if (n > 0)
         triangular::run(Kernel(), Product(), solve, o, full_triangle(o.upper, a, lda), n, x, incx);
 };
 template <bool solve, class Kernel, class Product>
 constexpr auto banded = [](auto uplo, auto trans, auto diag, index_t n, index_t k, auto a,
-                           index_t lda, auto x, index_t incx) {
+                           index_t lda, auto x, index_t incx) VOX_INLINED {
     const triangular::options o = options_of(uplo, trans, diag);
     if (n > 0)
         triangular::run(Kernel(), Product(), solve, o, band_triangle(o.upper, a, lda, k), n, x,
@@ -52,7 +53,7 @@ constexpr auto banded = [](auto uplo, auto trans, auto diag, index_t n, index_t 
 };
 template <bool solve, class Kernel, class Product>
 constexpr auto packed = [](auto uplo, auto trans, auto diag, index_t n, auto ap, auto x,
-                           index_t incx) {
+                           index_t incx) VOX_INLINED {
     const triangular::options o = options_of(uplo, trans, diag);
     if (n > 0)
         triangular::run(Kernel(), Product(), solve, o, packed_triangle(o.upper, ap, n), n, x, incx);

@@ -29,12 +29,38 @@ VOX_PANEL void scale(T beta, T *y, index_t n) {
     });
 }
 
-// y += alpha A x for a tile of rows, the last vector of which may be a part: the sums stay in
+// beta y + v, for beta = 0 without a look at y.
+template <class T>
+struct join_y {
+    bool none, plain;
+    T beta;
+    VOX_PANEL explicit join_y(T b)
+        : none(is_zero(b)), plain(real(b) == 1 && imag(b) == 0), beta(b) {}
+
+    VOX_PANEL T operator()(T y, T v) const { return plain ? y + v : beta * y + v; }
+    template <class Access>
+    VOX_PANEL void put(T *y, vec<real_of<T>> v, Access access) const {
+        if (!none) {
+            const auto old = access.get(y);
+            if (plain)
+                v += old;
+            else if constexpr (is_complex<T>)
+                v = fma(swap_pairs(old), broadcast_pair(-imag(beta), imag(beta)),
+                        fma(old, broadcast(real(beta)), v));
+            else
+                v = fma(old, broadcast(beta), v);
+        }
+        access.put(y, v);
+    }
+};
+
+// y := beta y + alpha A x for a tile of rows, the last vector of which may be a part: the sums stay in
 // registers over all columns. Columns in turn go to different sums, so that as many additions are
 // in flight as the units can take.
 template <int Vectors, class T, class Access>
 VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end_column,
-                    index_t row, T alpha, const T *x, T *y, bool conjugate, Access last) {
+                    index_t row, T alpha, const T *x, const join_y<T> &join_with, T *y,
+                    bool conjugate, Access last) {
     using R = real_of<T>;
     constexpr int w = width<T>;
     constexpr int turns = Vectors * parts<T> >= 8 ? 1 : Vectors * parts<T> >= 4 ? 2 : 4;
@@ -70,9 +96,9 @@ VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end
             T *const out = y + row + v * w;
             if constexpr (is_complex<T>) {
                 const auto sum = fma(swap_pairs(im[v][0]), join.of_im, re[v][0] * join.of_re);
-                access.put(out, fma(swap_pairs(sum), a_im, fma(sum, a_re, access.get(out))));
+                join_with.put(out, fma(swap_pairs(sum), a_im, sum * a_re), access);
             } else {
-                access.put(out, fma(re[v][0], a_re, access.get(out)));
+                join_with.put(out, re[v][0] * a_re, access);
             }
         };
         if constexpr (v == Vectors - 1)
@@ -85,9 +111,10 @@ VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end
 template <class T>
 VOX_PANEL void in_tiles(const product_job<T> &job) {
     constexpr int w = width<T>, most = 8 / parts<T>;
+    const join_y<T> join(job.beta);
     index_t row = job.first_row;
     const auto rows = [&](auto vectors, auto last) VOX_INLINED {
-        tile<vectors>(job.a, job.first_column, job.end_column, row, job.alpha, job.x, job.y,
+        tile<vectors>(job.a, job.first_column, job.end_column, row, job.alpha, job.x, join, job.y,
                       job.conjugate, last);
         row += vectors * w;
     };
@@ -111,32 +138,45 @@ VOX_PANEL bool is_near(const product_job<T> &job) {
            size * index_t(sizeof(T)) < near_bytes;
 }
 
+// Columns in the given groups against x; y takes one element from each.
+template <int... Groups, class T>
+VOX_PANEL void along_columns(const product_job<T> &job) {
+    const join_y<T> join(job.beta);
+    for_groups<Groups...>(
+        true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
+            T t[count];
+            along_clipped<count>(job.a, j, job.first_row, job.end_row, job.x, t, job.conjugate);
+            T *const y = job.y + j;
+            if (join.none)
+                unroll<count>([&](auto c) VOX_INLINED { y[c] = job.alpha * t[c]; });
+            else
+                unroll<count>([&](auto c) VOX_INLINED { y[c] = join(y[c], job.alpha * t[c]); });
+        });
+}
+
+template <class T>
+VOX_PANEL void across_columns(const product_job<T> &job) {
+    const index_t first = job.first_row, end = job.end_row;
+    scale(job.beta, job.y + first, end - first);
+    for_groups<group<T>, 1>(
+        true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
+            T s[count];
+            unroll<count>([&](auto c) VOX_INLINED { s[c] = job.alpha * job.x[j + c]; });
+            across_clipped<count>(job.a, j, first, end, s, job.y, job.conjugate);
+        });
+}
+
 template <class T>
 VOX_PANEL void gemv(const product_job<T> &job) {
-    const index_t first = job.first_row, end = job.end_row;
-    T *const y = job.y;
-    if (job.transposed)
-        scale(job.beta, y + job.first_column, job.end_column - job.first_column);
-    else
-        scale(job.beta, y + first, end - first);
-    if (is_zero(job.alpha))
-        return;
-    if (job.transposed)
-        for_groups<group_of_along<T>, group<T>, 1>(
-            true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
-                T t[count];
-                along_clipped<count>(job.a, j, first, end, job.x, t, job.conjugate);
-                unroll<count>([&](auto c) VOX_INLINED { y[j + c] += job.alpha * t[c]; });
-            });
+    if (VOX_UNLIKELY(is_zero(job.alpha)))
+        scale(job.beta, job.y + (job.transposed ? job.first_column : job.first_row),
+              job.transposed ? job.end_column - job.first_column : job.end_row - job.first_row);
+    else if (job.transposed)
+        along_columns<group_of_along<T>, group<T>, 1>(job);
     else if (is_near(job))
         in_tiles(job);
     else
-        for_groups<group<T>, 1>(
-            true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
-                T s[count];
-                unroll<count>([&](auto c) VOX_INLINED { s[c] = job.alpha * job.x[j + c]; });
-                across_clipped<count>(job.a, j, first, end, s, y, job.conjugate);
-            });
+        across_columns(job);
 }
 
 } // namespace

@@ -147,44 +147,46 @@ VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bo
     });
 }
 
-// Sums of a_c x along the columns, before they are joined: the products with x, and, for complex
-// numbers, with x of which real and imaginary parts are exchanged.
-template <int C, class T, int Unrolled>
-struct column_sums {
-    vec<real_of<T>> of[C * parts<T>][Unrolled] = {};
-
-    template <int U, class V>
-    VOX_PANEL void add(constant<U>, int c, V a, V x, V swapped_x) {
-        of[c * parts<T>][U] = fma(a, x, of[c * parts<T>][U]);
-        if constexpr (is_complex<T>)
-            of[c * parts<T> + 1][U] = fma(a, swapped_x, of[c * parts<T> + 1][U]);
-    }
-    VOX_PANEL void total(T *t, bool conjugate) {
-        using R = real_of<T>;
-        vec<R> sum[C * parts<T>];
-        unroll<C * parts<T>>([&](auto k) VOX_INLINED {
-            sum[k] = of[k][0];
-            unroll<Unrolled - 1>([&](auto u) VOX_INLINED { sum[k] += of[k][u + 1]; });
-        });
+// A vector of x as the sums along columns take it.
+template <class T>
+struct row_factor {
+    vec<real_of<T>> re, im;
+    VOX_PANEL explicit row_factor(vec<real_of<T>> x) {
         if constexpr (is_complex<T>) {
-            const auto plus = broadcast(R(1)), minus = broadcast_pair(R(1), R(-1));
-            const auto of_re = conjugate ? plus : minus, of_im = conjugate ? minus : plus;
-            unroll<C>([&](auto c) VOX_INLINED {
-                sum[2 * c] *= of_re;
-                sum[2 * c + 1] *= of_im;
-            });
+            re = even_twice(x);
+            im = odd_twice(x);
+        } else {
+            re = x;
         }
-        reduce_add_all(sum, flat(t));
     }
 };
 
-template <class T, class V>
-VOX_PANEL V swapped(V v) {
-    if constexpr (is_complex<T>)
-        return swap_pairs(v);
-    else
-        return v;
-}
+// Sums of a_c x along the columns, before they are joined.
+template <int C, class T, int Unrolled>
+struct column_sums {
+    vec<real_of<T>> re[C][Unrolled] = {}, im[C][Unrolled] = {};
+
+    template <int U>
+    VOX_PANEL void add(constant<U>, int c, vec<real_of<T>> a, const row_factor<T> &x) {
+        re[c][U] = fma(a, x.re, re[c][U]);
+        if constexpr (is_complex<T>)
+            im[c][U] = fma(a, x.im, im[c][U]);
+    }
+    VOX_PANEL void total(T *t, const joint<T> &join) {
+        vec<real_of<T>> sum[C];
+        unroll<C>([&](auto c) VOX_INLINED {
+            unroll<Unrolled - 1>([&](auto u) VOX_INLINED {
+                re[c][0] += re[c][u + 1];
+                im[c][0] += im[c][u + 1];
+            });
+            if constexpr (is_complex<T>)
+                sum[c] = fma(swap_pairs(im[c][0]), join.of_im, re[c][0] * join.of_re);
+            else
+                sum[c] = re[c][0];
+        });
+        reduce_add_all<C, parts<T>>(sum, flat(t));
+    }
+};
 
 // t_c = sum_i a_c[i] x[i], or with conj(a_c).
 template <int C, class T>
@@ -192,10 +194,10 @@ VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, boo
     constexpr int unrolled = C * parts<T> >= 8 ? 1 : 2;
     column_sums<C, T, unrolled> sums;
     for_rows<unrolled, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
-        const auto v = access.get(x + i), w = swapped<T>(v);
-        unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, access.get(a[c] + i), v, w); });
+        const row_factor<T> v(access.get(x + i));
+        unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, access.get(a[c] + i), v); });
     });
-    sums.total(t, conjugate);
+    sums.total(t, joint<T>(conjugate));
 }
 
 // Both at once, for symmetric matrices: y += sum_c a_c s_c and t_c = sum_i a_c[i] x[i].
@@ -207,11 +209,19 @@ VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s
     column_sums<C, T, 1> sums;
     for_rows<1, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> rows_of_a(a, i, access);
-        const auto v = access.get(x + i), w = swapped<T>(v);
-        unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, rows_of_a.of[c], v, w); });
+        const row_factor<T> v(access.get(x + i));
+        unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, rows_of_a.of[c], v); });
         access.put(y + i, rows_sum<C>(rows_of_a, f, join, access.get(y + i)));
     });
-    sums.total(t, conjugate_along);
+    sums.total(t, joint<T>(conjugate_along));
+}
+
+template <class T, class V>
+VOX_PANEL V swapped(V v) {
+    if constexpr (is_complex<T>)
+        return swap_pairs(v);
+    else
+        return v;
 }
 
 // a_c += x s_c.
