@@ -17,7 +17,12 @@ template <int C, class T>
 struct pointers {
     T *at[C];
     VOX_PANEL pointers(const columns<T> &A, index_t j, index_t i) {
-        unroll<C>([&](auto c) VOX_INLINED { at[c] = A(j + c) + i; });
+        at[0] = A(j) + i;
+        index_t step = A.lda + A.bend * j; // from column j to the next
+        unroll<C - 1>([&](auto c) VOX_INLINED {
+            at[c + 1] = at[c] + step;
+            step += A.bend;
+        });
     }
 };
 

@@ -54,7 +54,7 @@ struct join_y {
     }
 };
 
-// y := beta y + alpha A x for a tile of rows, the last vector of which may be a part: the sums stay in
+// y := beta y + alpha A x for a tile of rows of a full matrix, the last vector of which may be a part: the sums stay in
 // registers over all columns. Columns in turn go to different sums, so that as many additions are
 // in flight as the units can take.
 template <int Vectors, class T, class Access>
@@ -65,25 +65,25 @@ VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end
     constexpr int w = width<T>;
     constexpr int turns = Vectors * parts<T> >= 8 ? 1 : Vectors * parts<T> >= 4 ? 2 : 4;
     vec<R> re[Vectors][turns] = {}, im[Vectors][turns] = {};
-    const auto add = [&](auto turn, index_t j) VOX_INLINED {
-        const T *const a = A(j) + row;
+    const T *a = A.a + first_column * A.lda + row;
+    const auto add = [&](auto turn, const T *column, index_t j) VOX_INLINED {
         const auto x_re = broadcast(real(x[j])), x_im = broadcast(imag(x[j]));
         unroll<Vectors>([&](auto v) VOX_INLINED {
             vec<R> rows;
             if constexpr (v == Vectors - 1)
-                rows = last.get(a + v * w);
+                rows = last.get(column + v * w);
             else
-                rows = whole().get(a + v * w);
+                rows = whole().get(column + v * w);
             re[v][turn] = fma(rows, x_re, re[v][turn]);
             if constexpr (is_complex<T>)
                 im[v][turn] = fma(rows, x_im, im[v][turn]);
         });
     };
     index_t j = first_column;
-    for (; j + turns <= end_column; j += turns)
-        unroll<turns>([&](auto turn) VOX_INLINED { add(turn, j + turn); });
-    for (; j < end_column; ++j)
-        add(constant<0>(), j);
+    for (; j + turns <= end_column; j += turns, a += turns * A.lda)
+        unroll<turns>([&](auto turn) VOX_INLINED { add(turn, a + turn * A.lda, j + turn); });
+    for (; j < end_column; ++j, a += A.lda)
+        add(constant<0>(), a, j);
 
     const joint<T> join(conjugate);
     const auto a_re = broadcast(real(alpha)), a_im = broadcast_pair(-imag(alpha), imag(alpha));

@@ -45,8 +45,9 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
     }
     if (!upper && !lower)
         return;
+    const pointers<C, T> corner(job.a, j, j);
     unroll<C>([&](auto c) VOX_INLINED {
-        T *const column = job.a(j + c) + j;
+        T *const column = corner.at[c];
         unroll<C>([&](auto i) VOX_INLINED {
             if (!left_out[c] && (upper ? i <= c : i >= c)) {
                 column[i] += x[j + i] * s[c];

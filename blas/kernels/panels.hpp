@@ -33,7 +33,7 @@ constexpr int width = lanes<real_of<T>> / parts<T>;
 template <class T>
 constexpr int group = 4;
 template <class T>
-constexpr int group_of_along = is_complex<T> || vector_bytes < 64 ? 4 : 8;
+constexpr int group_of_along = vector_bytes < 64 ? 4 : 8;
 template <class T>
 constexpr int group_of_both = is_complex<T> &&vector_bytes < 64 ? 2 : 4;
 

@@ -30,12 +30,13 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
             t[c] += conj_if(mirrored, a) * x[i];
         });
 
+    const pointers<C, const T> corner(job.a, j, j);
     T sum[C] = {};
     if (job.on_diagonal) {
         T rows[C];
         unroll<C>([&](auto c) VOX_INLINED { rows[c] = x[j + c]; });
         unroll<C>([&](auto c) VOX_INLINED {
-            const T *const column = job.a(j + c) + j;
+            const T *const column = corner.at[c];
             unroll<C>([&](auto r) VOX_INLINED {
                 if constexpr (Upper ? r < c : r > c) {
                     const T a = column[r];

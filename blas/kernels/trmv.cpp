@@ -12,6 +12,7 @@ using vox::triangular_job;
 // x += A(:, j ...) x[j ...]. A zero in x leaves its column out, NaN or not, as the reference does.
 template <bool Upper, int C, class T>
 VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
+    const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T s[C];
     bool some_zero = false;
@@ -31,7 +32,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
     unroll<C>([&](auto c) VOX_INLINED {
         if (is_zero(s[c]))
             return;
-        const T *const column = job.a(j + c) + j;
+        const T *const column = corner.at[c];
         unroll<C>([&](auto r) VOX_INLINED {
             if constexpr (Upper ? r < c : r > c)
                 sum[r] += conj_if(job.conjugate, column[r]) * s[c];
@@ -43,12 +44,13 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
 
 template <bool Upper, int C, class T>
 VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
+    const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T t[C];
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
     shared_along<C>(job.a, j, first, end, x, t, job.conjugate);
     unroll<C>([&](auto c) VOX_INLINED {
-        const T *const column = job.a(j + c) + j;
+        const T *const column = corner.at[c];
         unroll<C>([&](auto r) VOX_INLINED {
             if constexpr (Upper ? r < c : r > c)
                 t[c] += conj_if(job.conjugate, column[r]) * x[j + r];

@@ -13,6 +13,7 @@ using vox::triangular_job;
 // in x leaves its column out, NaN or not, as the reference does.
 template <bool Upper, int C, class T>
 VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
+    const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T v[C];
     bool some_zero = false;
@@ -23,7 +24,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
                 some_zero = true;
                 return;
             }
-            const T *const column = job.a(j + c) + j;
+            const T *const column = corner.at[c];
             if (!job.unit_diagonal)
                 v[c] = divide(v[c], conj_if(job.conjugate, column[c]));
             unroll<C>([&](auto r) VOX_INLINED {
@@ -53,6 +54,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
 
 template <bool Upper, int C, class T>
 VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
+    const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T v[C];
     const index_t first = Upper ? job.first : j + C, end = Upper ? j : job.end;
@@ -60,7 +62,7 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
     unroll<C>([&](auto c) VOX_INLINED { v[c] = x[j + c] - v[c]; });
     unroll<C>([&](auto i) VOX_INLINED {
         const auto solve = [&](auto c) VOX_INLINED {
-            const T *const column = job.a(j + c) + j;
+            const T *const column = corner.at[c];
             unroll<C>([&](auto r) VOX_INLINED {
                 if constexpr (Upper ? r < c : r > c)
                     v[c] -= conj_if(job.conjugate, column[r]) * v[r];
