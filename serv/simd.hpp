@@ -96,6 +96,12 @@ inline V in_register(V v) {
     return v;
 }
 
+// An array that stays one: gcc would otherwise take it apart, at the price of a shuffle an element.
+template <class A>
+inline void in_memory(A &array) {
+    __asm__("" : "+m"(array));
+}
+
 // a b + c, rounded once where the path has the instruction, twice elsewhere.
 template <class V>
 inline V fma(V a, V b, V c) {

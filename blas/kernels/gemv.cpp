@@ -8,6 +8,17 @@ using namespace panels;
 using vox::is_zero;
 using vox::product_job;
 
+// s v for a vector of elements.
+template <class T, class V>
+VOX_PANEL V times(T s, V v) {
+    constexpr int bytes = int(sizeof(V));
+    if constexpr (is_complex<T>)
+        return fma(swap_pairs(v), broadcast_pair<bytes>(-imag(s), imag(s)),
+                   v * broadcast<bytes>(real(s)));
+    else
+        return v * broadcast<bytes>(s);
+}
+
 // beta = 0 overwrites.
 template <class T>
 VOX_PANEL void scale(T beta, T *y, index_t n) {
@@ -19,14 +30,8 @@ VOX_PANEL void scale(T beta, T *y, index_t n) {
                               VOX_INLINED { access.put(y + i, vec<R>{}); });
         return;
     }
-    const auto re = broadcast(real(beta)), im = broadcast_pair(-imag(beta), imag(beta));
-    for_rows<1, T>(n, [&](auto, index_t i, auto access) VOX_INLINED {
-        const auto v = access.get(y + i);
-        if constexpr (is_complex<T>)
-            access.put(y + i, fma(swap_pairs(v), im, v * re));
-        else
-            access.put(y + i, v * re);
-    });
+    for_rows<1, T>(n, [&](auto, index_t i, auto access)
+                          VOX_INLINED { access.put(y + i, times(beta, access.get(y + i))); });
 }
 
 // beta y + v, for beta = 0 without a look at y.
@@ -37,20 +42,27 @@ struct join_y {
     VOX_PANEL explicit join_y(T b)
         : none(is_zero(b)), plain(real(b) == 1 && imag(b) == 0), beta(b) {}
 
-    VOX_PANEL T operator()(T y, T v) const { return plain ? y + v : beta * y + v; }
-    template <class Access>
-    VOX_PANEL void put(T *y, vec<real_of<T>> v, Access access) const {
+    VOX_PANEL void put(T *y, T v) const { *y = none ? v : plain ? *y + v : beta * *y + v; }
+    template <class V, class Access>
+    VOX_PANEL void put(T *y, V v, Access access) const {
         if (!none) {
-            const auto old = access.get(y);
-            if (plain)
-                v += old;
-            else if constexpr (is_complex<T>)
-                v = fma(swap_pairs(old), broadcast_pair(-imag(beta), imag(beta)),
-                        fma(old, broadcast(real(beta)), v));
-            else
-                v = fma(old, broadcast(beta), v);
+            const V old = access.get(y);
+            v += plain ? old : times(beta, old);
         }
         access.put(y, v);
+    }
+};
+
+// Exactly so many bytes.
+template <int Bytes>
+struct exactly {
+    template <class T>
+    VOX_PANEL auto get(const T *p) const {
+        return load<Bytes>(flat(p));
+    }
+    template <class T, class V>
+    VOX_PANEL void put(T *p, V v) const {
+        store(flat(p), v);
     }
 };
 
@@ -86,7 +98,6 @@ VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end
         add(constant<0>(), a, j);
 
     const joint<T> join(conjugate);
-    const auto a_re = broadcast(real(alpha)), a_im = broadcast_pair(-imag(alpha), imag(alpha));
     unroll<Vectors>([&](auto v) VOX_INLINED {
         unroll<turns - 1>([&](auto turn) VOX_INLINED {
             re[v][0] += re[v][turn + 1];
@@ -94,12 +105,9 @@ VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end
         });
         const auto bring_home = [&](auto access) VOX_INLINED {
             T *const out = y + row + v * w;
-            if constexpr (is_complex<T>) {
-                const auto sum = fma(swap_pairs(im[v][0]), join.of_im, re[v][0] * join.of_re);
-                join_with.put(out, fma(swap_pairs(sum), a_im, sum * a_re), access);
-            } else {
-                join_with.put(out, re[v][0] * a_re, access);
-            }
+            if constexpr (is_complex<T>)
+                re[v][0] = fma(swap_pairs(im[v][0]), join.of_im, re[v][0] * join.of_re);
+            join_with.put(out, times(alpha, re[v][0]), access);
         };
         if constexpr (v == Vectors - 1)
             bring_home(last);
@@ -146,11 +154,17 @@ VOX_PANEL void along_columns(const product_job<T> &job) {
         true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
             T t[count];
             along_clipped<count>(job.a, j, job.first_row, job.end_row, job.x, t, job.conjugate);
-            T *const y = job.y + j;
-            if (join.none)
-                unroll<count>([&](auto c) VOX_INLINED { y[c] = job.alpha * t[c]; });
-            else
-                unroll<count>([&](auto c) VOX_INLINED { y[c] = join(y[c], job.alpha * t[c]); });
+            if constexpr (count == 1) {
+                join.put(job.y + j, job.alpha * t[0]);
+            } else {
+                in_memory(t);
+                constexpr int all = count * int(sizeof(T));
+                constexpr exactly<(all < vector_bytes ? all : vector_bytes)> some;
+                constexpr int step = (all < vector_bytes ? all : vector_bytes) / int(sizeof(T));
+                unroll<count / step>([&](auto k) VOX_INLINED {
+                    join.put(job.y + j + k * step, times(job.alpha, some.get(t + k * step)), some);
+                });
+            }
         });
 }
 

@@ -168,9 +168,11 @@ struct column_sums {
 
     template <int U>
     VOX_PANEL void add(constant<U>, int c, vec<real_of<T>> a, const row_factor<T> &x) {
-        re[c][U] = fma(a, x.re, re[c][U]);
-        if constexpr (is_complex<T>)
+        if constexpr (is_complex<T>) {
+            a = in_register(a);
             im[c][U] = fma(a, x.im, im[c][U]);
+        }
+        re[c][U] = fma(a, x.re, re[c][U]);
     }
     VOX_PANEL void total(T *t, const joint<T> &join) {
         vec<real_of<T>> sum[C];
