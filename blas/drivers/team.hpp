@@ -9,7 +9,7 @@ namespace vox {
 
 // Bytes of a matrix that a thread must have to read, or to read and write, before its start is paid
 // for.
-constexpr index_t bytes_per_thread = 128 * 1024;
+constexpr index_t bytes_per_thread = 512 * 1024;
 
 inline index_t team_for(index_t bytes) {
     if (VOX_LIKELY(bytes < 2 * bytes_per_thread))

@@ -22,36 +22,38 @@ void triangle_on_diagonal(Kernel kernel, triangular_job<T> job, const strided<T>
         x[i] = copy[i - job.first];
 }
 
-// Blocks from the first to the last or the other way round. A solution needs the other elements of
-// x when they are solved for, a product while they still have their old values.
+// A block's columns of the stored triangle are its own corner and, above or below it, a rectangle.
+// Untransposed, the rectangle takes the block's part of x to the other rows, transposed it brings
+// theirs to the block; either way the columns are read from end to end. A solution is complete
+// before it is taken to others, a product while all that is read still has its old value.
 template <class T, class Kernel, class Product>
 __attribute__((noinline)) void in_blocks(Kernel kernel, Product product_kernel, bool solve,
                                          const triangular_job<T> &job, const strided<T> &x) {
     const index_t n = job.end, size = piece<T>, blocks = (n + size - 1) / size;
-    const bool needs_earlier = job.upper == job.transposed; // elements of x before its own
-    const bool forwards = needs_earlier == solve;
+    const bool forwards = (job.upper == job.transposed) == solve;
+    const bool corner_first = solve != job.transposed;
     for (index_t b = 0; b < blocks; ++b) {
         triangular_job<T> block = job;
         block.first = (forwards ? b : blocks - 1 - b) * size;
         block.end = end_of_piece<T>(block.first, n);
-        if (!solve)
+        if (corner_first)
             triangle_on_diagonal(kernel, block, x);
-        const range mine = {block.first, block.end};
-        range others = needs_earlier ? range{0, mine.first} : range{mine.end, n};
+        const range columns = {block.first, block.end};
+        range rows = job.upper ? range{0, block.first} : range{block.end, n};
         const index_t band = job.a.above + job.a.below; // one of them is 0
-        if (needs_earlier && mine.first - band > 0)
-            others.first = mine.first - band;
-        if (!needs_earlier && mine.end + band < n)
-            others.end = mine.end + band;
-        if (others.first < others.end) {
+        if (job.upper && rows.end - band > 0)
+            rows.first = rows.end - band;
+        if (!job.upper && rows.first + band < n)
+            rows.end = rows.first + band;
+        if (rows.first < rows.end) {
             product_job<T> rest = {
-                job.a, job.transposed,           job.conjugate, 0,       0,      0,
-                0,     solve ? -one<T> : one<T>, one<T>,        nullptr, nullptr};
-            rest = product::cut(rest, mine, others);
-            const index_t width = others.end - others.first;
-            product::run<T>(product_kernel, rest, x, x, width * (mine.end - mine.first));
+                job.a,    job.transposed, job.conjugate, rows.first,
+                rows.end, columns.first,  columns.end,   solve ? -one<T> : one<T>,
+                one<T>,   nullptr,        nullptr};
+            product::run<T>(product_kernel, rest, x, x,
+                            (rows.end - rows.first) * (columns.end - columns.first));
         }
-        if (solve)
+        if (!corner_first)
             triangle_on_diagonal(kernel, block, x);
     }
 }

@@ -48,13 +48,15 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
     const pointers<C, T> corner(job.a, j, j);
     unroll<C>([&](auto c) VOX_INLINED {
         T *const column = corner.at[c];
-        unroll<C>([&](auto i) VOX_INLINED {
-            if (!left_out[c] && (upper ? i <= c : i >= c)) {
-                column[i] += x[j + i] * s[c];
-                if constexpr (Rank == 2)
-                    column[i] += y[j + i] * r[c];
-            }
-        });
+        if (!left_out[c])
+            unroll<C>([&](auto i) VOX_INLINED {
+                if (upper ? i <= c : i >= c) {
+                    T sum = column[i] + x[j + i] * s[c];
+                    if constexpr (Rank == 2)
+                        sum += y[j + i] * r[c];
+                    column[i] = sum;
+                }
+            });
         if (job.conjugated)
             column[c] = make<T>(real(column[c]));
     });
