@@ -102,6 +102,9 @@ inline void in_memory(A &array) {
     __asm__("" : "+m"(array));
 }
 
+// In a loop of very few rounds: keeps the compiler from making vectors of it.
+inline void stay_scalar() { __asm__ volatile(""); }
+
 // a b + c, rounded once where the path has the instruction, twice elsewhere.
 template <class V>
 inline V fma(V a, V b, V c) {

@@ -26,8 +26,8 @@ struct pointers {
     }
 };
 
-// panel(from, to) for the rows that columns j .. j + C - 1 share, and element(c, i) for what column
-// j + c has beyond them, at the ragged ends of band matrices.
+// panel(from, to) for the rows that columns j .. j + C - 1 share, and element(c, column, i)
+// for what column j + c has beyond them, at the ragged ends of band matrices.
 template <int C, class T, class Panel, class Element>
 VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t end,
                        const Panel &panel, const Element &element) {
@@ -41,11 +41,16 @@ VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t en
     } else {
         from = to = end;
     }
-    for (int c = 0; c < C; ++c) {
-        for (index_t i = larger(first, A.first(j + c)), e = smaller(from, A.end(j + c)); i < e; ++i)
-            element(c, i);
-        for (index_t i = to, e = smaller(end, A.end(j + c)); i < e; ++i)
-            element(c, i);
+    const auto elements = [&](int c, T *column, index_t begin, index_t stop) VOX_INLINED {
+        for (index_t i = begin; i < stop; ++i) {
+            element(c, column, i);
+            stay_scalar();
+        }
+    };
+    T *column = A(j);
+    for (int c = 0; c < C; column += A.lda + A.bend * (j + c), ++c) {
+        elements(c, column, larger(first, A.first(j + c)), smaller(from, A.end(j + c)));
+        elements(c, column, to, smaller(end, A.end(j + c)));
     }
 }
 
@@ -60,7 +65,8 @@ VOX_PANEL void across_clipped(const columns<const T> &A, index_t j, index_t firs
             const pointers<C, const T> p(A, j, from);
             across<C>(to - from, p.at, s, y + from, conjugate);
         },
-        [&](int c, index_t i) VOX_INLINED { y[i] += conj_if(conjugate, A(j + c)[i]) * s[c]; });
+        [&](int c, const T *column, index_t i)
+            VOX_INLINED { y[i] += conj_if(conjugate, column[i]) * s[c]; });
 }
 
 // t[j] = sum_i A(i, j) x[i], or with conj(A); x is given for row 0 on, t for column j on.
@@ -74,7 +80,8 @@ VOX_PANEL void along_clipped(const columns<const T> &A, index_t j, index_t first
             const pointers<C, const T> p(A, j, from);
             along<C>(to - from, p.at, x + from, t, conjugate);
         },
-        [&](int c, index_t i) VOX_INLINED { t[c] += conj_if(conjugate, A(j + c)[i]) * x[i]; });
+        [&](int c, const T *column, index_t i)
+            VOX_INLINED { t[c] += conj_if(conjugate, column[i]) * x[i]; });
 }
 
 // The same, shared by all their callers in a kernel source.

@@ -24,8 +24,8 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
             const pointers<C, const T> p(job.a, j, from);
             across_and_along<C>(to - from, p.at, s, y + from, x + from, t, job.conjugate, mirrored);
         },
-        [&](int c, index_t i) VOX_INLINED {
-            const T a = job.a(j + c)[i];
+        [&](int c, const T *column, index_t i) VOX_INLINED {
+            const T a = column[i];
             y[i] += conj_if(job.conjugate, a) * s[c];
             t[c] += conj_if(mirrored, a) * x[i];
         });
