@@ -1,10 +1,10 @@
 // panels.hpp - the inner loops of level 2: a few columns of a matrix against one vector or two.
 //
 // A panel is C columns of `rows` elements, each given by its first element; vectors are contiguous.
-// Every loop reads each element of A once. Complex numbers stay interleaved: products with the real
-// and with the imaginary part of the other factor are summed apart, and joined once per row (sums
-// down the rows) or once per column (sums along a column), which is also where a conjugate of A
-// costs nothing.
+// Every loop reads each element of A once. Complex numbers stay interleaved: a sum across columns
+// takes a and a with its parts exchanged, each with a factor that holds the signs; a sum along a
+// column takes products with the real and with the imaginary part of x, which are joined at its end.
+// Either way a conjugate of A costs nothing.
 #pragma once
 
 #include "serv/scalar.hpp"
@@ -84,15 +84,19 @@ VOX_PANEL void for_rows(index_t rows, const Step &step) {
         step(constant<0>(), i, first_few{rows - i});
 }
 
-// Factors of C columns, ready for the loop.
+// Factors of C columns, ready for the loop: a s, or conj(a) s, is a straight + swapped(a) crossed.
 template <int C, class T>
 struct factors {
-    vec<real_of<T>> re[C], im[C];
-    VOX_PANEL explicit factors(const T *s) {
+    vec<real_of<T>> straight[C], crossed[C];
+    VOX_PANEL explicit factors(const T *s, bool conjugate = false) {
         unroll<C>([&](auto c) VOX_INLINED {
-            re[c] = broadcast(real(s[c]));
-            if constexpr (is_complex<T>)
-                im[c] = broadcast(imag(s[c]));
+            const auto re = real(s[c]), im = imag(s[c]);
+            if constexpr (is_complex<T>) {
+                straight[c] = broadcast_pair(re, conjugate ? -re : re);
+                crossed[c] = broadcast_pair(conjugate ? im : -im, im);
+            } else {
+                straight[c] = broadcast(re);
+            }
         });
     }
 };
@@ -119,31 +123,35 @@ struct row_vectors {
     }
 };
 
+template <class T, class V>
+VOX_PANEL V swapped(V v) {
+    if constexpr (is_complex<T>)
+        return swap_pairs(v);
+    else
+        return v;
+}
+
 // y + sum_c a_c s_c for one vector of rows.
 template <int C, class T>
-VOX_PANEL auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, const joint<T> &join,
-                        vec<real_of<T>> y) {
-    if constexpr (is_complex<T>) {
-        vec<real_of<T>> re{}, im{};
-        unroll<C>([&](auto c) VOX_INLINED {
-            re = fma(a.of[c], s.re[c], re);
-            im = fma(a.of[c], s.im[c], im);
-        });
-        return fma(swap_pairs(im), join.of_im, fma(re, join.of_re, y));
-    } else {
-        unroll<C>([&](auto c) VOX_INLINED { y = fma(a.of[c], s.re[c], y); });
-        return y;
-    }
+VOX_PANEL auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, vec<real_of<T>> y) {
+    vec<real_of<T>> other{}; // a second chain of additions
+    unroll<C>([&](auto c) VOX_INLINED {
+        y = fma(a.of[c], s.straight[c], y);
+        if constexpr (is_complex<T>)
+            other = fma(swap_pairs(a.of[c]), s.crossed[c], other);
+    });
+    if constexpr (is_complex<T>)
+        y += other;
+    return y;
 }
 
 // y += sum_c a_c s_c, or with conj(a_c).
 template <int C, class T>
 VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bool conjugate) {
-    const factors<C, T> f(s);
-    const joint<T> join(conjugate);
+    const factors<C, T> f(s, conjugate);
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> v(a, i, access);
-        access.put(y + i, rows_sum<C>(v, f, join, access.get(y + i)));
+        access.put(y + i, rows_sum<C>(v, f, access.get(y + i)));
     });
 }
 
@@ -206,43 +214,28 @@ VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, boo
 template <int C, class T>
 VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s, T *y, const T *x,
                                 T *t, bool conjugate_across, bool conjugate_along) {
-    const factors<C, T> f(s);
-    const joint<T> join(conjugate_across);
+    const factors<C, T> f(s, conjugate_across);
     column_sums<C, T, 1> sums;
     for_rows<1, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> rows_of_a(a, i, access);
         const row_factor<T> v(access.get(x + i));
         unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, rows_of_a.of[c], v); });
-        access.put(y + i, rows_sum<C>(rows_of_a, f, join, access.get(y + i)));
+        access.put(y + i, rows_sum<C>(rows_of_a, f, access.get(y + i)));
     });
     sums.total(t, joint<T>(conjugate_along));
-}
-
-template <class T, class V>
-VOX_PANEL V swapped(V v) {
-    if constexpr (is_complex<T>)
-        return swap_pairs(v);
-    else
-        return v;
 }
 
 // a_c += x s_c.
 template <int C, class T>
 VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
-    using R = real_of<T>;
-    vec<R> re[C], im[C];
-    unroll<C>([&](auto c) VOX_INLINED {
-        re[c] = broadcast(real(s[c]));
-        if constexpr (is_complex<T>)
-            im[c] = broadcast_pair(-imag(s[c]), imag(s[c]));
-    });
+    const factors<C, T> f(s);
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
-        row_vectors<C, T> rows_of_a(a, i, access);
+        const row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = swapped<T>(v);
         unroll<C>([&](auto c) VOX_INLINED {
-            auto sum = fma(v, re[c], rows_of_a.of[c]);
+            auto sum = fma(v, f.straight[c], rows_of_a.of[c]);
             if constexpr (is_complex<T>)
-                sum = fma(w, im[c], sum);
+                sum = fma(w, f.crossed[c], sum);
             access.put(a[c] + i, sum);
         });
     });
@@ -252,24 +245,15 @@ VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
 template <int C, class T>
 VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s, const T *y,
                       const T *r) {
-    using R = real_of<T>;
-    vec<R> s_re[C], s_im[C], r_re[C], r_im[C];
-    unroll<C>([&](auto c) VOX_INLINED {
-        s_re[c] = broadcast(real(s[c]));
-        r_re[c] = broadcast(real(r[c]));
-        if constexpr (is_complex<T>) {
-            s_im[c] = broadcast_pair(-imag(s[c]), imag(s[c]));
-            r_im[c] = broadcast_pair(-imag(r[c]), imag(r[c]));
-        }
-    });
+    const factors<C, T> f(s), g(r);
     for_rows<1, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
-        row_vectors<C, T> rows_of_a(a, i, access);
+        const row_vectors<C, T> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = access.get(y + i);
         const auto sv = swapped<T>(v), sw = swapped<T>(w);
         unroll<C>([&](auto c) VOX_INLINED {
-            auto sum = fma(w, r_re[c], fma(v, s_re[c], rows_of_a.of[c]));
+            auto sum = fma(w, g.straight[c], fma(v, f.straight[c], rows_of_a.of[c]));
             if constexpr (is_complex<T>)
-                sum = fma(sw, r_im[c], fma(sv, s_im[c], sum));
+                sum = fma(sw, g.crossed[c], fma(sv, f.crossed[c], sum));
             access.put(a[c] + i, sum);
         });
     });
