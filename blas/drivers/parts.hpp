@@ -76,7 +76,7 @@ inline void for_each(index_t parts, index_t n, const Body &body) {
 }
 
 template <class Body>
-[[gnu::noinline]] void update_in_parts(index_t n, rule r, increments inc, Body body) {
+[[gnu::noinline]] void update_in_parts(index_t n, rule r, increments inc, const Body &body) {
     if (inc.divisible())
         for_each(count(n, r), n, [&](index_t, const piece &p) { body(p); });
     else
@@ -88,13 +88,15 @@ template <class Body>
 [[gnu::always_inline]] inline void update(index_t n, rule r, increments inc, Body body) {
     if (VOX_LIKELY(n < r.from))
         return body(whole{n});
-    update_in_parts(n, r, inc, body);
+    const Body in_memory = body; // here alone: the body of a short call stays in registers
+    update_in_parts(n, r, inc, in_memory);
 }
 
 constexpr index_t max_on_stack = 512; // partial results
 
 template <class R, class Body, class Join>
-[[gnu::noinline]] R reduce_in_parts(index_t n, rule r, increments inc, Body body, Join join) {
+[[gnu::noinline]] R reduce_in_parts(index_t n, rule r, increments inc, const Body &body,
+                                    Join join) {
     const index_t parts = inc.divisible() ? count(n, r) : 1;
     const auto in = [&](R *partial) {
         for_each(parts, n, [&](index_t part, const piece &p) { partial[part] = body(p); });
@@ -117,7 +119,8 @@ template <class R, class Body, class Join>
 [[gnu::always_inline]] inline R reduce(index_t n, rule r, increments inc, Body body, Join join) {
     if (VOX_LIKELY(n < r.from))
         return body(whole{n});
-    return reduce_in_parts<R>(n, r, inc, body, join);
+    const Body in_memory = body; // here alone: the body of a short call stays in registers
+    return reduce_in_parts<R>(n, r, inc, in_memory, join);
 }
 
 // Partial 0 plus the sum of the others, the latter in four two-wide accumulators over groups of

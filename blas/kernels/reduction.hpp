@@ -54,6 +54,8 @@ VOX_INLINE auto sum_of_blocks(index_t &n, const R *&...x) {
 template <template <class> class Sum, class A, class... R>
 VOX_INLINE auto sum_of_rest(index_t n, Sum<vec<A>> sum, const R *...x) {
     constexpr int w = lanes<A>;
+    if (n == 0)
+        return sum.total();
     Sum<vec<A>> second{};
     if (n & 2 * w) {
         sum.add(load_as<A>(x)...);

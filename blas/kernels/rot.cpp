@@ -15,9 +15,8 @@ VOX_INLINE void apply(V &x, V &y, D h11, A h12, A h21, D h22) {
 // x := c x + s y, y := c y - conj(s) x.
 template <class S, class T>
 VOX_INLINE void rot(index_t n, T *x, index_t incx, T *y, index_t incy, real_of<T> c, S s) {
-    const S minus_s = -vox::conj_if(true, s);
     elementwise<T>(n, update(x, incx), update(y, incy),
-                   [=](auto &a, auto &b) { apply(a, b, c, s, minus_s, c); });
+                   [=](auto &a, auto &b) { apply(a, b, c, s, -vox::conj_if(true, s), c); });
 }
 
 // x := h11 x + h12 y, y := h21 x + h22 y; param holds the flag, then h by columns. The flag says
