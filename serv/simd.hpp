@@ -65,6 +65,23 @@ inline void store(T *p, V v) {
     *reinterpret_cast<typename vec_of<T, int(sizeof(V))>::unaligned *>(p) = v;
 }
 
+// Stores to an address aligned to the vector, past the caches; streaming_done() before anyone else may
+// look.
+#if defined(__AVX__)
+constexpr int stream_bytes = 32;
+template <class T, class V>
+inline void stream(T *p, V v) {
+    _mm256_stream_ps(reinterpret_cast<float *>(p), (__m256)(v));
+}
+#else
+constexpr int stream_bytes = 16;
+template <class T, class V>
+inline void stream(T *p, V v) {
+    _mm_stream_ps(reinterpret_cast<float *>(p), (__m128)(v));
+}
+#endif
+inline void streaming_done() { _mm_sfence(); }
+
 // Written out, since the compilers make an insertion per lane of a loop.
 template <int Bytes = vector_bytes, class T>
 inline auto broadcast_pair(T even, T odd) {

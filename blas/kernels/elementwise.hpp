@@ -98,6 +98,10 @@ template <class T, class X, class Y, class Operation>
 VOX_INLINE void contiguous(index_t end, const X &x, const Y &y, const Operation &operation) {
     constexpr int w = 4 * lanes<real_of<T>>;
     index_t i = 0;
+    if constexpr (vector_bytes == 64)
+        if (VOX_UNLIKELY(end * index_t(sizeof(real_of<T>)) >= far_bytes / 2))
+            for (; i + w <= end; i += w)
+                block<real_of<T>, 32, 8>(i, x, y, operation);
     for (; i + w <= end; i += w)
         block<real_of<T>, vector_bytes, 4>(i, x, y, operation);
     rest<T, w / 2>(i, end, x, y, operation);

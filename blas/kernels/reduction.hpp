@@ -72,11 +72,6 @@ VOX_INLINE auto sum_of_rest(index_t n, Sum<vec<A>> sum, const R *...x) {
     return sum.total();
 }
 
-// Operands that do not fit the second-level cache: loads of half a cache line stream faster from
-// beyond it than whole lines do (by up to a quarter on processors with 256-bit data paths), and
-// there no processor gains by the wider ones.
-constexpr index_t far_bytes = 512 * 1024;
-
 template <template <class> class Sum, class A, class... R>
 __attribute__((noinline)) auto sum_of_many(index_t n, const R *...x) {
     if constexpr (vector_bytes == 64)

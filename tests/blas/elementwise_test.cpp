@@ -224,6 +224,25 @@ TYPED_TEST(Elementwise, KeepsBitsInCopies) {
     EXPECT_EQ(std::memcmp(x.data(), z0.data(), bytes), 0);
 }
 
+// So long that copies go past the caches: every element, none beside them, whatever the alignment.
+TYPED_TEST(Elementwise, CopiesLongVectorsFromAndToAnyAddress) {
+    using T = TypeParam;
+    const thread_counts counts;
+    counts.set(1);
+    const size_t n = 16 * 1024 * 1024 / sizeof(T) + 37;
+    const T canary = narrow<T>(-1);
+    std::vector<T> x(n + 8), y(n + 16);
+    for (size_t i = 0; i < x.size(); ++i)
+        x[i] = narrow<T>((long double)(i % 8388608));
+    for (size_t shift : {0, 1, 3}) {
+        std::fill(y.begin(), y.end(), canary);
+        copy(form::fortran, vox_int(n), &x[shift + 1], 1, &y[8 - shift], 1);
+        EXPECT_EQ(std::memcmp(&x[shift + 1], &y[8 - shift], n * sizeof(T)), 0);
+        for (size_t i : {7 - shift, 8 - shift + n})
+            EXPECT_EQ(widen(y[i]), widen(canary));
+    }
+}
+
 template <class T>
 bool is_nan(T a) {
     return std::isnan(widen(a).real()) || std::isnan(widen(a).imag());
