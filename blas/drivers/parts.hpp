@@ -16,6 +16,12 @@ struct rule {
     index_t from, part;
 };
 
+// Vectors of so many bytes each, and parts of half as many.
+template <class T>
+constexpr rule from_bytes(index_t bytes) {
+    return {bytes / index_t(sizeof(T)), bytes / 2 / index_t(sizeof(T))};
+}
+
 // Elements start .. start + length - 1 of n.
 struct piece {
     index_t n, start, length;

@@ -195,9 +195,9 @@ TYPED_TEST(Elementwise, ComputesTheSameInAnyNumberOfParts) {
     const thread_counts counts;
     for (const routine<TypeParam> &r : routines<TypeParam>()) {
         counts.set(3);
-        check(r, {70001, 1, 1});
+        check(r, {140001, 1, 1});
         counts.set(8);
-        check(r, {70001, -2, 1});
+        check(r, {140001, -2, 1});
     }
 }
 
