@@ -3,9 +3,9 @@
 //
 //   elementwise(n, in(x, incx), update(y, incy), [=](auto &a, auto &b) { b = plus_times(b, alpha, a); });
 //
-// calls the operation on vectors, and on single elements at the end and where an increment is not
-// one. Elements are then taken strictly in order, so that operands with increment zero see every
-// step, as in the reference BLAS.
+// calls the operation on vectors, on ever shorter ones at the end, and on single elements where an
+// increment is not one. Those are taken strictly in order, so that operands with increment zero see
+// every step, as in the reference BLAS.
 #pragma once
 
 #include "blas/kernels/elements.hpp"
@@ -102,6 +102,9 @@ VOX_INLINE void contiguous(index_t end, const X &x, const Y &y, const Operation 
         if (VOX_UNLIKELY(end * index_t(sizeof(real_of<T>)) >= far_bytes / 2))
             for (; i + w <= end; i += w)
                 block<real_of<T>, 32, 8>(i, x, y, operation);
+    if constexpr (vector_bytes == 16) // many narrow vectors: the loop's own instructions count
+        for (; i + 2 * w <= end; i += 2 * w)
+            block<real_of<T>, vector_bytes, 8>(i, x, y, operation);
     for (; i + w <= end; i += w)
         block<real_of<T>, vector_bytes, 4>(i, x, y, operation);
     rest<T, w / 2>(i, end, x, y, operation);

@@ -33,8 +33,8 @@ std::function<void(pair &)> linear(wide h11, wide h12, wide h21, wide h22) {
         const pair old = p;
         p.x = h11 * old.x + h12 * old.y;
         p.y = h21 * old.x + h22 * old.y;
-        p.size_x = std::abs(h11) * old.size_x + std::abs(h12) * old.size_y;
-        p.size_y = std::abs(h21) * old.size_x + std::abs(h22) * old.size_y;
+        p.size_x = modulus(h11) * old.size_x + modulus(h12) * old.size_y;
+        p.size_y = modulus(h21) * old.size_x + modulus(h22) * old.size_y;
     };
 }
 
@@ -119,7 +119,7 @@ struct operand {
     explicit operand(const std::vector<T> &v) {
         for (T element : v) {
             value.push_back(widen(element));
-            size.push_back(std::abs(value.back()));
+            size.push_back(modulus(value.back()));
         }
     }
 };
@@ -152,7 +152,7 @@ void expect_close(const operand &want, const T *got, const operand &before, int6
     const long double underflow = (steps - 1.0L) * std::numeric_limits<R>::denorm_min();
     for (size_t i = 0; i < want.value.size(); ++i) {
         const bool same = want.value[i] == before.value[i];
-        const long double error = std::abs(widen(got[i]) - want.value[i]);
+        const long double error = modulus(widen(got[i]) - want.value[i]);
         ASSERT_LE(error, same ? 0 : bound * want.size[i] + underflow) << "place " << i;
     }
 }

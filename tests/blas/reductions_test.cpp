@@ -35,7 +35,7 @@ expected sum_of(const shape &s, const T *x, const T *y, const Term &term, long d
         const wide t =
             term(widen(x[place(s.n, s.incx, i)]), y ? widen(y[place(s.n, s.incy, i)]) : wide());
         sum.value += t;
-        sum.bound += std::abs(t);
+        sum.bound += modulus(t);
     }
     sum.bound *= constant;
     return sum;
