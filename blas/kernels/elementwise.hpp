@@ -102,9 +102,6 @@ VOX_INLINE void contiguous(index_t end, const X &x, const Y &y, const Operation 
         if (VOX_UNLIKELY(end * index_t(sizeof(real_of<T>)) >= far_bytes / 2))
             for (; i + w <= end; i += w)
                 block<real_of<T>, 32, 8>(i, x, y, operation);
-    if constexpr (vector_bytes == 16) // many narrow vectors: the loop's own instructions count
-        for (; i + 2 * w <= end; i += 2 * w)
-            block<real_of<T>, vector_bytes, 8>(i, x, y, operation);
     for (; i + w <= end; i += w)
         block<real_of<T>, vector_bytes, 4>(i, x, y, operation);
     rest<T, w / 2>(i, end, x, y, operation);
