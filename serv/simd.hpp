@@ -65,6 +65,23 @@ inline void store(T *p, V v) {
     *reinterpret_cast<typename vec_of<T, int(sizeof(V))>::unaligned *>(p) = v;
 }
 
+// Stores to an address aligned to the vector, past the caches; streaming_done() before anyone else may
+// look.
+#if defined(__AVX__)
+constexpr int stream_bytes = 32;
+template <class T, class V>
+inline void stream(T *p, V v) {
+    _mm256_stream_ps(reinterpret_cast<float *>(p), (__m256)(v));
+}
+#else
+constexpr int stream_bytes = 16;
+template <class T, class V>
+inline void stream(T *p, V v) {
+    _mm_stream_ps(reinterpret_cast<float *>(p), (__m128)(v));
+}
+#endif
+inline void streaming_done() { _mm_sfence(); }
+
 // Written out, since the compilers make an insertion per lane of a loop.
 template <int Bytes = vector_bytes, class T>
 inline auto broadcast_pair(T even, T odd) {
@@ -130,6 +147,9 @@ template <class A, int Bytes = vector_bytes, class T>
 inline auto load_as(const T *p) {
     if constexpr (std::is_same_v<A, T>)
         return load<Bytes>(p);
+    else if constexpr (Bytes == 16) // gcc would convert one by one
+        return typename vec_of<A, 16>::type(
+            _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(p)))));
     else
         return __builtin_convertvector(load<Bytes *int(sizeof(T)) / int(sizeof(A))>(p),
                                        typename vec_of<A, Bytes>::type);
@@ -216,6 +236,8 @@ template <class A, class T>
 inline vec<A> load_partial_as(const T *p, index_t n) {
     if constexpr (std::is_same_v<A, T>)
         return load_partial(p, n);
+    else if constexpr (vector_bytes == 16)
+        return vec<A>(_mm_cvtps_pd(load_partial(p, n)));
     else
         return __builtin_convertvector(low_half(load_partial(p, n)), vec<A>);
 }

@@ -6,17 +6,20 @@
 
 namespace vox::level1 {
 
-// Two threads gain from about here on; below, waking one costs more than half of the work.
+// From where two threads are never slower than one: a second one costs more than a microsecond, and
+// what it touched before lies in its own cache.
 template <class T>
-constexpr parts::rule cut_updates = {128 * 1024 / index_t(sizeof(T)),
-                                     64 * 1024 / index_t(sizeof(T))};
+constexpr parts::rule cut_one = parts::from_bytes<T>(512 * 1024);
+template <class T>
+constexpr parts::rule cut_two = parts::from_bytes<T>(320 * 1024);
 
 template <class Kernel, class S, class T>
 inline void scal(Kernel kernel, index_t n, const S *alpha, T *x, index_t incx) {
     if (n < 1 || incx < 1 || *alpha == one<S>)
         return;
-    parts::update(n, cut_updates<T>, true,
-                  [=](const parts::piece &p) { kernel(&p.length, alpha, p.of(x, incx), &incx); });
+    parts::update(n, cut_one<T>, {incx}, [=](const auto &p) {
+        parts::call(kernel, p.length, alpha, p.of(x, incx), incx);
+    });
 }
 
 // copy, swap.
@@ -24,8 +27,8 @@ template <class Kernel, class X, class Y>
 inline void move(Kernel kernel, index_t n, X *x, index_t incx, Y *y, index_t incy) {
     if (n < 1)
         return;
-    parts::update(n, cut_updates<Y>, incx != 0 && incy != 0, [=](const parts::piece &p) {
-        kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy);
+    parts::update(n, cut_two<Y>, {incx, incy}, [=](const auto &p) {
+        parts::call(kernel, p.length, p.of(x, incx), incx, p.of(y, incy), incy);
     });
 }
 
@@ -34,8 +37,8 @@ inline void axpy(Kernel kernel, index_t n, const T *alpha, const T *x, index_t i
                  index_t incy) {
     if (n < 1 || is_zero(*alpha))
         return;
-    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
-        kernel(&p.length, alpha, p.of(x, incx), &incx, p.of(y, incy), &incy);
+    parts::update(n, cut_two<T>, {incx, incy}, [=](const auto &p) {
+        parts::call(kernel, p.length, alpha, p.of(x, incx), incx, p.of(y, incy), incy);
     });
 }
 
@@ -44,8 +47,8 @@ inline void axpby(Kernel kernel, index_t n, const T *alpha, const T *x, index_t 
                   T *y, index_t incy) {
     if (n < 1)
         return;
-    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
-        kernel(&p.length, alpha, p.of(x, incx), &incx, beta, p.of(y, incy), &incy);
+    parts::update(n, cut_two<T>, {incx, incy}, [=](const auto &p) {
+        parts::call(kernel, p.length, alpha, p.of(x, incx), incx, beta, p.of(y, incy), incy);
     });
 }
 
@@ -54,8 +57,8 @@ inline void rot(Kernel kernel, index_t n, T *x, index_t incx, T *y, index_t incy
                 const real_of<T> *c, const S *s) {
     if (n < 1)
         return;
-    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
-        kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy, c, s);
+    parts::update(n, cut_two<T>, {incx, incy}, [=](const auto &p) {
+        parts::call(kernel, p.length, p.of(x, incx), incx, p.of(y, incy), incy, c, s);
     });
 }
 
@@ -64,8 +67,8 @@ template <class Kernel, class T>
 inline void rotm(Kernel kernel, index_t n, T *x, index_t incx, T *y, index_t incy, const T *param) {
     if (n < 1 || *param == -2)
         return;
-    parts::update(n, cut_updates<T>, incx != 0 && incy != 0, [=](const parts::piece &p) {
-        kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy, param);
+    parts::update(n, cut_two<T>, {incx, incy}, [=](const auto &p) {
+        parts::call(kernel, p.length, p.of(x, incx), incx, p.of(y, incy), incy, param);
     });
 }
 

@@ -16,6 +16,12 @@ struct rule {
     index_t from, part;
 };
 
+// Vectors of so many bytes each, and parts of half as many.
+template <class T>
+constexpr rule from_bytes(index_t bytes) {
+    return {bytes / index_t(sizeof(T)), bytes / 2 / index_t(sizeof(T))};
+}
+
 // Elements start .. start + length - 1 of n.
 struct piece {
     index_t n, start, length;
@@ -26,6 +32,36 @@ struct piece {
         return x + (incx < 0 ? start + length - n : start) * incx;
     }
 };
+
+// What decides whether vectors can be cut at all: with a zero increment, all elements are one.
+struct increments {
+    index_t x, y = 1;
+    bool divisible() const { return x != 0 && y != 0; }
+};
+
+// All of n elements, on the calling thread.
+struct whole {
+    index_t length;
+    static constexpr index_t start = 0;
+
+    template <class T>
+    [[gnu::always_inline]] T *of(T *x, index_t) const {
+        return x;
+    }
+};
+
+// Calls a kernel, with integers by address: of copies, so that the caller's stay in registers.
+[[gnu::always_inline]] inline const index_t *kernel_argument(const index_t &integer) {
+    return &integer;
+}
+template <class T>
+[[gnu::always_inline]] inline T *kernel_argument(T *const &pointer) {
+    return pointer;
+}
+template <class Kernel, class... A>
+[[gnu::always_inline]] inline auto call(Kernel kernel, A... arguments) {
+    return kernel(kernel_argument(arguments)...);
+}
 
 inline index_t count(index_t n, rule r) {
     const index_t threads = vox_serv_domain_get_max_threads(VOX_DOMAIN_BLAS);
@@ -46,23 +82,28 @@ inline void for_each(index_t parts, index_t n, const Body &body) {
 }
 
 template <class Body>
-[[gnu::noinline]] void update_in_parts(index_t n, rule r, Body body) {
-    for_each(count(n, r), n, [&](index_t, const piece &p) { body(p); });
+[[gnu::noinline]] void update_in_parts(index_t n, rule r, increments inc, const Body &body) {
+    if (inc.divisible())
+        for_each(count(n, r), n, [&](index_t, const piece &p) { body(p); });
+    else
+        body(whole{n});
 }
 
-// Runs body(piece) over all of n elements. Operands with a zero increment are not divisible.
+// Runs body over all of n elements, as a whole or piece by piece.
 template <class Body>
-[[gnu::always_inline]] inline void update(index_t n, rule r, bool divisible, Body body) {
-    if (VOX_LIKELY(n < r.from) || !divisible)
-        return body(piece{n, 0, n});
-    update_in_parts(n, r, body);
+[[gnu::always_inline]] inline void update(index_t n, rule r, increments inc, Body body) {
+    if (VOX_LIKELY(n < r.from))
+        return body(whole{n});
+    const Body in_memory = body; // here alone: the body of a short call stays in registers
+    update_in_parts(n, r, inc, in_memory);
 }
 
 constexpr index_t max_on_stack = 512; // partial results
 
 template <class R, class Body, class Join>
-[[gnu::noinline]] R reduce_in_parts(index_t n, rule r, Body body, Join join) {
-    const index_t parts = count(n, r);
+[[gnu::noinline]] R reduce_in_parts(index_t n, rule r, increments inc, const Body &body,
+                                    Join join) {
+    const index_t parts = inc.divisible() ? count(n, r) : 1;
     const auto in = [&](R *partial) {
         for_each(parts, n, [&](index_t part, const piece &p) { partial[part] = body(p); });
         return join(partial, parts);
@@ -76,15 +117,16 @@ template <class R, class Body, class Join>
         if (!partial.empty())
             return in(partial.data());
     }
-    return body(piece{n, 0, n});
+    return body(whole{n});
 }
 
-// body(piece) of all n elements, or join(partial results, their number) when they are cut.
+// The result of body over all of n elements, or join(partial results, their number) when they are cut.
 template <class R, class Body, class Join>
-[[gnu::always_inline]] inline R reduce(index_t n, rule r, bool divisible, Body body, Join join) {
-    if (VOX_LIKELY(n < r.from) || !divisible)
-        return body(piece{n, 0, n});
-    return reduce_in_parts<R>(n, r, body, join);
+[[gnu::always_inline]] inline R reduce(index_t n, rule r, increments inc, Body body, Join join) {
+    if (VOX_LIKELY(n < r.from))
+        return body(whole{n});
+    const Body in_memory = body; // here alone: the body of a short call stays in registers
+    return reduce_in_parts<R>(n, r, inc, in_memory, join);
 }
 
 // Partial 0 plus the sum of the others, the latter in four two-wide accumulators over groups of

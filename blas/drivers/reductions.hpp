@@ -6,7 +6,13 @@
 
 namespace vox::level1 {
 
-constexpr parts::rule cut_sums = {4096, 2048};
+// Where two threads begin to gain on one; the real dot products' rule is part of their description.
+template <class T>
+constexpr parts::rule cut_one = parts::from_bytes<T>(192 * 1024);
+template <class T, class R>
+constexpr parts::rule cut_dot =
+    std::is_same_v<T, R> && !is_complex<T> ? parts::rule{4096, 2048}
+                                           : parts::from_bytes<T>(128 * 1024);
 
 template <class Kernel, class T>
 inline auto dot(Kernel kernel, index_t n, const T *x, index_t incx, const T *y, index_t incy) {
@@ -14,9 +20,9 @@ inline auto dot(Kernel kernel, index_t n, const T *x, index_t incx, const T *y, 
     if (n < 1)
         return R{};
     return parts::reduce<R>(
-        n, cut_sums, incx != 0 && incy != 0,
-        [=](const parts::piece &p) {
-            return kernel(&p.length, p.of(x, incx), &incx, p.of(y, incy), &incy);
+        n, cut_dot<T, R>, {incx, incy},
+        [=](const auto &p) {
+            return parts::call(kernel, p.length, p.of(x, incx), incx, p.of(y, incy), incy);
         },
         parts::sum<R>);
 }
@@ -28,8 +34,8 @@ inline real_of<T> asum(Kernel kernel, index_t n, const T *x, index_t incx) {
     if (n < 1 || incx < 1)
         return 0;
     return parts::reduce<R>(
-        n, cut_sums, true,
-        [=](const parts::piece &p) { return kernel(&p.length, p.of(x, incx), &incx); },
+        n, cut_one<T>, {incx},
+        [=](const auto &p) { return parts::call(kernel, p.length, p.of(x, incx), incx); },
         parts::sum<R>);
 }
 
@@ -40,8 +46,8 @@ inline real_of<T> nrm2(Kernel kernel, RealKernel of_parts, index_t n, const T *x
     if (n < 1)
         return 0;
     return parts::reduce<R>(
-        n, cut_sums, incx != 0,
-        [=](const parts::piece &p) { return kernel(&p.length, p.of(x, incx), &incx); },
+        n, cut_one<T>, {incx},
+        [=](const auto &p) { return parts::call(kernel, p.length, p.of(x, incx), incx); },
         [=](const R *norm, index_t parts) {
             const index_t one = 1;
             return of_parts(&parts, norm, &one);
@@ -62,15 +68,15 @@ inline index_t iamax(Kernel kernel, Better better, index_t n, const T *x, index_
         return 0;
     const auto key = [=](index_t place) { return magnitude(x[(place - 1) * incx]); };
     return parts::reduce<index_t>(
-        n, cut_sums, true,
-        [=](const parts::piece &p) {
+        n, cut_one<T>, {incx},
+        [=](const auto &p) {
             index_t start = p.start;
             const index_t end = start + p.length;
             if (start > 0)
                 while (start < end && key(start + 1) != key(start + 1))
                     ++start;
             const index_t length = end - start;
-            return length > 0 ? start + kernel(&length, x + start * incx, &incx) : 0;
+            return length > 0 ? start + parts::call(kernel, length, x + start * incx, incx) : 0;
         },
         [=](const index_t *place, index_t parts) {
             index_t best = place[0];

@@ -3,9 +3,9 @@
 //
 //   elementwise(n, in(x, incx), update(y, incy), [=](auto &a, auto &b) { b = plus_times(b, alpha, a); });
 //
-// calls the operation on vectors, and on single elements at the end and where an increment is not
-// one. Elements are then taken strictly in order, so that operands with increment zero see every
-// step, as in the reference BLAS.
+// calls the operation on vectors, on ever shorter ones at the end, and on single elements where an
+// increment is not one. Those are taken strictly in order, so that operands with increment zero see
+// every step, as in the reference BLAS.
 #pragma once
 
 #include "blas/kernels/elements.hpp"
@@ -63,31 +63,56 @@ VOX_INLINE auto update(T *x, index_t inc) {
     return operand<T, true, true>(x, inc);
 }
 
-// Whole blocks of so many vectors; i is the first lane that is left.
+// One vector, or so many at once, from lane i on.
 template <class R, int Bytes, int Vectors, class X, class Y, class Operation>
-VOX_INLINE void blocks(index_t &i, index_t lanes_end, const X &x, const Y &y,
-                       const Operation &operation) {
-    using V = typename vec_of<R, Bytes>::type;
+VOX_INLINE void block(index_t i, const X &x, const Y &y, const Operation &operation) {
     constexpr int w = Bytes / int(sizeof(R));
-    for (; i + Vectors * w <= lanes_end; i += Vectors * w) {
-        V a[Vectors], b[Vectors];
-        unroll<Vectors>([&](auto k) {
-            a[k] = x.template get<V>(i + k * w);
-            b[k] = y.template get<V>(i + k * w);
-        });
-        unroll<Vectors>([&](auto k) { operation(a[k], b[k]); });
-        unroll<Vectors>([&](auto k) {
-            x.put(i + k * w, a[k]);
-            y.put(i + k * w, b[k]);
-        });
+    using V = element<R, w>;
+    V a[Vectors], b[Vectors];
+    unroll<Vectors>([&](auto k) {
+        a[k] = x.template get<V>(i + k * w);
+        b[k] = y.template get<V>(i + k * w);
+    });
+    unroll<Vectors>([&](auto k) { operation(a[k], b[k]); });
+    unroll<Vectors>([&](auto k) {
+        x.put(i + k * w, a[k]);
+        y.put(i + k * w, b[k]);
+    });
+}
+
+// What is left of `end` lanes, fewer than 2 Lanes: by halves, which the bits of `end` tell.
+template <class T, int Lanes, class X, class Y, class Operation>
+VOX_INLINE void rest(index_t i, index_t end, const X &x, const Y &y, const Operation &operation) {
+    using R = real_of<T>;
+    if constexpr (Lanes >= parts<T>) {
+        constexpr int vectors = Lanes > lanes<R> ? Lanes / lanes<R> : 1;
+        if (end & Lanes) {
+            block<R, Lanes *int(sizeof(R)) / vectors, vectors>(i, x, y, operation);
+            i += Lanes;
+        }
+        rest<T, Lanes / 2>(i, end, x, y, operation);
     }
 }
 
 template <class T, class X, class Y, class Operation>
-VOX_INLINE void one_by_one(index_t n, const X &x, index_t ix, const Y &y, index_t iy,
-                           const Operation &operation) {
+VOX_INLINE void contiguous(index_t end, const X &x, const Y &y, const Operation &operation) {
+    constexpr int w = 4 * lanes<real_of<T>>;
+    index_t i = 0;
+    if constexpr (vector_bytes == 64)
+        if (VOX_UNLIKELY(end * index_t(sizeof(real_of<T>)) >= far_bytes / 2))
+            for (; i + w <= end; i += w)
+                block<real_of<T>, 32, 8>(i, x, y, operation);
+    for (; i + w <= end; i += w)
+        block<real_of<T>, vector_bytes, 4>(i, x, y, operation);
+    rest<T, w / 2>(i, end, x, y, operation);
+}
+
+template <class T, class X, class Y, class Operation>
+__attribute__((noinline)) void strided(index_t n, X x, Y y, Operation operation) {
     using E = element<real_of<T>, parts<T>>;
-    for (; n > 0; --n, ix += x.inc, iy += y.inc) {
+    x.to_first(n);
+    y.to_first(n);
+    for (index_t ix = 0, iy = 0; n > 0; --n, ix += x.inc, iy += y.inc) {
         E a = x.template get<E>(ix), b = y.template get<E>(iy);
         operation(a, b);
         x.put(ix, a);
@@ -97,22 +122,10 @@ VOX_INLINE void one_by_one(index_t n, const X &x, index_t ix, const Y &y, index_
 
 template <class T, class X, class Y, class Operation>
 VOX_INLINE void elementwise(index_t n, X x, Y y, const Operation &operation) {
-    using R = real_of<T>;
-    index_t i = 0;
-    if (VOX_LIKELY(x.contiguous() && y.contiguous())) {
-        const index_t end = n * parts<T>;
-        blocks<R, vector_bytes, 4>(i, end, x, y, operation);
-        blocks<R, vector_bytes, 1>(i, end, x, y, operation);
-        if constexpr (vector_bytes > 32)
-            blocks<R, 32, 1>(i, end, x, y, operation);
-        if constexpr (vector_bytes > 16)
-            blocks<R, 16, 1>(i, end, x, y, operation);
-        one_by_one<T>((end - i) / parts<T>, x, i, y, i, operation);
-    } else {
-        x.to_first(n);
-        y.to_first(n);
-        one_by_one<T>(n, x, 0, y, 0, operation);
-    }
+    if (VOX_LIKELY(x.contiguous() && y.contiguous()))
+        contiguous<T>(n * parts<T>, x, y, operation);
+    else
+        strided<T>(n, x, y, operation);
 }
 
 } // namespace

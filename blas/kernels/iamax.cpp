@@ -87,6 +87,11 @@ VOX_INLINE index_t contiguous(index_t n, const R *x) {
     R best = key_of_element<Lanes>(x);
     if (best != best)
         return 0;
+    if (n < lanes<R>) { // all in one vector
+        const vec<R> keys = key<Lanes>(load_partial(x, n)), kept = broadcast(best);
+        best = best_lane<Order>(better<Order>(select_first(n, keys, kept), kept));
+        return __builtin_ctz(equal_lanes(keys, broadcast(best))) / Lanes;
+    }
     index_t where = 0;
     for (index_t i = 0; i < n; i += chunk) {
         const R kept = best;

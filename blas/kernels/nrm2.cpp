@@ -33,16 +33,19 @@ struct reduced_squares : squares<V> {
     VOX_INLINE void add(V x) { squares<V>::add(x * small); }
 };
 
+template <template <class> class Sum, class T>
+__attribute__((noinline)) double second_sum(index_t n, const T *x, index_t incx) {
+    return reduce<Sum, double, parts<T>>(n, source(x, incx));
+}
+
 template <class T>
 VOX_INLINE real_of<T> nrm2(index_t n, const T *x, index_t incx) {
     const double sum = reduce<squares, double, parts<T>>(n, source(x, incx));
     if constexpr (sizeof(real_of<T>) == sizeof(double)) {
         if (VOX_UNLIKELY(sum < 0x1p-900))
-            return small * __builtin_sqrt(sum_of_strided<enlarged_squares, double, parts<T>>(
-                               n, source(x, incx)));
+            return small * __builtin_sqrt(second_sum<enlarged_squares>(n, x, incx));
         if (VOX_UNLIKELY(sum > 0x1.fffffffffffffp1023))
-            return large * __builtin_sqrt(sum_of_strided<reduced_squares, double, parts<T>>(
-                               n, source(x, incx)));
+            return large * __builtin_sqrt(second_sum<reduced_squares>(n, x, incx));
     }
     return real_of<T>(__builtin_sqrt(sum));
 }

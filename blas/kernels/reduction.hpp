@@ -49,23 +49,28 @@ VOX_INLINE auto sum_of_blocks(index_t &n, const R *&...x) {
     return sum[0];
 }
 
-// What no block took, at most seven vectors and a part, added to a first sum.
+// What no block took, fewer than four vectors, and a first sum: single vectors as the bits of n tell,
+// in two sums, and a part.
 template <template <class> class Sum, class A, class... R>
 VOX_INLINE auto sum_of_rest(index_t n, Sum<vec<A>> sum, const R *...x) {
     constexpr int w = lanes<A>;
-    for (; n >= w; n -= w) {
+    if (n == 0)
+        return sum.total();
+    Sum<vec<A>> second{};
+    if (n & 2 * w) {
+        sum.add(load_as<A>(x)...);
+        second.add(load_as<A>(x + w)...);
+        ((x += 2 * w), ...);
+    }
+    if (n & w) {
         sum.add(load_as<A>(x)...);
         ((x += w), ...);
     }
-    if (n > 0)
-        sum.add(load_partial_as<A>(x, n)...);
+    if (n & (w - 1))
+        second.add(load_partial_as<A>(x, n & (w - 1))...);
+    sum.merge(second);
     return sum.total();
 }
-
-// Operands that do not fit the second-level cache: loads of half a cache line stream faster from
-// beyond it than whole lines do (by up to a quarter on processors with 256-bit data paths), and
-// there no processor gains by the wider ones.
-constexpr index_t far_bytes = 512 * 1024;
 
 template <template <class> class Sum, class A, class... R>
 __attribute__((noinline)) auto sum_of_many(index_t n, const R *...x) {
@@ -74,13 +79,19 @@ __attribute__((noinline)) auto sum_of_many(index_t n, const R *...x) {
             const auto sum = sum_of_blocks<Sum, A, 32, 8>(n, x...).total();
             return sum + sum_of_rest<Sum, A>(n, Sum<vec<A>>{}, x...);
         }
-    const auto sum = sum_of_blocks<Sum, A, vector_bytes, 8>(n, x...);
+    auto sum = sum_of_blocks<Sum, A, vector_bytes, 8>(n, x...);
+    sum.merge(sum_of_blocks<Sum, A, vector_bytes, 4>(n, x...));
     return sum_of_rest<Sum, A>(n, sum, x...);
 }
 
 // n is the number of lanes.
 template <template <class> class Sum, class A, class... R>
 VOX_INLINE auto sum_of_contiguous(index_t n, const R *...x) {
+    if (n < lanes<A>) {
+        Sum<vec<A>> sum{};
+        sum.add(load_partial_as<A>(x, n)...);
+        return sum.total();
+    }
     if (n < 4 * lanes<A>)
         return sum_of_rest<Sum, A>(n, Sum<vec<A>>{}, x...);
     if (VOX_UNLIKELY(n >= 128 * lanes<A>))

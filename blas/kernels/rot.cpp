@@ -4,15 +4,19 @@
 
 namespace {
 
+// x, y := h11 x + h12 y, h21 x + h22 y.
+template <class V, class D, class A>
+VOX_INLINE void apply(V &x, V &y, D h11, A h12, A h21, D h22) {
+    const V a = in_register(x), b = in_register(y);
+    x = plus_times(times(h11, a), h12, b);
+    y = plus_times(times(h22, b), h21, a);
+}
+
 // x := c x + s y, y := c y - conj(s) x.
 template <class S, class T>
 VOX_INLINE void rot(index_t n, T *x, index_t incx, T *y, index_t incy, real_of<T> c, S s) {
-    const S minus_s = -vox::conj_if(true, s);
-    elementwise<T>(n, update(x, incx), update(y, incy), [=](auto &a, auto &b) {
-        const auto t = plus_times(times(c, a), s, b);
-        b = plus_times(times(c, b), minus_s, a);
-        a = t;
-    });
+    elementwise<T>(n, update(x, incx), update(y, incy),
+                   [=](auto &a, auto &b) { apply(a, b, c, s, -vox::conj_if(true, s), c); });
 }
 
 // x := h11 x + h12 y, y := h21 x + h22 y; param holds the flag, then h by columns. The flag says
@@ -23,11 +27,8 @@ void rotm(index_t n, T *x, index_t incx, T *y, index_t incy, const T *param) {
     const bool unit_diagonal = flag == 0, unit_antidiagonal = !(flag <= 0);
     const T h11 = unit_diagonal ? T(1) : param[1], h21 = unit_antidiagonal ? T(-1) : param[2];
     const T h12 = unit_antidiagonal ? T(1) : param[3], h22 = unit_diagonal ? T(1) : param[4];
-    elementwise<T>(n, update(x, incx), update(y, incy), [=](auto &a, auto &b) {
-        const auto t = plus_times(times(h11, a), h12, b);
-        b = plus_times(times(h22, b), h21, a);
-        a = t;
-    });
+    elementwise<T>(n, update(x, incx), update(y, incy),
+                   [=](auto &a, auto &b) { apply(a, b, h11, h12, h21, h22); });
 }
 
 } // namespace

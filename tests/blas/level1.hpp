@@ -40,6 +40,8 @@ wide widen(T a) {
     else
         return a;
 }
+// std::abs takes care of a range that long double does not need.
+inline long double modulus(wide a) { return std::sqrt(std::norm(a)); }
 // The imaginary part is dropped for real types.
 template <class T>
 T narrow(wide a) {
