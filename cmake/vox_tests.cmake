@@ -1,10 +1,13 @@
-# vox_register_test(<test> <command> [labels...]), and the same once per code path that this machine can
-# run, with the environment that forces it and its name in VOX_TEST_PATH.
+# vox_register_test(<test> <command> [labels...]), and vox_register_test_per_path: the same once per code
+# path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that this machine
+# can run, all are tested; def and the last, which is the best, by what is labelled "slow". A sanitizer
+# looks at shared code rather than numbers and takes its time: there it is def, avx2 and the best, and
+# for what is slow the best alone.
 #
 # vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
 #
 # It links libvox.so as a user would; INTERNAL links the static library, whose hidden functions a
-# test of pure logic may call. PER_PATH registers it once per code path that this machine can run;
+# test of pure logic may call. PER_PATH registers it once per code path;
 # the test's main checks that the path that was asked for is the one that runs. Everything but what is
 # labelled "slow" is part of the quick loop (ctest -L quick).
 find_package(GTest REQUIRED)
@@ -26,6 +29,17 @@ foreach(path IN LISTS VOX_CODE_PATHS)
   endif()
 endforeach()
 message(STATUS "Code paths this machine can run: ${VOX_RUNNABLE_PATHS}")
+
+list(GET VOX_RUNNABLE_PATHS -1 best)
+if(VOX_SANITIZE)
+  set(VOX_TESTED_PATHS ${VOX_RUNNABLE_PATHS})
+  list(FILTER VOX_TESTED_PATHS INCLUDE REGEX "^(def|avx2|${best})$")
+  set(VOX_SLOWLY_TESTED_PATHS ${best})
+else()
+  set(VOX_TESTED_PATHS ${VOX_RUNNABLE_PATHS})
+  set(VOX_SLOWLY_TESTED_PATHS def ${best})
+  list(REMOVE_DUPLICATES VOX_SLOWLY_TESTED_PATHS)
+endif()
 
 # The setting that forces a path: a processor type, or the reproducibility branch for cnr_def.
 set(_vox_types def ssse3 sse42 avx avx2 avx512_zel avx512)
@@ -62,7 +76,12 @@ function(vox_register_test test command)
 endfunction()
 
 function(vox_register_test_per_path test command)
-  foreach(path IN LISTS VOX_RUNNABLE_PATHS)
+  if("slow" IN_LIST ARGN)
+    set(paths ${VOX_SLOWLY_TESTED_PATHS})
+  else()
+    set(paths ${VOX_TESTED_PATHS})
+  endif()
+  foreach(path IN LISTS paths)
     vox_path_environment(${path} setting)
     vox_register_test(${test}.${path} "${command}" ${ARGN})
     set_tests_properties(${test}.${path} PROPERTIES

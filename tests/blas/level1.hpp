@@ -2,6 +2,7 @@
 // C form, and long double mathematics to compare with.
 #pragma once
 
+#include <cmath>
 #include <complex>
 #include <ostream>
 #include <vector>
@@ -40,8 +41,6 @@ wide widen(T a) {
     else
         return a;
 }
-// std::abs takes care of a range that long double does not need.
-inline long double modulus(wide a) { return std::sqrt(std::norm(a)); }
 // The imaginary part is dropped for real types.
 template <class T>
 T narrow(wide a) {
@@ -51,6 +50,9 @@ T narrow(wide a) {
     else
         return R(a.real());
 }
+
+// std::abs without its care for the ends of the range, which those of the tested types never reach.
+inline long double modulus(wide a) { return std::sqrt(std::norm(a)); }
 
 template <class T>
 std::vector<T> random_numbers(size_t n, unsigned seed) {

@@ -33,13 +33,14 @@ class Level2Threads : public Threads {};
 using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
 TYPED_TEST_SUITE(Level2Threads, types);
 
+// The largest of each kind are enough for seven threads.
+template <class T>
 std::vector<std::pair<vox_int, vox_int>> shapes(bool band, bool rectangular) {
-    std::vector<std::pair<vox_int, vox_int>> all = {{100, 100}, {129, 129}, {300, 300}, {701, 701}};
-    if (band)
-        all.back() = {9001, 9001};
+    const vox_int most = band ? 9001 : vox_int(701 * std::sqrt(4.0 / sizeof(T)));
+    std::vector<std::pair<vox_int, vox_int>> all = {
+        {100, 100}, {129, 129}, {300, 300}, {most, most}};
     if (rectangular)
-        all.insert(all.end(),
-                   {{1, 500}, {500, 1}, {3, 30011}, {30011, 3}, {150, 4001}, {4001, 150}});
+        all.insert(all.end(), {{1, 500}, {500, 1}, {3, 30011}, {30011, 3}, {85, 4001}, {4001, 85}});
     return all;
 }
 
@@ -48,7 +49,7 @@ TYPED_TEST(Level2Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
     for (const routine<TypeParam> &r : routines<TypeParam>())
         for (int threads : {1, 2, 3, 7}) {
             vox_set_num_threads_local(threads);
-            for (const auto &[m, n] : shapes(r.has('k'), r.has('m')))
+            for (const auto &[m, n] : shapes<TypeParam>(r.has('k'), r.has('m')))
                 EXPECT_EQ(fault(r, m, n, lots), "") << threads << " threads";
         }
 }
@@ -57,9 +58,9 @@ template <class T>
 std::string some_faults(unsigned caller) {
     lottery lots(caller);
     std::string faults;
-    for (int call = 0; call < 25; ++call) {
+    for (int call = 0; call < 10; ++call) {
         const routine<T> &r = routines<T>()[lots.number() % routines<T>().size()];
-        faults += fault(r, 310 + vox_int(caller), 310 + 7 * call, lots);
+        faults += fault(r, 310 + vox_int(caller), 310 + 17 * call, lots);
     }
     return faults;
 }

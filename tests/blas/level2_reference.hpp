@@ -122,7 +122,8 @@ class trial {
   public:
     trial(const routine<T> &r, const arguments<T> &a, unsigned seed, std::optional<plant> p = {})
         : r_(r), given_(a), s_(r, a), seed_(seed), alpha_(widen(a.alpha)), beta_(widen(a.beta)),
-          transposed_(r.has('t') && std::toupper(a.trans) != 'N'),
+          triangular_(r.has('d')), symmetric_(r.has('u')), hermitian_(r.hermitian()),
+          two_vectors_(r.has('Y')), transposed_(r.has('t') && std::toupper(a.trans) != 'N'),
           conjugated_(std::toupper(a.trans) == 'C'),
           unit_(r.has('d') && std::toupper(a.diag) == 'U'), rows_(transposed_ ? s_.n : s_.m),
           columns_(transposed_ ? s_.m : s_.n), nx_(r.updates() ? s_.m : columns_),
@@ -137,9 +138,9 @@ class trial {
     // Makes the call; says what is wrong with its outcome, or nothing.
     std::string fault(const form<T> &call) const {
         const edge where = seed_ % 4 ? edge::back : edge::front;
-        const guarded<T> a(a_, where), x(x_, where), y(y_, where);
+        guarded<T> a(a_, where), x(x_, where), y(y_, where);
         const guarded<T> &result = r_.updates() ? a : r_.has('b') ? y : x;
-        for (const guarded<T> *operand : {&a, &x, &y})
+        for (guarded<T> *operand : {&a, &x, &y})
             if (operand != &result)
                 operand->freeze();
         arguments<T> arguments = given_;
@@ -224,16 +225,14 @@ class trial {
             return widen(vox::one<T>);
         if (!s_.holds(i, j)) { // the other triangle
             std::swap(i, j);
-            conjugated = r_.hermitian();
+            conjugated = hermitian_;
         }
         const wide<T> stored = widen(a_[size_t(s_.offset(i, j))]);
-        return i == j && r_.hermitian() ? real_part(stored)
-               : conjugated             ? conjugate(stored)
-                                        : stored;
+        return i == j && hermitian_ ? real_part(stored) : conjugated ? conjugate(stored) : stored;
     }
     std::pair<int64_t, int64_t> terms(int64_t i) const {
         int64_t below = transposed_ ? s_.ku : s_.kl, above = transposed_ ? s_.kl : s_.ku;
-        if (r_.has('u') && !r_.has('d'))
+        if (symmetric_ && !triangular_)
             below = above = std::max(below, above);
         return {std::max<int64_t>(0, i - below), std::min(columns_, i + above + 1)};
     }
@@ -242,12 +241,12 @@ class trial {
 
     // A zero in a vector leaves its column of the array out, NaN or not (its row, by rows): in updates
     // and where op(A) of a triangle is taken by columns.
-    bool triangle_by_columns() const { return r_.has('d') && transposed_ == s_.row_major; }
+    bool triangle_by_columns() const { return triangular_ && transposed_ == s_.row_major; }
     bool left_out_of_update(int64_t i, int64_t j) const {
         const int64_t k = s_.row_major ? i : j;
-        if (!r_.has('u'))
+        if (!symmetric_)
             return size(s_.row_major ? x(k) : y(k)) == 0;
-        return size(x(k)) == 0 && (!r_.has('Y') || size(y(k)) == 0);
+        return size(x(k)) == 0 && (!two_vectors_ || size(y(k)) == 0);
     }
 
     struct outcome {
@@ -260,7 +259,7 @@ class trial {
         const auto [first, end] = terms(i);
         wide<T> sum = {};
         long double magnitude = 0;
-        if (r_.has('d') || size(alpha_) != 0)
+        if (triangular_ || size(alpha_) != 0)
             for (int64_t j = first; j < end; ++j) {
                 const wide<T> e = element(i, j), factor = x(j);
                 if (triangle_by_columns() && size(factor) == 0)
@@ -268,7 +267,7 @@ class trial {
                 sum = sum + e * factor;
                 magnitude += size(e) * size(factor);
             }
-        if (r_.has('d'))
+        if (triangular_)
             return {sum, roundings(end - first) * magnitude};
         magnitude *= size(alpha_);
         sum = size(alpha_) != 0 ? alpha_ * sum : wide<T>{};
@@ -304,17 +303,17 @@ class trial {
 
     outcome update(int64_t i, int64_t j) const {
         const auto factor = [this](wide<T> z) {
-            return r_.hermitian() || r_.name.back() == 'c' ? conjugate(z) : z;
+            return hermitian_ || r_.name.back() == 'c' ? conjugate(z) : z;
         };
-        const bool twice = r_.has('u') && r_.has('Y');
-        const wide<T> second = factor(r_.has('Y') ? y(j) : x(j));
+        const bool twice = symmetric_ && two_vectors_;
+        const wide<T> second = factor(two_vectors_ ? y(j) : x(j));
         wide<T> value = alpha_ * (x(i) * second), old = widen(a_[size_t(s_.offset(i, j))]);
         long double magnitude = size(alpha_) * size(x(i)) * size(second);
         if (twice) {
-            value = value + (r_.hermitian() ? conjugate(alpha_) : alpha_) * (y(i) * factor(x(j)));
+            value = value + (hermitian_ ? conjugate(alpha_) : alpha_) * (y(i) * factor(x(j)));
             magnitude += size(alpha_) * size(y(i)) * size(x(j));
         }
-        if (i == j && r_.hermitian()) {
+        if (i == j && hermitian_) {
             value = real_part(value);
             old = real_part(old);
         }
@@ -342,7 +341,7 @@ class trial {
             for (int64_t j = s_.first(i); j < s_.end(i); ++j) {
                 const int64_t at = s_.offset(i, j);
                 const outcome o = update(i, j);
-                const bool real = i == j && r_.hermitian();
+                const bool real = i == j && hermitian_;
                 if (!agrees(after[at], o.value, o.bound) || (real && vox::imag(after[at]) != 0))
                     return wrong(i, j, after[at], o);
                 expected[size_t(at)] = after[at];
@@ -369,7 +368,7 @@ class trial {
     unsigned seed_;
     wide<T> alpha_;
     const wide<T> beta_;
-    const bool transposed_, conjugated_, unit_;
+    const bool triangular_, symmetric_, hermitian_, two_vectors_, transposed_, conjugated_, unit_;
     const int64_t rows_, columns_, nx_, ny_;
     std::vector<T> a_, x_, y_;
 };

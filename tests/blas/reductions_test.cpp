@@ -49,7 +49,7 @@ long double dot_constant(vox_int n) {
 }
 
 template <class T>
-std::vector<reduction<T>> reductions() {
+std::vector<reduction<T>> make_reductions() {
     using R = real_of<T>;
     std::vector<reduction<T>> all = {
         {"dot",
@@ -117,18 +117,26 @@ std::vector<reduction<T>> reductions() {
     }
     return all;
 }
+template <class T>
+const std::vector<reduction<T>> &reductions() {
+    static const std::vector<reduction<T>> all = make_reductions<T>();
+    return all;
+}
 
 // The place of the best magnitude by the reference's loop; C counts from 0.
 template <class T, class Better>
 int64_t place_of_best(const shape &s, const T *x, Better better) {
     if (s.n < 1 || s.incx < 1)
         return 0;
-    vox_int best = 0;
     using R = real_of<T>;
     const auto key = [&](vox_int i) { return R(magnitude(x[size_t(i) * size_t(s.incx)])); };
+    vox_int best = 0;
+    R best_key = key(best);
     for (vox_int i = 1; i < s.n; ++i)
-        if (better(key(i), key(best)))
+        if (const R k = key(i); better(k, best_key)) {
             best = i;
+            best_key = k;
+        }
     return best + 1;
 }
 template <class T>
