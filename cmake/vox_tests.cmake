@@ -7,9 +7,9 @@
 # vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
 #
 # It links libvox.so as a user would; INTERNAL links the static library, whose hidden functions a
-# test of pure logic may call. PER_PATH registers it once per code path;
-# the test's main checks that the path that was asked for is the one that runs. Everything but what is
-# labelled "slow" is part of the quick loop (ctest -L quick).
+# test of pure logic may call. PER_PATH registers it once per code path; the test's
+# main checks that the path that was asked for is the one that runs. Everything but what is labelled
+# "slow" is part of the quick loop (ctest -L quick).
 find_package(GTest REQUIRED)
 include(GoogleTest)
 

@@ -8,6 +8,7 @@
 #include "serv/parallel.hpp"
 #include "tests/support/child.hpp"
 #include "tests/support/numbers.hpp"
+#include "tests/support/thread_counts.hpp"
 #include "vox/vox.h"
 
 namespace {
@@ -36,11 +37,7 @@ double in_parts(int64_t parts, int64_t n, const double *x, int64_t incx, const d
 
 class DotThreads : public ::testing::Test {
   protected:
-    void SetUp() override { vox_set_dynamic(0); } // as many threads as asked for, cores or not
-    void TearDown() override {
-        vox_set_num_threads_local(0);
-        vox_set_dynamic(1);
-    }
+    const thread_counts counts;
 };
 
 TEST_F(DotThreads, FormsPartsOfAtLeast2048ElementsAndAddsThemInOrder) {
@@ -52,7 +49,7 @@ TEST_F(DotThreads, FormsPartsOfAtLeast2048ElementsAndAddsThemInOrder) {
                               y = random_vector<double>(200000, 2);
     for (const auto &c : cases)
         for (int incx : {1, -2}) {
-            vox_set_num_threads_local(c.threads);
+            counts.set(c.threads);
             const int64_t n = c.n, one = 1, step = incx;
             EXPECT_EQ(vox_blas_ddot(&n, x.data(), &step, y.data(), &one),
                       in_parts(c.parts, n, x.data(), incx, y.data(), 1))
@@ -63,7 +60,7 @@ TEST_F(DotThreads, FormsPartsOfAtLeast2048ElementsAndAddsThemInOrder) {
 TEST_F(DotThreads, MoreThan512PartsTakeTheirPartialsFromScratchMemory) {
     const int64_t n = 600 * 2048, one = 1;
     const std::vector<double> x = random_vector<double>(size_t(n), 3);
-    vox_set_num_threads_local(600);
+    counts.set(600);
     const double got = vox_blas_ddot(&n, x.data(), &one, x.data(), &one);
     EXPECT_EQ(got, in_parts(600, n, x.data(), 1, x.data(), 1));
 }
@@ -72,7 +69,7 @@ TEST_F(DotThreads, AZeroIncrementRunsSerially) {
     const int64_t n = 10000, zero = 0, one = 1;
     const double x = 3;
     const std::vector<double> y(size_t(n), 0.5);
-    vox_set_num_threads_local(4);
+    counts.set(4);
     EXPECT_EQ(vox_blas_ddot(&n, &x, &zero, y.data(), &one), 15000);
 }
 
@@ -80,10 +77,10 @@ TEST_F(DotThreads, ManyCallersAtOnceEachGetTheirOwnResult) {
     std::vector<std::thread> callers;
     std::vector<int> wrong(16, 0);
     for (size_t c = 0; c < wrong.size(); ++c)
-        callers.emplace_back([c, &wrong] {
+        callers.emplace_back([this, c, &wrong] {
             const int64_t n = 5000 + 100 * int64_t(c), one = 1;
             const std::vector<double> ones(size_t(n), 1.0);
-            vox_set_num_threads_local(int(c % 3) + 1);
+            counts.set(int(c % 3) + 1);
             for (int repeat = 0; repeat < 20; ++repeat)
                 wrong[c] += vox_blas_ddot(&n, ones.data(), &one, ones.data(), &one) != double(n);
         });

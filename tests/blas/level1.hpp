@@ -7,8 +7,10 @@
 #include <ostream>
 #include <vector>
 
+#include "serv/scalar.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/numbers.hpp"
+#include "tests/support/thread_counts.hpp"
 #include "vox/vox.h"
 
 namespace test {
@@ -17,22 +19,8 @@ using cfloat = vox_complex_float;
 using cdouble = vox_complex_double;
 using wide = std::complex<long double>;
 
-template <class T>
-struct real_part {
-    using type = T;
-};
-template <>
-struct real_part<cfloat> {
-    using type = float;
-};
-template <>
-struct real_part<cdouble> {
-    using type = double;
-};
-template <class T>
-using real_of = typename real_part<T>::type;
-template <class T>
-constexpr bool is_complex = !std::is_same_v<T, real_of<T>>;
+using vox::is_complex;
+using vox::real_of;
 
 template <class T>
 wide widen(T a) {
@@ -94,16 +82,6 @@ inline std::vector<shape> shapes() {
             all.push_back({n, incx, incy});
     return all;
 }
-
-// As many threads as asked for in this scope, whatever the number of cores.
-struct thread_counts {
-    thread_counts() { vox_set_dynamic(0); }
-    ~thread_counts() {
-        vox_set_num_threads_local(0);
-        vox_set_dynamic(1);
-    }
-    void set(int threads) const { vox_set_num_threads_local(threads); }
-};
 
 // name(form, arguments by value) calls the Fortran or the C form.
 #define COMMON(p, T, in)                                                                           \

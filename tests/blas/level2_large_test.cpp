@@ -7,6 +7,7 @@
 
 #include "tests/blas/level2_draw.hpp"
 #include "tests/blas/level2_reference.hpp"
+#include "tests/support/thread_counts.hpp"
 
 namespace {
 
@@ -20,16 +21,8 @@ std::string fault(const routine<T> &r, vox_int m, vox_int n, lottery &lots) {
     return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
 }
 
-class Threads : public ::testing::Test {
-  protected:
-    void SetUp() override { vox_set_dynamic(0); } // as many threads as asked for, cores or not
-    void TearDown() override {
-        vox_set_num_threads_local(0);
-        vox_set_dynamic(1);
-    }
-};
 template <class T>
-class Level2Threads : public Threads {};
+class Level2Threads : public ::testing::Test {};
 using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
 TYPED_TEST_SUITE(Level2Threads, types);
 
@@ -45,10 +38,11 @@ std::vector<std::pair<vox_int, vox_int>> shapes(bool band, bool rectangular) {
 }
 
 TYPED_TEST(Level2Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
+    const thread_counts counts;
     lottery lots(1);
     for (const routine<TypeParam> &r : routines<TypeParam>())
         for (int threads : {1, 2, 3, 7}) {
-            vox_set_num_threads_local(threads);
+            counts.set(threads);
             for (const auto &[m, n] : shapes<TypeParam>(r.has('k'), r.has('m')))
                 EXPECT_EQ(fault(r, m, n, lots), "") << threads << " threads";
         }
@@ -65,13 +59,14 @@ std::string some_faults(unsigned caller) {
     return faults;
 }
 
-TEST_F(Threads, ManyCallersAtOnceEachGetTheirOwnResults) {
+TEST(Level2Callers, EachGetTheirOwnResults) {
+    const thread_counts counts;
     constexpr unsigned callers = 8;
     std::string faults[callers];
     std::vector<std::thread> team;
     for (unsigned c = 0; c < callers; ++c)
-        team.emplace_back([c, &faults] {
-            vox_set_num_threads_local(int(c % 3) + 1);
+        team.emplace_back([c, &counts, &faults] {
+            counts.set(int(c % 3) + 1);
             faults[c] = some_faults<float>(c) + some_faults<double>(c) +
                         some_faults<vox_complex_float>(c) + some_faults<vox_complex_double>(c);
         });
