@@ -33,6 +33,14 @@ endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/code_path_list.hpp.in
                ${PROJECT_BINARY_DIR}/generated/serv/code_path_list.hpp @ONLY)
 
+# Checked kernels take minutes to compile: a sanitizer looks at those of three paths, with its checks as
+# calls, and without those of alignment and null in every element's access. Tests run these paths alone.
+set(VOX_SANITIZED_PATHS def avx2 avx512)
+set(_vox_unchecked -fno-sanitize=all -O1 -g0)
+set(_vox_checked_address --param=asan-instrumentation-with-call-threshold=0 -O1)
+set(_vox_checked_undefined -fno-sanitize=alignment,null -O1)
+set(_vox_checked_thread -O1)
+
 # vox_add_kernels(<family> <sources...>): compiles each kernel source once per code path and adds the
 # objects to the library. In the source, VOX_KERNEL(<family>, <routine>) names the copy.
 function(vox_add_kernels family)
@@ -41,6 +49,11 @@ function(vox_add_kernels family)
     add_library(${target} OBJECT ${ARGN})
     target_link_libraries(${target} PRIVATE vox_options)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}})
+    if(VOX_SANITIZE AND path IN_LIST VOX_SANITIZED_PATHS)
+      target_compile_options(${target} PRIVATE ${_vox_checked_${VOX_SANITIZE}})
+    elseif(VOX_SANITIZE)
+      target_compile_options(${target} PRIVATE ${_vox_unchecked})
+    endif()
     target_compile_definitions(${target} PRIVATE VOX_PATH=${path})
     set_property(GLOBAL APPEND PROPERTY VOX_OBJECTS ${target})
     set_property(GLOBAL APPEND PROPERTY VOX_KERNEL_OBJECTS ${target})

@@ -1,8 +1,8 @@
 # vox_register_test(<test> <command> [labels...]), and vox_register_test_per_path: the same once per code
 # path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that this machine
-# can run, all are tested; def and the last, which is the best, by what is labelled "slow". A sanitizer
-# looks at shared code rather than numbers and takes its time: there it is def, avx2 and the best, and
-# for what is slow the best alone.
+# can run, all are tested; def and the last, which is the best, by what is labelled "slow". Sanitizers
+# take their time: with one, it is those that it looks at (cmake/code_paths.cmake), and the best alone for
+# what is slow.
 #
 # vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
 #
@@ -30,14 +30,14 @@ foreach(path IN LISTS VOX_CODE_PATHS)
 endforeach()
 message(STATUS "Code paths this machine can run: ${VOX_RUNNABLE_PATHS}")
 
-list(GET VOX_RUNNABLE_PATHS -1 best)
+set(VOX_TESTED_PATHS ${VOX_RUNNABLE_PATHS})
 if(VOX_SANITIZE)
-  set(VOX_TESTED_PATHS ${VOX_RUNNABLE_PATHS})
-  list(FILTER VOX_TESTED_PATHS INCLUDE REGEX "^(def|avx2|${best})$")
-  set(VOX_SLOWLY_TESTED_PATHS ${best})
-else()
-  set(VOX_TESTED_PATHS ${VOX_RUNNABLE_PATHS})
-  set(VOX_SLOWLY_TESTED_PATHS def ${best})
+  string(REPLACE ";" "|" names "${VOX_SANITIZED_PATHS}")
+  list(FILTER VOX_TESTED_PATHS INCLUDE REGEX "^(${names})$")
+endif()
+list(GET VOX_TESTED_PATHS -1 VOX_SLOWLY_TESTED_PATHS)
+if(NOT VOX_SANITIZE)
+  list(PREPEND VOX_SLOWLY_TESTED_PATHS def)
   list(REMOVE_DUPLICATES VOX_SLOWLY_TESTED_PATHS)
 endif()
 
