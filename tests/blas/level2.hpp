@@ -102,7 +102,7 @@ struct routine {
         if (!has('L'))
             return 0;
         if (has('k'))
-            return a.kl + a.ku + 1;
+            return vox_int(std::max<int64_t>(1, int64_t(a.kl) + a.ku + 1));
         return std::max(1, has('m') && a.layout == CblasColMajor ? a.m : a.n);
     }
 };
