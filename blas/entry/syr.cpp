@@ -120,15 +120,15 @@ void c_update(const char *name, bool hermitian, const Target &target, CBLAS_LAYO
 #define ROUTINES(p, T, S, syr_, SYR_, spr_, SPR_, kind_)                                           \
     static constexpr auto syr_##_driver = syr<kind::kind_, p##kernel>;                             \
     static constexpr auto spr_##_driver = spr<kind::kind_, p##kernel>;                             \
-    static constexpr auto syr_##2_driver = syr2<kind::kind_, p##kernel>;                           \
-    static constexpr auto spr_##2_driver = spr2<kind::kind_, p##kernel>;                           \
     VOX_BLAS_CHECKED_ROUTINE(syr_, SYR_, VOX_SYR_PARAMETERS(T, S, vox_int),                        \
                              VOX_SYR_PARAMETERS(T, S, vox::index_t), VOX_SYR_ARGUMENTS, check_syr, \
                              syr_##_driver)                                                        \
     VOX_BLAS_CHECKED_ROUTINE(spr_, SPR_, VOX_SPR_PARAMETERS(T, S, vox_int),                        \
                              VOX_SPR_PARAMETERS(T, S, vox::index_t), VOX_SPR_ARGUMENTS, check_spr, \
                              spr_##_driver)
-#define ROUTINES_2(p, T, syr2_, SYR2_, spr2_, SPR2_)                                               \
+#define ROUTINES_2(p, T, syr2_, SYR2_, spr2_, SPR2_, kind_)                                        \
+    static constexpr auto syr2_##_driver = syr2<kind::kind_, p##kernel>;                           \
+    static constexpr auto spr2_##_driver = spr2<kind::kind_, p##kernel>;                           \
     VOX_BLAS_CHECKED_ROUTINE(syr2_, SYR2_, VOX_SYR2_PARAMETERS(T, vox_int),                        \
                              VOX_SYR2_PARAMETERS(T, vox::index_t), VOX_SYR2_ARGUMENTS, check_syr2, \
                              syr2_##_driver)                                                       \
@@ -183,7 +183,7 @@ VOX_PRECISIONS(KERNEL)
 
 #define REAL(p, P, T)                                                                              \
     ROUTINES(p, T, T, p##syr, P##SYR, p##spr, P##SPR, symmetric)                                   \
-    ROUTINES_2(p, T, p##syr2, P##SYR2, p##spr2, P##SPR2)                                           \
+    ROUTINES_2(p, T, p##syr2, P##SYR2, p##spr2, P##SPR2, symmetric)                                \
     C_SYR(T, T, p##syr, P##SYR, false, p##syr_driver)                                              \
     C_SPR(T, T, p##spr, P##SPR, false, p##spr_driver)                                              \
     C_SYR2(T, p##syr2, P##SYR2, false, p##syr2_driver)                                             \
@@ -193,7 +193,7 @@ VOX_REAL_PRECISIONS(REAL)
 #define COMPLEX(p, P, T)                                                                           \
     ROUTINES(p, T, T, p##syr, P##SYR, p##spr, P##SPR, symmetric)                                   \
     ROUTINES(p, T, vox::real_of<T>, p##her, P##HER, p##hpr, P##HPR, hermitian)                     \
-    ROUTINES_2(p, T, p##her2, P##HER2, p##hpr2, P##HPR2)                                           \
+    ROUTINES_2(p, T, p##her2, P##HER2, p##hpr2, P##HPR2, hermitian)                                \
     C_SYR(T, vox::real_of<T>, p##her, P##HER, true, (syr<kind::row_major, p##kernel>))             \
     C_SPR(T, vox::real_of<T>, p##hpr, P##HPR, true, (spr<kind::row_major, p##kernel>))             \
     C_SYR2(T, p##her2, P##HER2, true, (syr2<kind::row_major, p##kernel>))                          \

@@ -62,7 +62,7 @@ std::vector<routine<T>> make_routines() {
     const std::pair<T, T> factors[] = {{alpha, beta}, {none, beta}, {alpha, none}, {none, none}};
     for (auto [first, second] : factors)
         all.push_back({"axpby",
-                       [=](form f, const shape &s, T *x, T *y) {
+                       [first = first, second = second](form f, const shape &s, T *x, T *y) {
                            axpby(f, s.n, first, x, s.incx, second, y, s.incy);
                        },
                        linear(1, 0, widen(first), widen(second))});
