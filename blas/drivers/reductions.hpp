@@ -6,13 +6,12 @@
 
 namespace vox::level1 {
 
-// Where two threads begin to gain on one; the real dot products' rule is part of their description.
+// Where two threads begin to gain on one; the rule of ddot is part of its description.
 template <class T>
 constexpr parts::rule cut_one = parts::from_bytes<T>(192 * 1024);
-template <class T, class R>
-constexpr parts::rule cut_dot =
-    std::is_same_v<T, R> && !is_complex<T> ? parts::rule{4096, 2048}
-                                           : parts::from_bytes<T>(128 * 1024);
+template <class T>
+constexpr parts::rule cut_dot = std::is_same_v<T, double> ? parts::rule{4096, 2048}
+                                                          : parts::from_bytes<T>(128 * 1024);
 
 template <class Kernel, class T>
 inline auto dot(Kernel kernel, index_t n, const T *x, index_t incx, const T *y, index_t incy) {
@@ -20,7 +19,7 @@ inline auto dot(Kernel kernel, index_t n, const T *x, index_t incx, const T *y, 
     if (n < 1)
         return R{};
     return parts::reduce<R>(
-        n, cut_dot<T, R>, {incx, incy},
+        n, cut_dot<T>, {incx, incy},
         [=](const auto &p) {
             return parts::call(kernel, p.length, p.of(x, incx), incx, p.of(y, incy), incy);
         },

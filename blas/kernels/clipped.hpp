@@ -9,14 +9,14 @@ namespace panels {
 
 using vox::columns;
 
-VOX_PANEL index_t larger(index_t a, index_t b) { return a > b ? a : b; }
-VOX_PANEL index_t smaller(index_t a, index_t b) { return a < b ? a : b; }
+VOX_INLINE index_t larger(index_t a, index_t b) { return a > b ? a : b; }
+VOX_INLINE index_t smaller(index_t a, index_t b) { return a < b ? a : b; }
 
 // The C columns of A from column j on, as pointers to their row i.
 template <int C, class T>
 struct pointers {
     T *at[C];
-    VOX_PANEL pointers(const columns<T> &A, index_t j, index_t i) {
+    VOX_INLINE pointers(const columns<T> &A, index_t j, index_t i) {
         at[0] = A(j) + i;
         index_t step = A.lda + A.bend * j; // from column j to the next
         unroll<C - 1>([&](auto c) VOX_INLINED {
@@ -29,8 +29,8 @@ struct pointers {
 // panel(from, to) for the rows that columns j .. j + C - 1 share, and element(c, column, i)
 // for what column j + c has beyond them, at the ragged ends of band matrices.
 template <int C, class T, class Panel, class Element>
-VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t end,
-                       const Panel &panel, const Element &element) {
+VOX_INLINE void clipped(const columns<T> &A, index_t j, index_t first, index_t end,
+                        const Panel &panel, const Element &element) {
     if (first >= end)
         return;
     index_t from = larger(first, A.first(j + C - 1)), to = smaller(end, A.end(j));
@@ -57,8 +57,8 @@ VOX_PANEL void clipped(const columns<T> &A, index_t j, index_t first, index_t en
 // y[i] += sum_j A(i, j) s[j], or with conj(A), over columns j .. j + C - 1 and rows first .. end.
 // s is given for column j on, y for row 0 on.
 template <int C, class T>
-VOX_PANEL void across_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
-                              const T *s, T *y, bool conjugate) {
+VOX_INLINE void across_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
+                               const T *s, T *y, bool conjugate) {
     clipped<C>(
         A, j, first, end,
         [&](index_t from, index_t to) VOX_INLINED {
@@ -71,8 +71,8 @@ VOX_PANEL void across_clipped(const columns<const T> &A, index_t j, index_t firs
 
 // t[j] = sum_i A(i, j) x[i], or with conj(A); x is given for row 0 on, t for column j on.
 template <int C, class T>
-VOX_PANEL void along_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
-                             const T *x, T *t, bool conjugate) {
+VOX_INLINE void along_clipped(const columns<const T> &A, index_t j, index_t first, index_t end,
+                              const T *x, T *t, bool conjugate) {
     unroll<C>([&](auto c) VOX_INLINED { t[c] = T{}; });
     clipped<C>(
         A, j, first, end,
@@ -99,7 +99,7 @@ __attribute__((noinline)) void shared_along(const columns<const T> &A, index_t j
 // step(constant<C>, j) for all columns, forwards or backwards, in groups of C columns as long as
 // they go, then of the next smaller size that is given.
 template <int C, int... Smaller, class Step>
-VOX_PANEL void for_groups(bool forwards, index_t first, index_t end, const Step &step) {
+VOX_INLINE void for_groups(bool forwards, index_t first, index_t end, const Step &step) {
     if (forwards)
         for (; end - first >= C; first += C)
             step(constant<C>(), first);

@@ -1,4 +1,4 @@
-// elements.hpp - vectors of real and complex numbers as level 1 walks them.
+// elements.hpp - vectors of real and complex numbers as the kernels walk them.
 //
 // A vector is walked in units of its real type R: a contiguous one in SIMD vectors of R, whatever its
 // element type; a strided one element by element, where an element is a scalar of R or a pair of

@@ -8,20 +8,9 @@ using namespace panels;
 using vox::is_zero;
 using vox::product_job;
 
-// s v for a vector of elements.
-template <class T, class V>
-VOX_PANEL V times(T s, V v) {
-    constexpr int bytes = int(sizeof(V));
-    if constexpr (is_complex<T>)
-        return fma(swap_pairs(v), broadcast_pair<bytes>(-imag(s), imag(s)),
-                   v * broadcast<bytes>(real(s)));
-    else
-        return v * broadcast<bytes>(s);
-}
-
 // beta = 0 overwrites.
 template <class T>
-VOX_PANEL void scale(T beta, T *y, index_t n) {
+VOX_INLINE void scale(T beta, T *y, index_t n) {
     using R = real_of<T>;
     if (real(beta) == 1 && imag(beta) == 0)
         return;
@@ -39,12 +28,12 @@ template <class T>
 struct join_y {
     bool none, plain;
     T beta;
-    VOX_PANEL explicit join_y(T b)
+    VOX_INLINE explicit join_y(T b)
         : none(is_zero(b)), plain(real(b) == 1 && imag(b) == 0), beta(b) {}
 
-    VOX_PANEL void put(T *y, T v) const { *y = none ? v : plain ? *y + v : beta * *y + v; }
+    VOX_INLINE void put(T *y, T v) const { *y = none ? v : plain ? *y + v : beta * *y + v; }
     template <class V, class Access>
-    VOX_PANEL void put(T *y, V v, Access access) const {
+    VOX_INLINE void put(T *y, V v, Access access) const {
         if (!none) {
             const V old = access.get(y);
             v += plain ? old : times(beta, old);
@@ -57,11 +46,11 @@ struct join_y {
 template <int Bytes>
 struct exactly {
     template <class T>
-    VOX_PANEL auto get(const T *p) const {
+    VOX_INLINE auto get(const T *p) const {
         return load<Bytes>(flat(p));
     }
     template <class T, class V>
-    VOX_PANEL void put(T *p, V v) const {
+    VOX_INLINE void put(T *p, V v) const {
         store(flat(p), v);
     }
 };
@@ -70,9 +59,9 @@ struct exactly {
 // registers over all columns. Columns in turn go to different sums, so that as many additions are
 // in flight as the units can take.
 template <int Vectors, class T, class Access>
-VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end_column,
-                    index_t row, T alpha, const T *x, const join_y<T> &join_with, T *y,
-                    bool conjugate, Access last) {
+VOX_INLINE void tile(const columns<const T> &A, index_t first_column, index_t end_column,
+                     index_t row, T alpha, const T *x, const join_y<T> &join_with, T *y,
+                     bool conjugate, Access last) {
     using R = real_of<T>;
     constexpr int w = width<T>;
     constexpr int turns = Vectors * parts<T> >= 8 ? 1 : Vectors * parts<T> >= 4 ? 2 : 4;
@@ -117,7 +106,7 @@ VOX_PANEL void tile(const columns<const T> &A, index_t first_column, index_t end
 }
 
 template <class T>
-VOX_PANEL void in_tiles(const product_job<T> &job) {
+VOX_INLINE void in_tiles(const product_job<T> &job) {
     constexpr int w = width<T>, most = 8 / parts<T>;
     const join_y<T> join(job.beta);
     index_t row = job.first_row;
@@ -135,20 +124,17 @@ VOX_PANEL void in_tiles(const product_job<T> &job) {
     });
 }
 
-// Matrices up to so many bytes are near enough for tiles, which walk from column to column; larger
-// ones are streamed a few columns at a time.
-constexpr index_t near_bytes = 512 * 1024;
-
+// Matrices that are near enough for tiles, which walk from column to column; larger ones are streamed a
+// few columns at a time.
 template <class T>
-VOX_PANEL bool is_near(const product_job<T> &job) {
+VOX_INLINE bool is_near(const product_job<T> &job) {
     const index_t size = (job.end_column - job.first_column) * (job.end_row - job.first_row);
-    return job.a.above == vox::all_rows && job.a.bend == 0 &&
-           size * index_t(sizeof(T)) < near_bytes;
+    return job.a.above == vox::all_rows && job.a.bend == 0 && size * index_t(sizeof(T)) < far_bytes;
 }
 
 // Columns in the given groups against x; y takes one element from each.
 template <int... Groups, class T>
-VOX_PANEL void along_columns(const product_job<T> &job) {
+VOX_INLINE void along_columns(const product_job<T> &job) {
     const join_y<T> join(job.beta);
     for_groups<Groups...>(
         true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
@@ -169,7 +155,7 @@ VOX_PANEL void along_columns(const product_job<T> &job) {
 }
 
 template <class T>
-VOX_PANEL void across_columns(const product_job<T> &job) {
+VOX_INLINE void across_columns(const product_job<T> &job) {
     const index_t first = job.first_row, end = job.end_row;
     scale(job.beta, job.y + first, end - first);
     for_groups<group<T>, 1>(
@@ -181,7 +167,7 @@ VOX_PANEL void across_columns(const product_job<T> &job) {
 }
 
 template <class T>
-VOX_PANEL void gemv(const product_job<T> &job) {
+VOX_INLINE void gemv(const product_job<T> &job) {
     if (VOX_UNLIKELY(is_zero(job.alpha)))
         scale(job.beta, job.y + (job.transposed ? job.first_column : job.first_row),
               job.transposed ? job.end_column - job.first_column : job.end_row - job.first_row);

@@ -12,7 +12,7 @@ using vox::update_job;
 // Columns j .. j + C - 1 get x s, or x s + y r in updates of rank two. Columns whose factors are
 // zero are left out, NaN or not, as the reference does.
 template <int Rank, int C, class T>
-VOX_PANEL void step(const update_job<T> &job, index_t j) {
+VOX_INLINE void step(const update_job<T> &job, index_t j) {
     const bool upper = job.where == job.upper, lower = job.where == job.lower;
     const T *const x = job.x_rows, *const y = job.y_rows;
     T s[C], r[C];
@@ -63,7 +63,7 @@ VOX_PANEL void step(const update_job<T> &job, index_t j) {
 }
 
 template <class T>
-VOX_PANEL void ger(const update_job<T> &job) {
+VOX_INLINE void ger(const update_job<T> &job) {
     if (job.rank_two)
         for_groups<group_of_both<T>, 1>(true, job.first_column, job.end_column,
                                         [&](auto count, index_t j)

@@ -7,24 +7,16 @@
 // Either way a conjugate of A costs nothing.
 #pragma once
 
-#include "serv/scalar.hpp"
-#include "serv/simd.hpp"
+#include "blas/kernels/elements.hpp"
 
 namespace {
 namespace panels {
 
-using namespace simd;
 using vox::conj_if;
 using vox::imag;
-using vox::is_complex;
 using vox::make;
 using vox::real;
-using vox::real_of;
 
-#define VOX_PANEL __attribute__((always_inline)) inline
-
-template <class T>
-constexpr int parts = is_complex<T> ? 2 : 1;
 // Elements of a vector.
 template <class T>
 constexpr int width = lanes<real_of<T>> / parts<T>;
@@ -37,34 +29,25 @@ constexpr int group_of_along = vector_bytes < 64 ? 4 : 8;
 template <class T>
 constexpr int group_of_both = is_complex<T> &&vector_bytes < 64 ? 2 : 4;
 
-template <class T>
-VOX_PANEL const real_of<T> *flat(const T *p) {
-    return reinterpret_cast<const real_of<T> *>(p);
-}
-template <class T>
-VOX_PANEL real_of<T> *flat(T *p) {
-    return reinterpret_cast<real_of<T> *>(p);
-}
-
 // One vector's worth of elements, all of them or the first n.
 struct whole {
     template <class T>
-    VOX_PANEL auto get(const T *p) const {
+    VOX_INLINE auto get(const T *p) const {
         return load(flat(p));
     }
     template <class T, class V>
-    VOX_PANEL void put(T *p, V v) const {
+    VOX_INLINE void put(T *p, V v) const {
         store(flat(p), v);
     }
 };
 struct first_few {
     index_t n;
     template <class T>
-    VOX_PANEL auto get(const T *p) const {
+    VOX_INLINE auto get(const T *p) const {
         return load_partial(flat(p), n * parts<T>);
     }
     template <class T, class V>
-    VOX_PANEL void put(T *p, V v) const {
+    VOX_INLINE void put(T *p, V v) const {
         store_partial(flat(p), v, n * parts<T>);
     }
 };
@@ -72,7 +55,7 @@ struct first_few {
 // step(constant<u>, i, access) for every vector of rows; u tells the vectors of an unrolled round
 // apart.
 template <int Unrolled, class T, class Step>
-VOX_PANEL void for_rows(index_t rows, const Step &step) {
+VOX_INLINE void for_rows(index_t rows, const Step &step) {
     constexpr int w = width<T>;
     index_t i = 0;
     for (; i + Unrolled * w <= rows; i += Unrolled * w)
@@ -88,7 +71,7 @@ VOX_PANEL void for_rows(index_t rows, const Step &step) {
 template <int C, class T>
 struct factors {
     vec<real_of<T>> straight[C], crossed[C];
-    VOX_PANEL explicit factors(const T *s, bool conjugate = false) {
+    VOX_INLINE explicit factors(const T *s, bool conjugate = false) {
         unroll<C>([&](auto c) VOX_INLINED {
             const auto re = real(s[c]), im = imag(s[c]);
             if constexpr (is_complex<T>) {
@@ -105,7 +88,7 @@ struct factors {
 template <class T>
 struct joint {
     vec<real_of<T>> of_re, of_im;
-    VOX_PANEL explicit joint(bool conjugate) {
+    VOX_INLINE explicit joint(bool conjugate) {
         using R = real_of<T>;
         of_re = broadcast_pair(R(1), R(conjugate ? -1 : 1));
         of_im = broadcast_pair(R(conjugate ? 1 : -1), R(1));
@@ -118,13 +101,13 @@ template <int C, class T>
 struct row_vectors {
     vec<real_of<T>> of[C];
     template <class Access>
-    VOX_PANEL row_vectors(const T *const *a, index_t i, Access access) {
+    VOX_INLINE row_vectors(const T *const *a, index_t i, Access access) {
         unroll<C>([&](auto c) VOX_INLINED { of[c] = in_register(access.get(a[c] + i)); });
     }
 };
 
 template <class T, class V>
-VOX_PANEL V swapped(V v) {
+VOX_INLINE V swapped(V v) {
     if constexpr (is_complex<T>)
         return swap_pairs(v);
     else
@@ -133,7 +116,7 @@ VOX_PANEL V swapped(V v) {
 
 // y + sum_c a_c s_c for one vector of rows.
 template <int C, class T>
-VOX_PANEL auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, vec<real_of<T>> y) {
+VOX_INLINE auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, vec<real_of<T>> y) {
     vec<real_of<T>> other{}; // a second chain of additions
     unroll<C>([&](auto c) VOX_INLINED {
         y = fma(a.of[c], s.straight[c], y);
@@ -147,7 +130,7 @@ VOX_PANEL auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, vec<
 
 // y += sum_c a_c s_c, or with conj(a_c).
 template <int C, class T>
-VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bool conjugate) {
+VOX_INLINE void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bool conjugate) {
     const factors<C, T> f(s, conjugate);
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> v(a, i, access);
@@ -159,7 +142,7 @@ VOX_PANEL void across(index_t rows, const T *const (&a)[C], const T *s, T *y, bo
 template <class T>
 struct row_factor {
     vec<real_of<T>> re, im;
-    VOX_PANEL explicit row_factor(vec<real_of<T>> x) {
+    VOX_INLINE explicit row_factor(vec<real_of<T>> x) {
         if constexpr (is_complex<T>) {
             re = even_twice(x);
             im = odd_twice(x);
@@ -175,14 +158,14 @@ struct column_sums {
     vec<real_of<T>> re[C][Unrolled] = {}, im[C][Unrolled] = {};
 
     template <int U>
-    VOX_PANEL void add(constant<U>, int c, vec<real_of<T>> a, const row_factor<T> &x) {
+    VOX_INLINE void add(constant<U>, int c, vec<real_of<T>> a, const row_factor<T> &x) {
         if constexpr (is_complex<T>) {
             a = in_register(a);
             im[c][U] = fma(a, x.im, im[c][U]);
         }
         re[c][U] = fma(a, x.re, re[c][U]);
     }
-    VOX_PANEL void total(T *t, const joint<T> &join) {
+    VOX_INLINE void total(T *t, const joint<T> &join) {
         vec<real_of<T>> sum[C];
         unroll<C>([&](auto c) VOX_INLINED {
             unroll<Unrolled - 1>([&](auto u) VOX_INLINED {
@@ -200,7 +183,7 @@ struct column_sums {
 
 // t_c = sum_i a_c[i] x[i], or with conj(a_c).
 template <int C, class T>
-VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, bool conjugate) {
+VOX_INLINE void along(index_t rows, const T *const (&a)[C], const T *x, T *t, bool conjugate) {
     constexpr int unrolled = C * parts<T> >= 8 ? 1 : 2;
     column_sums<C, T, unrolled> sums;
     for_rows<unrolled, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
@@ -212,8 +195,8 @@ VOX_PANEL void along(index_t rows, const T *const (&a)[C], const T *x, T *t, boo
 
 // Both at once, for symmetric matrices: y += sum_c a_c s_c and t_c = sum_i a_c[i] x[i].
 template <int C, class T>
-VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s, T *y, const T *x,
-                                T *t, bool conjugate_across, bool conjugate_along) {
+VOX_INLINE void across_and_along(index_t rows, const T *const (&a)[C], const T *s, T *y, const T *x,
+                                 T *t, bool conjugate_across, bool conjugate_along) {
     const factors<C, T> f(s, conjugate_across);
     column_sums<C, T, 1> sums;
     for_rows<1, T>(rows, [&](auto u, index_t i, auto access) VOX_INLINED {
@@ -227,7 +210,7 @@ VOX_PANEL void across_and_along(index_t rows, const T *const (&a)[C], const T *s
 
 // a_c += x s_c.
 template <int C, class T>
-VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
+VOX_INLINE void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
     const factors<C, T> f(s);
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> rows_of_a(a, i, access);
@@ -243,8 +226,8 @@ VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
 
 // a_c += x s_c + y r_c.
 template <int C, class T>
-VOX_PANEL void update(index_t rows, T *const (&a)[C], const T *x, const T *s, const T *y,
-                      const T *r) {
+VOX_INLINE void update(index_t rows, T *const (&a)[C], const T *x, const T *s, const T *y,
+                       const T *r) {
     const factors<C, T> f(s), g(r);
     for_rows<1, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> rows_of_a(a, i, access);

@@ -9,7 +9,7 @@ using namespace panels;
 using vox::symmetric_job;
 
 template <bool Upper, int C, class T>
-VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
+VOX_INLINE void step(const symmetric_job<T> &job, index_t j) {
     const bool mirrored = job.conjugate != job.hermitian; // conjugate of the mirrored element
     const T *const x = job.x_rows;
     T *const y = job.y_rows;
@@ -52,7 +52,7 @@ VOX_PANEL void step(const symmetric_job<T> &job, index_t j) {
 }
 
 template <bool Upper, int C, class T>
-VOX_PANEL void all_columns(const symmetric_job<T> &job) {
+VOX_INLINE void all_columns(const symmetric_job<T> &job) {
     for_groups<C, 1>(true, job.first_column, job.end_column,
                      [&](auto count, index_t j) VOX_INLINED { step<Upper, count>(job, j); });
 }

@@ -11,7 +11,7 @@ using vox::triangular_job;
 
 // x += A(:, j ...) x[j ...]. A zero in x leaves its column out, NaN or not, as the reference does.
 template <bool Upper, int C, class T>
-VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
+VOX_INLINE void step_across(const triangular_job<T> &job, index_t j) {
     const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T s[C];
@@ -43,7 +43,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
 }
 
 template <bool Upper, int C, class T>
-VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
+VOX_INLINE void step_along(const triangular_job<T> &job, index_t j) {
     const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T t[C];
@@ -61,7 +61,7 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
 }
 
 template <bool Upper, int C, class T>
-VOX_PANEL void all_columns(const triangular_job<T> &job) {
+VOX_INLINE void all_columns(const triangular_job<T> &job) {
     if (job.transposed)
         for_groups<C, 1>(!Upper, job.first, job.end, [&](auto count, index_t j) VOX_INLINED {
             step_along<Upper, count>(job, j);

@@ -12,7 +12,7 @@ using vox::triangular_job;
 // Solves for x[j ...] from the corner on the diagonal, then takes these columns off the rest. A zero
 // in x leaves its column out, NaN or not, as the reference does.
 template <bool Upper, int C, class T>
-VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
+VOX_INLINE void step_across(const triangular_job<T> &job, index_t j) {
     const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T v[C];
@@ -53,7 +53,7 @@ VOX_PANEL void step_across(const triangular_job<T> &job, index_t j) {
 }
 
 template <bool Upper, int C, class T>
-VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
+VOX_INLINE void step_along(const triangular_job<T> &job, index_t j) {
     const pointers<C, const T> corner(job.a, j, j);
     T *const x = job.x;
     T v[C];
@@ -79,7 +79,7 @@ VOX_PANEL void step_along(const triangular_job<T> &job, index_t j) {
 }
 
 template <bool Upper, int C, class T>
-VOX_PANEL void all_columns(const triangular_job<T> &job) {
+VOX_INLINE void all_columns(const triangular_job<T> &job) {
     if (job.transposed)
         for_groups<C, 1>(Upper, job.first, job.end, [&](auto count, index_t j) VOX_INLINED {
             step_along<Upper, count>(job, j);

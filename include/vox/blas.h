@@ -24,7 +24,7 @@ extern "C" {
  * dsdot: the product of single-precision vectors, in double precision; sdsdot: b + that product, rounded
  * to single precision at the end.
  * Error: gamma(n) sum |x_i y_i|, gamma(n + 2) sqrt(2) sum |x_i y_i| for complex numbers.
- * sdot and ddot run on several threads from n = 4096 on, in parts of at least 2048 elements.
+ * ddot runs on several threads from n = 4096 on, in parts of at least 2048 elements.
  * Complex results are returned by value, as GNU Fortran does it. */
 VOX_FORTRAN(float, sdot, SDOT,
             (const vox_int *n, const float *x, const vox_int *incx, const float *y,
