@@ -42,19 +42,6 @@ struct join_y {
     }
 };
 
-// Exactly so many bytes.
-template <int Bytes>
-struct exactly {
-    template <class T>
-    VOX_INLINE auto get(const T *p) const {
-        return load<Bytes>(flat(p));
-    }
-    template <class T, class V>
-    VOX_INLINE void put(T *p, V v) const {
-        store(flat(p), v);
-    }
-};
-
 // y := beta y + alpha A x for a tile of rows of a full matrix, the last vector of which may be a part: the sums stay in
 // registers over all columns. Columns in turn go to different sums, so that as many additions are
 // in flight as the units can take.
@@ -124,12 +111,12 @@ VOX_INLINE void in_tiles(const product_job<T> &job) {
     });
 }
 
-// Matrices that are near enough for tiles, which walk from column to column; larger ones are streamed a
+// Full matrices that are near enough for tiles, which walk from column to column; larger ones are streamed a
 // few columns at a time.
 template <class T>
 VOX_INLINE bool is_near(const product_job<T> &job) {
     const index_t size = (job.end_column - job.first_column) * (job.end_row - job.first_row);
-    return job.a.above == vox::all_rows && job.a.bend == 0 && size * index_t(sizeof(T)) < far_bytes;
+    return size * index_t(sizeof(T)) < far_bytes;
 }
 
 // Columns in the given groups against x; y takes one element from each.
@@ -154,11 +141,11 @@ VOX_INLINE void along_columns(const product_job<T> &job) {
         });
 }
 
-template <class T>
+template <int... Groups, class T>
 VOX_INLINE void across_columns(const product_job<T> &job) {
     const index_t first = job.first_row, end = job.end_row;
     scale(job.beta, job.y + first, end - first);
-    for_groups<group<T>, 1>(
+    for_groups<Groups...>(
         true, job.first_column, job.end_column, [&](auto count, index_t j) VOX_INLINED {
             T s[count];
             unroll<count>([&](auto c) VOX_INLINED { s[c] = job.alpha * job.x[j + c]; });
@@ -173,10 +160,12 @@ VOX_INLINE void gemv(const product_job<T> &job) {
               job.transposed ? job.end_column - job.first_column : job.end_row - job.first_row);
     else if (job.transposed)
         along_columns<group_of_along<T>, group<T>, 1>(job);
+    else if (job.a.above != vox::all_rows || job.a.bend != 0)
+        across_columns<group<T>, 1>(job);
     else if (is_near(job))
         in_tiles(job);
     else
-        across_columns(job);
+        across_columns<group_of_across<T>, group<T>, 1>(job);
 }
 
 } // namespace

@@ -62,8 +62,29 @@ VOX_INLINE void step(const update_job<T> &job, index_t j) {
     });
 }
 
+// Real rectangles beyond the second-level cache: one column after the other by half vectors streams faster
+// there, see far_bytes.
+template <class T>
+VOX_INLINE void far_rectangle(const update_job<T> &job) {
+    const index_t first = job.first_row, rows = job.end_row - first, whole_rows = rows / 8 * 8;
+    for (index_t j = job.first_column; j < job.end_column; ++j) {
+        const T y = conj_if(job.conjugated, job.y_columns[j]), s = job.alpha * y;
+        if (is_zero(y))
+            continue;
+        const pointers<1, T> p(job.a, j, first), rest(job.a, j, first + whole_rows);
+        update<1, 32>(whole_rows, p.at, job.x_rows + first, &s);
+        update<1>(rows - whole_rows, rest.at, job.x_rows + first + whole_rows, &s);
+    }
+}
+
 template <class T>
 VOX_INLINE void ger(const update_job<T> &job) {
+    if constexpr (vector_bytes == 64 && !is_complex<T>) {
+        const index_t size = (job.end_row - job.first_row) * (job.end_column - job.first_column);
+        if (job.where == job.rectangle && !job.rank_two &&
+            size * index_t(sizeof(T)) >= 2 * far_bytes)
+            return far_rectangle(job);
+    }
     if (job.rank_two)
         for_groups<group_of_both<T>, 1>(true, job.first_column, job.end_column,
                                         [&](auto count, index_t j)

@@ -27,19 +27,23 @@ constexpr int group = 4;
 template <class T>
 constexpr int group_of_along = vector_bytes < 64 ? 4 : 8;
 template <class T>
+constexpr int group_of_across = vector_bytes < 64 ? 4 : 8 / parts<T>;
+template <class T>
 constexpr int group_of_both = is_complex<T> &&vector_bytes < 64 ? 2 : 4;
 
 // One vector's worth of elements, all of them or the first n.
-struct whole {
+template <int Bytes>
+struct exactly {
     template <class T>
     VOX_INLINE auto get(const T *p) const {
-        return load(flat(p));
+        return load<Bytes>(flat(p));
     }
     template <class T, class V>
     VOX_INLINE void put(T *p, V v) const {
         store(flat(p), v);
     }
 };
+using whole = exactly<vector_bytes>;
 struct first_few {
     index_t n;
     template <class T>
@@ -54,31 +58,32 @@ struct first_few {
 
 // step(constant<u>, i, access) for every vector of rows; u tells the vectors of an unrolled round
 // apart.
-template <int Unrolled, class T, class Step>
+template <int Unrolled, class T, int Bytes = vector_bytes, class Step>
 VOX_INLINE void for_rows(index_t rows, const Step &step) {
-    constexpr int w = width<T>;
+    constexpr int w = Bytes / int(sizeof(T));
     index_t i = 0;
     for (; i + Unrolled * w <= rows; i += Unrolled * w)
-        unroll<Unrolled>([&](auto u) VOX_INLINED { step(u, i + u * w, whole()); });
+        unroll<Unrolled>([&](auto u) VOX_INLINED { step(u, i + u * w, exactly<Bytes>()); });
     if constexpr (Unrolled > 1)
         for (; i + w <= rows; i += w)
-            step(constant<0>(), i, whole());
-    if (i < rows)
-        step(constant<0>(), i, first_few{rows - i});
+            step(constant<0>(), i, exactly<Bytes>());
+    if constexpr (Bytes == vector_bytes)
+        if (i < rows)
+            step(constant<0>(), i, first_few{rows - i});
 }
 
 // Factors of C columns, ready for the loop: a s, or conj(a) s, is a straight + swapped(a) crossed.
-template <int C, class T>
+template <int C, class T, int Bytes = vector_bytes>
 struct factors {
-    vec<real_of<T>> straight[C], crossed[C];
+    typename vec_of<real_of<T>, Bytes>::type straight[C], crossed[C];
     VOX_INLINE explicit factors(const T *s, bool conjugate = false) {
         unroll<C>([&](auto c) VOX_INLINED {
             const auto re = real(s[c]), im = imag(s[c]);
             if constexpr (is_complex<T>) {
-                straight[c] = broadcast_pair(re, conjugate ? -re : re);
-                crossed[c] = broadcast_pair(conjugate ? im : -im, im);
+                straight[c] = broadcast_pair<Bytes>(re, conjugate ? -re : re);
+                crossed[c] = broadcast_pair<Bytes>(conjugate ? im : -im, im);
             } else {
-                straight[c] = broadcast(re);
+                straight[c] = broadcast<Bytes>(re);
             }
         });
     }
@@ -97,9 +102,9 @@ struct joint {
 
 // One vector of rows of the C columns, all loaded before anything is stored: a store and a load that
 // are a multiple of 4096 bytes apart, as in columns of many matrices, wait for each other.
-template <int C, class T>
+template <int C, class T, int Bytes = vector_bytes>
 struct row_vectors {
-    vec<real_of<T>> of[C];
+    typename vec_of<real_of<T>, Bytes>::type of[C];
     template <class Access>
     VOX_INLINE row_vectors(const T *const *a, index_t i, Access access) {
         unroll<C>([&](auto c) VOX_INLINED { of[c] = in_register(access.get(a[c] + i)); });
@@ -115,9 +120,9 @@ VOX_INLINE V swapped(V v) {
 }
 
 // y + sum_c a_c s_c for one vector of rows.
-template <int C, class T>
-VOX_INLINE auto rows_sum(const row_vectors<C, T> &a, const factors<C, T> &s, vec<real_of<T>> y) {
-    vec<real_of<T>> other{}; // a second chain of additions
+template <int C, class T, int Bytes, class V>
+VOX_INLINE V rows_sum(const row_vectors<C, T, Bytes> &a, const factors<C, T, Bytes> &s, V y) {
+    V other{}; // a second chain of additions
     unroll<C>([&](auto c) VOX_INLINED {
         y = fma(a.of[c], s.straight[c], y);
         if constexpr (is_complex<T>)
@@ -134,7 +139,7 @@ VOX_INLINE void across(index_t rows, const T *const (&a)[C], const T *s, T *y, b
     const factors<C, T> f(s, conjugate);
     for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
         const row_vectors<C, T> v(a, i, access);
-        access.put(y + i, rows_sum<C>(v, f, access.get(y + i)));
+        access.put(y + i, rows_sum(v, f, access.get(y + i)));
     });
 }
 
@@ -203,17 +208,17 @@ VOX_INLINE void across_and_along(index_t rows, const T *const (&a)[C], const T *
         const row_vectors<C, T> rows_of_a(a, i, access);
         const row_factor<T> v(access.get(x + i));
         unroll<C>([&](auto c) VOX_INLINED { sums.add(u, c, rows_of_a.of[c], v); });
-        access.put(y + i, rows_sum<C>(rows_of_a, f, access.get(y + i)));
+        access.put(y + i, rows_sum(rows_of_a, f, access.get(y + i)));
     });
     sums.total(t, joint<T>(conjugate_along));
 }
 
-// a_c += x s_c.
-template <int C, class T>
+// a_c += x s_c. With vectors of fewer bytes, as many whole ones as there are in the rows.
+template <int C, int Bytes = vector_bytes, class T>
 VOX_INLINE void update(index_t rows, T *const (&a)[C], const T *x, const T *s) {
-    const factors<C, T> f(s);
-    for_rows<2, T>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
-        const row_vectors<C, T> rows_of_a(a, i, access);
+    const factors<C, T, Bytes> f(s);
+    for_rows<2, T, Bytes>(rows, [&](auto, index_t i, auto access) VOX_INLINED {
+        const row_vectors<C, T, Bytes> rows_of_a(a, i, access);
         const auto v = access.get(x + i), w = swapped<T>(v);
         unroll<C>([&](auto c) VOX_INLINED {
             auto sum = fma(v, f.straight[c], rows_of_a.of[c]);
