@@ -23,7 +23,7 @@ VOX_INLINE void scale(T beta, T *y, index_t n) {
                           VOX_INLINED { access.put(y + i, times(beta, access.get(y + i))); });
 }
 
-// beta y + v, for beta = 0 without a look at y.
+// beta y + v; for beta = 0 that is 0 + v, without a look at y, so that no zero comes out negative.
 template <class T>
 struct join_y {
     bool none, plain;
@@ -31,10 +31,12 @@ struct join_y {
     VOX_INLINE explicit join_y(T b)
         : none(is_zero(b)), plain(real(b) == 1 && imag(b) == 0), beta(b) {}
 
-    VOX_INLINE void put(T *y, T v) const { *y = none ? v : plain ? *y + v : beta * *y + v; }
+    VOX_INLINE void put(T *y, T v) const { *y = (none ? T{} : plain ? *y : beta * *y) + v; }
     template <class V, class Access>
     VOX_INLINE void put(T *y, V v, Access access) const {
-        if (!none) {
+        if (none) {
+            v += V{};
+        } else {
             const V old = access.get(y);
             v += plain ? old : times(beta, old);
         }
