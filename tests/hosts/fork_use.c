@@ -7,12 +7,18 @@
 #include "check.h"
 #include "vox/vox.h"
 
-enum { length = 20000 };
-static double ones[length];
+enum { length = 20000, order = 600, cells = order * order };
+static double ones[cells];
 static atomic_int stop;
 
 static void use(void) {
     CHECK(cblas_ddot(length, ones, 1, ones, 1) == length);
+    static double y[length];
+    cblas_dgemv(CblasColMajor, CblasNoTrans, order, order, 1, ones, order, ones, 1, 0, y, 1);
+    CHECK(y[0] == order && y[order - 1] == order);
+    cblas_dsymv(CblasColMajor, CblasLower, order, 1, ones, order, ones, 1, 0, y, 1);
+    CHECK(y[0] == order && y[order - 1] == order);
+    cblas_daxpy(length, 1, ones, 1, y, 1);
     void *block = vox_serv_allocate(5000, 128);
     CHECK(block);
     vox_serv_deallocate(block);
@@ -48,7 +54,7 @@ static void fork_and_use(void) {
 }
 
 int main(void) {
-    for (int i = 0; i < length; ++i)
+    for (int i = 0; i < cells; ++i)
         ones[i] = 1;
     vox_set_dynamic(0);
     vox_set_num_threads(3);

@@ -4,11 +4,30 @@
 #include "check.h"
 #include "vox/vox.h"
 
+enum { order = 700 };
 static double ones[100000];
+static vox_complex_double matrix[order * order], x[2 * order], y[2 * order];
+
+/* Strided vectors go through the stack, piece by piece. */
+static void use_level2(void) {
+    const vox_complex_double one = {1, 0}, zero = {0, 0};
+    cblas_zhemv(CblasColMajor, CblasUpper, order, &one, matrix, order, x, 2, &zero, y, 2);
+    CHECK(y[0].real == order && y[2 * order - 2].real == order);
+    cblas_zgemv(CblasRowMajor, CblasConjTrans, order, order, &one, matrix, order, x, -2, &zero, y,
+                2);
+    CHECK(y[0].real == order && y[2 * order - 2].real == order);
+    cblas_zher2(CblasRowMajor, CblasLower, order, &one, x, 2, x, -2, matrix, order);
+    CHECK(matrix[order].real == 3 && matrix[1].real == 1);
+    cblas_ztrmv(CblasColMajor, CblasUpper, CblasNoTrans, CblasUnit, order, matrix, order, x, 2);
+    CHECK(x[0].real == 1 + 3 * (order - 1) && x[2 * order - 2].real == 1);
+    cblas_ztrsv(CblasColMajor, CblasUpper, CblasNoTrans, CblasUnit, order, matrix, order, x, 2);
+    CHECK(x[0].real == 1 && x[2 * order - 2].real == 1);
+}
 
 static void *use(void *unused) {
     CHECK(cblas_ddot(100000, ones, 1, ones, 1) == 100000);
     CHECK(cblas_ddot(10, ones, 1, ones, -1) == 10);
+    use_level2();
     vox_free(vox_malloc(1000, 64));
     vox_serv_deallocate(vox_serv_allocate(1000, 64));
     char text[100];
@@ -19,6 +38,10 @@ static void *use(void *unused) {
 int main(void) {
     for (int i = 0; i < 100000; ++i)
         ones[i] = 1;
+    for (int i = 0; i < order * order; ++i)
+        matrix[i].real = 1;
+    for (int i = 0; i < 2 * order; ++i)
+        x[i].real = 1;
     vox_set_dynamic(0);
     vox_set_num_threads(600); /* many partial results */
     pthread_attr_t attributes;
