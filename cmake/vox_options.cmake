@@ -17,7 +17,7 @@ target_compile_options(vox_options INTERFACE
   -fno-math-errno -ffunction-sections -fdata-sections
   # A switch over the code paths must stay code: as a table of addresses it would cost the dynamic
   # linker one relocation per routine and path when the library is loaded.
-  $<$<CXX_COMPILER_ID:GNU>:-fno-tree-switch-conversion>)
+  $<$<CXX_COMPILER_ID:GNU>:-fno-tree-switch-conversion> $<$<CXX_COMPILER_ID:Clang>:-fno-jump-tables>)
 
 # Sanitizers apply to the library, its tests and its tools alike.
 if(VOX_SANITIZE)

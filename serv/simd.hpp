@@ -105,7 +105,8 @@ inline auto broadcast(T x) {
 // v, in a register from here on: gcc would otherwise load it again for its second use.
 template <class V>
 inline V in_register(V v) {
-#if defined(__AVX512F__)
+#if defined(__clang__) // does not need it, and refuses vectors of 8 bytes
+#elif defined(__AVX512F__)
     __asm__("" : "+v"(v));
 #else
     __asm__("" : "+x"(v));
