@@ -18,8 +18,8 @@ struct product_job {
     bool conjugate;
     index_t first_row, end_row, first_column, end_column;
     T alpha, beta;
-    const T *x;
-    T *y;
+    const T *x = nullptr;
+    T *y = nullptr;
 };
 
 // y_rows += alpha A x_columns and y_columns += alpha B x_rows, where A is a block of the stored
@@ -60,7 +60,8 @@ struct update_job {
     bool rank_two;
     index_t first_row, end_row, first_column, end_column;
     T alpha;
-    const T *x_rows, *y_rows, *x_columns, *y_columns; // rank one: x_rows and y_columns
+    // Rank one: x_rows and y_columns.
+    const T *x_rows = nullptr, *y_rows = nullptr, *x_columns = nullptr, *y_columns = nullptr;
 };
 
 } // namespace vox

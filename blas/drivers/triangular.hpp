@@ -49,7 +49,7 @@ __attribute__((noinline)) void in_blocks(Kernel kernel, Product product_kernel, 
             product_job<T> rest = {
                 job.a,    job.transposed, job.conjugate, rows.first,
                 rows.end, columns.first,  columns.end,   solve ? -one<T> : one<T>,
-                one<T>,   nullptr,        nullptr};
+                one<T>};
             product::run<T>(product_kernel, rest, x, x,
                             (rows.end - rows.first) * (columns.end - columns.first));
         }

@@ -35,7 +35,7 @@ multiply(Kernel kernel, const char *trans, columns<const T> a, index_t m, index_
         return;
     const bool transposed = errchk::is(trans, 't') || errchk::is(trans, 'c');
     const bool conjugate = errchk::is(trans, 'c') || errchk::is(trans, 'r');
-    product_job<T> job = {a, transposed, conjugate, 0, m, 0, n, *alpha, *beta, nullptr, nullptr};
+    product_job<T> job = {a, transposed, conjugate, 0, m, 0, n, *alpha, *beta};
     product::run<T>(kernel, job, {x, transposed ? m : n, incx}, {y, transposed ? n : m, incy},
                     stored);
 }

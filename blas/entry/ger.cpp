@@ -30,19 +30,8 @@ constexpr auto ger = [](index_t m, index_t n, auto alpha, auto x, index_t incx, 
     using T = std::remove_pointer_t<decltype(a)>;
     if (nothing_to_do(m, n, alpha))
         return;
-    update_job<T> job = {{a, lda},
-                         update_job<T>::rectangle,
-                         which == conjugated::y,
-                         false,
-                         0,
-                         m,
-                         0,
-                         n,
-                         *alpha,
-                         nullptr,
-                         nullptr,
-                         nullptr,
-                         nullptr};
+    update_job<T> job = {
+        {a, lda}, update_job<T>::rectangle, which == conjugated::y, false, 0, m, 0, n, *alpha};
     const update::vectors<T> vectors = {{x, m, incx, which == conjugated::x}, {y, n, incy}};
     update::run<T>(Kernel(), job, vectors, m * n);
 };

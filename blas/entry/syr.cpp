@@ -28,49 +28,29 @@ constexpr auto check_spr2 =
 // row-major matrices.
 enum class kind { symmetric, hermitian, row_major };
 
-template <kind k, class T, class Kernel, class S>
-[[gnu::always_inline]] inline void rank_one(Kernel kernel, bool upper, columns<T> a, index_t n,
-                                            const S *alpha, const T *x, index_t incx) {
-    if (n == 0 || is_zero(*alpha))
-        return;
-    constexpr bool conjugate = k == kind::row_major;
-    update_job<T> job = {a,
-                         upper ? update_job<T>::upper : update_job<T>::lower,
-                         k != kind::symmetric,
-                         false,
-                         0,
-                         n,
-                         0,
-                         n,
-                         make<T>(real(*alpha), imag(*alpha)),
-                         nullptr,
-                         nullptr,
-                         nullptr,
-                         nullptr};
-    const strided<const T> v(x, n, incx, conjugate);
-    update::run<T>(kernel, job, {v, v}, n * n / 2);
+// The alpha of a Hermitian update of rank one, which is real, as an element.
+template <class T, class S>
+T complete(const T *, S alpha) {
+    return make<T>(real(alpha), imag(alpha));
 }
-// With conjugated vectors, conj(y) conj(x)^H is the transpose of x y^H.
+
+// Of rank one with x for y. With conjugated vectors, conj(y) conj(x)^H is the transpose of x y^H.
 template <kind k, class T, class Kernel>
-[[gnu::always_inline]] inline void rank_two(Kernel kernel, bool upper, columns<T> a, index_t n,
-                                            const T *alpha, const T *x, index_t incx, const T *y,
-                                            index_t incy) {
-    if (n == 0 || is_zero(*alpha))
+[[gnu::always_inline]] inline void update_triangle(Kernel kernel, bool upper, columns<T> a,
+                                                   index_t n, T alpha, int rank, const T *x,
+                                                   index_t incx, const T *y, index_t incy) {
+    if (n == 0 || is_zero(alpha))
         return;
     constexpr bool conjugate = k == kind::row_major;
     update_job<T> job = {a,
                          upper ? update_job<T>::upper : update_job<T>::lower,
                          k != kind::symmetric,
-                         true,
+                         rank == 2,
                          0,
                          n,
                          0,
                          n,
-                         *alpha,
-                         nullptr,
-                         nullptr,
-                         nullptr,
-                         nullptr};
+                         alpha};
     const strided<const T> v(x, n, incx, conjugate), w(y, n, incy, conjugate);
     update::run<T>(kernel, job, conjugate ? update::vectors<T>{w, v} : update::vectors<T>{v, w},
                    n * n / 2);
@@ -78,28 +58,32 @@ template <kind k, class T, class Kernel>
 
 template <kind k, class Kernel>
 constexpr auto syr =
-    [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto a, index_t lda) {
+    [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto a, index_t lda) VOX_INLINED {
         const bool upper = errchk::is(uplo, 'u');
-        rank_one<k>(Kernel(), upper, full_triangle(upper, a, lda), n, alpha, x, incx);
+        update_triangle<k>(Kernel(), upper, full_triangle(upper, a, lda), n, complete(x, *alpha), 1,
+                           x, incx, x, incx);
     };
 template <kind k, class Kernel>
 constexpr auto spr =
     [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto ap) VOX_INLINED {
         const bool upper = errchk::is(uplo, 'u');
-        rank_one<k>(Kernel(), upper, packed_triangle(upper, ap, n), n, alpha, x, incx);
+        update_triangle<k>(Kernel(), upper, packed_triangle(upper, ap, n), n, complete(x, *alpha),
+                           1, x, incx, x, incx);
     };
 template <kind k, class Kernel>
 constexpr auto syr2 = [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto y,
                          index_t incy, auto a, index_t lda) VOX_INLINED {
     const bool upper = errchk::is(uplo, 'u');
-    rank_two<k>(Kernel(), upper, full_triangle(upper, a, lda), n, alpha, x, incx, y, incy);
+    update_triangle<k>(Kernel(), upper, full_triangle(upper, a, lda), n, *alpha, 2, x, incx, y,
+                       incy);
 };
 template <kind k, class Kernel>
-constexpr auto spr2 =
-    [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto y, index_t incy, auto ap) {
-        const bool upper = errchk::is(uplo, 'u');
-        rank_two<k>(Kernel(), upper, packed_triangle(upper, ap, n), n, alpha, x, incx, y, incy);
-    };
+constexpr auto spr2 = [](auto uplo, index_t n, auto alpha, auto x, index_t incx, auto y,
+                         index_t incy, auto ap) VOX_INLINED {
+    const bool upper = errchk::is(uplo, 'u');
+    update_triangle<k>(Kernel(), upper, packed_triangle(upper, ap, n), n, *alpha, 2, x, incx, y,
+                       incy);
+};
 
 // The C forms differ in their arguments after n; `rule` gives the first bad one of the whole call.
 template <class T, class Target, class... A>
