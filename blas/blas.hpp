@@ -105,6 +105,39 @@
      const I *incy, T *ap)
 #define VOX_SPR2_ARGUMENTS (uplo, n, alpha, x, incx, y, incy, ap)
 
+#define VOX_GEMM_PARAMETERS(T, I)                                                                  \
+    (const char *transa, const char *transb, const I *m, const I *n, const I *k, const T *alpha,   \
+     const T *a, const I *lda, const T *b, const I *ldb, const T *beta, T *c, const I *ldc)
+#define VOX_GEMM_ARGUMENTS (transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc)
+#define VOX_GEMMT_PARAMETERS(T, I)                                                                 \
+    (const char *uplo, const char *transa, const char *transb, const I *n, const I *k,             \
+     const T *alpha, const T *a, const I *lda, const T *b, const I *ldb, const T *beta, T *c,      \
+     const I *ldc)
+#define VOX_GEMMT_ARGUMENTS (uplo, transa, transb, n, k, alpha, a, lda, b, ldb, beta, c, ldc)
+// Arrays with an entry for each group; a, b and c with one for each product.
+#define VOX_GEMM_BATCH_PARAMETERS(T, I)                                                            \
+    (const char *transa, const char *transb, const vox_int *m, const vox_int *n, const vox_int *k, \
+     const T *alpha, const T *const *a, const vox_int *lda, const T *const *b, const vox_int *ldb, \
+     const T *beta, T *const *c, const vox_int *ldc, const I *group_count,                         \
+     const vox_int *group_size)
+#define VOX_SYMM_PARAMETERS(T, I)                                                                  \
+    (const char *side, const char *uplo, const I *m, const I *n, const T *alpha, const T *a,       \
+     const I *lda, const T *b, const I *ldb, const T *beta, T *c, const I *ldc)
+#define VOX_SYMM_ARGUMENTS (side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc)
+// S: the type of alpha and beta, real in herk; of beta, real in her2k.
+#define VOX_SYRK_PARAMETERS(T, S, I)                                                               \
+    (const char *uplo, const char *trans, const I *n, const I *k, const S *alpha, const T *a,      \
+     const I *lda, const S *beta, T *c, const I *ldc)
+#define VOX_SYRK_ARGUMENTS (uplo, trans, n, k, alpha, a, lda, beta, c, ldc)
+#define VOX_SYR2K_PARAMETERS(T, S, I)                                                              \
+    (const char *uplo, const char *trans, const I *n, const I *k, const T *alpha, const T *a,      \
+     const I *lda, const T *b, const I *ldb, const S *beta, T *c, const I *ldc)
+#define VOX_SYR2K_ARGUMENTS (uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc)
+#define VOX_TRMM_PARAMETERS(T, I)                                                                  \
+    (const char *side, const char *uplo, const char *trans, const char *diag, const I *m,          \
+     const I *n, const T *alpha, const T *a, const I *lda, T *b, const I *ldb)
+#define VOX_TRMM_ARGUMENTS (side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb)
+
 // Drivers and dispatching entries for other families.
 #define VOX_LEVEL1_DECLARE(p, P, T)                                                                \
     void vox_blas_##p##copy VOX_COPY_PARAMETERS(T, vox::index_t);                                  \

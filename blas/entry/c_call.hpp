@@ -3,7 +3,9 @@
 //
 // A row-major matrix is the transpose of a column-major one: its operation is transposed, its other
 // triangle is stored. Where that asks for a conjugate which the Fortran routine does not offer (that
-// of an untransposed matrix, operation 'R', is one), the driver is called in its place.
+// of an untransposed matrix, operation 'R', is one), the driver is called in its place. The products
+// of level 3 are never in that need: the transpose of a product has its factors, as they are stored,
+// in the other order.
 #pragma once
 
 #include "serv/entry.hpp"
@@ -31,6 +33,23 @@ class c_call {
         if (row_major_)
             return value == CblasNoTrans ? 'T' : value == CblasTrans || !is_complex<T> ? 'N' : 'R';
         return value == CblasNoTrans ? 'N' : value == CblasTrans ? 'T' : 'C';
+    }
+    // The operation on a factor of a product whose factors the caller exchanges.
+    char factor_trans(CBLAS_TRANSPOSE value, int position) {
+        check(value < CblasNoTrans || value > CblasConjTrans, position);
+        return value == CblasNoTrans ? 'N' : value == CblasTrans ? 'T' : 'C';
+    }
+    // Which factor of A A^T, or A A^H, is the transposed one.
+    template <class T>
+    char update_trans(CBLAS_TRANSPOSE value, bool hermitian, int position) {
+        const bool transposed = value == (hermitian ? CblasConjTrans : CblasTrans) ||
+                                (value == CblasConjTrans && !is_complex<T>);
+        check(value != CblasNoTrans && !transposed, position);
+        return transposed == row_major_ ? 'N' : hermitian ? 'C' : 'T';
+    }
+    char side(CBLAS_SIDE value, int position) {
+        check(value != CblasLeft && value != CblasRight, position);
+        return (value == CblasLeft) != row_major_ ? 'L' : 'R';
     }
     char uplo(CBLAS_UPLO value, int position) {
         check(value != CblasUpper && value != CblasLower, position);

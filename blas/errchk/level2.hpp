@@ -2,24 +2,9 @@
 // interface uses the same ones; its numbers are larger by one, since the layout comes first.
 #pragma once
 
-#include "serv/base.hpp"
+#include "blas/errchk/options.hpp"
 
 namespace vox::errchk {
-
-// Option letters in either case.
-[[gnu::always_inline]] inline bool is(const char *letter, char lower) {
-    return (*letter | 0x20) == lower;
-}
-[[gnu::always_inline]] inline bool bad_trans(const char *c) {
-    return !is(c, 'n') && !is(c, 't') && !is(c, 'c');
-}
-[[gnu::always_inline]] inline bool bad_uplo(const char *c) { return !is(c, 'u') && !is(c, 'l'); }
-[[gnu::always_inline]] inline bool bad_diag(const char *c) { return !is(c, 'n') && !is(c, 'u'); }
-
-// lda < max(1, rows).
-[[gnu::always_inline]] inline bool bad_lda(index_t lda, index_t rows) {
-    return lda < rows || lda < 1;
-}
 
 #define VOX_RULE [[gnu::always_inline]] inline int
 

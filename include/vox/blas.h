@@ -489,6 +489,148 @@ VOX_FORTRAN(void, chpr2, CHPR2, VOX_SPR2(vox_complex_float));
 VOX_FORTRAN(void, zhpr2, ZHPR2, VOX_SPR2(vox_complex_double));
 #undef VOX_SPR2
 
+/*
+ * Level 3: products of matrices.
+ *
+ * Source: Dongarra, Du Croz, Duff, Hammarling, "A Set of Level 3 Basic Linear Algebra Subprograms", ACM
+ * TOMS 16(1), 1990; gemmt, gemm3m and gemm_batch are extensions. Storage (full, full triangle) and
+ * letters as in level 2. What follows holds for every routine of the level.
+ *
+ *   side  'L' the matrix with a structure is the left factor, 'R' the right one
+ *
+ * A leading dimension is at least max(1, rows) of the matrix as it is stored, before its operation.
+ * Nothing else of the arrays is touched; of a symmetric, Hermitian or triangular matrix only the
+ * triangle that uplo names. The imaginary parts of a Hermitian matrix's diagonal are taken as zero,
+ * whatever the array holds; routines that compute one set them to zero.
+ *
+ * alpha = 0, or k = 0: no factor is read. beta = 0: C is overwritten, not multiplied, so it need not
+ * be set and a NaN in it vanishes. alpha = 0 or k = 0, and beta = 1: C is left as it is. A result
+ * without elements: nothing is read or written. Otherwise NaNs and infinities propagate as arithmetic
+ * has it. A result that overlaps a factor is undefined.
+ *
+ * Errors: a letter that the routine does not take, a negative size or a leading dimension below its
+ * bound is reported through xerbla with the parameter's number, the first bad one only; nothing else
+ * is done.
+ *
+ * Accuracy, element by element, k being the number of terms summed (2*k for ?syr2k, ?her2k) and |z| =
+ * |re z| + |im z|:
+ *   products   |error| <= gamma(k + 2) (|alpha| |op(A)| |op(B)| + |beta| |C|)
+ *   solutions  |alpha B - op(A) X| <= gamma(k + 4) (|alpha| |B| + |op(A)| |X|), with no test for
+ *              singularity
+ * with gamma(2*k + 4), for solutions gamma(2*k + 10), in the complex types; gamma as for ?dot.
+ *
+ * Threads: any number of callers; large calls run on the BLAS domain's threads.
+ */
+
+/* ?gemm: C := alpha op(A) op(B) + beta C. op(A): m by k, op(B): k by n, C: m by n, full.
+ * ?gemm3m: the same, named after the method that multiplies complex numbers by three real products. That
+ * one has a weaker bound for the parts of the result; here the result is that of ?gemm. */
+#define VOX_GEMM(T)                                                                                \
+    (const char *transa, const char *transb, const vox_int *m, const vox_int *n, const vox_int *k, \
+     const T *alpha, const T *a, const vox_int *lda, const T *b, const vox_int *ldb,               \
+     const T *beta, T *c, const vox_int *ldc)
+VOX_FORTRAN(void, sgemm, SGEMM, VOX_GEMM(float));
+VOX_FORTRAN(void, dgemm, DGEMM, VOX_GEMM(double));
+VOX_FORTRAN(void, cgemm, CGEMM, VOX_GEMM(vox_complex_float));
+VOX_FORTRAN(void, zgemm, ZGEMM, VOX_GEMM(vox_complex_double));
+VOX_FORTRAN(void, cgemm3m, CGEMM3M, VOX_GEMM(vox_complex_float));
+VOX_FORTRAN(void, zgemm3m, ZGEMM3M, VOX_GEMM(vox_complex_double));
+#undef VOX_GEMM
+
+/* ?gemmt: the same for C n by n, of which only the triangle that uplo names is computed: for products
+ * that are known to be symmetric. op(A): n by k, op(B): k by n. */
+#define VOX_GEMMT(T)                                                                               \
+    (const char *uplo, const char *transa, const char *transb, const vox_int *n, const vox_int *k, \
+     const T *alpha, const T *a, const vox_int *lda, const T *b, const vox_int *ldb,               \
+     const T *beta, T *c, const vox_int *ldc)
+VOX_FORTRAN(void, sgemmt, SGEMMT, VOX_GEMMT(float));
+VOX_FORTRAN(void, dgemmt, DGEMMT, VOX_GEMMT(double));
+VOX_FORTRAN(void, cgemmt, CGEMMT, VOX_GEMMT(vox_complex_float));
+VOX_FORTRAN(void, zgemmt, ZGEMMT, VOX_GEMMT(vox_complex_double));
+#undef VOX_GEMMT
+
+/* ?gemm_batch: many products of ?gemm, in groups of the same operations, sizes, leading dimensions, alpha
+ * and beta: entry g of each of these arrays is that of group g, of group_count. group_size[g] products
+ * make a group. a, b and c hold the addresses of all matrices, group after group. No C may overlap
+ * another: products are computed in any order, and on several threads, each on one, when the batch is
+ * large enough.
+ * Errors: in the order of the groups, with the numbers of ?gemm, 14 for group_count < 0 and 15 for an
+ * entry of group_size below 0; no product is computed.
+ * ?gemm3m_batch: the same. */
+#define VOX_GEMM_BATCH(T)                                                                          \
+    (const char *transa, const char *transb, const vox_int *m, const vox_int *n, const vox_int *k, \
+     const T *alpha, const T *const *a, const vox_int *lda, const T *const *b, const vox_int *ldb, \
+     const T *beta, T *const *c, const vox_int *ldc, const vox_int *group_count,                   \
+     const vox_int *group_size)
+VOX_FORTRAN(void, sgemm_batch, SGEMM_BATCH, VOX_GEMM_BATCH(float));
+VOX_FORTRAN(void, dgemm_batch, DGEMM_BATCH, VOX_GEMM_BATCH(double));
+VOX_FORTRAN(void, cgemm_batch, CGEMM_BATCH, VOX_GEMM_BATCH(vox_complex_float));
+VOX_FORTRAN(void, zgemm_batch, ZGEMM_BATCH, VOX_GEMM_BATCH(vox_complex_double));
+VOX_FORTRAN(void, cgemm3m_batch, CGEMM3M_BATCH, VOX_GEMM_BATCH(vox_complex_float));
+VOX_FORTRAN(void, zgemm3m_batch, ZGEMM3M_BATCH, VOX_GEMM_BATCH(vox_complex_double));
+#undef VOX_GEMM_BATCH
+
+/* ?symm, ?hemm: C := alpha A B + beta C ('L') or alpha B A + beta C ('R'). A: symmetric or Hermitian, full
+ * triangle, m by m ('L') or n by n ('R'). B, C: m by n, full. */
+#define VOX_SYMM(T)                                                                                \
+    (const char *side, const char *uplo, const vox_int *m, const vox_int *n, const T *alpha,       \
+     const T *a, const vox_int *lda, const T *b, const vox_int *ldb, const T *beta, T *c,          \
+     const vox_int *ldc)
+VOX_FORTRAN(void, ssymm, SSYMM, VOX_SYMM(float));
+VOX_FORTRAN(void, dsymm, DSYMM, VOX_SYMM(double));
+VOX_FORTRAN(void, csymm, CSYMM, VOX_SYMM(vox_complex_float));
+VOX_FORTRAN(void, zsymm, ZSYMM, VOX_SYMM(vox_complex_double));
+VOX_FORTRAN(void, chemm, CHEMM, VOX_SYMM(vox_complex_float));
+VOX_FORTRAN(void, zhemm, ZHEMM, VOX_SYMM(vox_complex_double));
+#undef VOX_SYMM
+
+/* ?syrk: C := alpha A A^T + beta C ('N') or alpha A^T A + beta C ('T'; 'C' too in the real types).
+ * ?herk: C := alpha A A^H + beta C ('N') or alpha A^H A + beta C ('C'), alpha and beta real.
+ * C: n by n, symmetric or Hermitian, full triangle. A: full, n by k ('N') or k by n. */
+#define VOX_SYRK(S, T)                                                                             \
+    (const char *uplo, const char *trans, const vox_int *n, const vox_int *k, const S *alpha,      \
+     const T *a, const vox_int *lda, const S *beta, T *c, const vox_int *ldc)
+VOX_FORTRAN(void, ssyrk, SSYRK, VOX_SYRK(float, float));
+VOX_FORTRAN(void, dsyrk, DSYRK, VOX_SYRK(double, double));
+VOX_FORTRAN(void, csyrk, CSYRK, VOX_SYRK(vox_complex_float, vox_complex_float));
+VOX_FORTRAN(void, zsyrk, ZSYRK, VOX_SYRK(vox_complex_double, vox_complex_double));
+VOX_FORTRAN(void, cherk, CHERK, VOX_SYRK(float, vox_complex_float));
+VOX_FORTRAN(void, zherk, ZHERK, VOX_SYRK(double, vox_complex_double));
+#undef VOX_SYRK
+
+/* ?syr2k: C := alpha A B^T + alpha B A^T + beta C ('N') or alpha A^T B + alpha B^T A + beta C ('T'; 'C' too
+ * in the real types).
+ * ?her2k: C := alpha A B^H + conj(alpha) B A^H + beta C ('N') or alpha A^H B + conj(alpha) B^H A + beta C
+ * ('C'), beta real.
+ * C: n by n, symmetric or Hermitian, full triangle. A, B: full, n by k ('N') or k by n. */
+#define VOX_SYR2K(S, T)                                                                            \
+    (const char *uplo, const char *trans, const vox_int *n, const vox_int *k, const T *alpha,      \
+     const T *a, const vox_int *lda, const T *b, const vox_int *ldb, const S *beta, T *c,          \
+     const vox_int *ldc)
+VOX_FORTRAN(void, ssyr2k, SSYR2K, VOX_SYR2K(float, float));
+VOX_FORTRAN(void, dsyr2k, DSYR2K, VOX_SYR2K(double, double));
+VOX_FORTRAN(void, csyr2k, CSYR2K, VOX_SYR2K(vox_complex_float, vox_complex_float));
+VOX_FORTRAN(void, zsyr2k, ZSYR2K, VOX_SYR2K(vox_complex_double, vox_complex_double));
+VOX_FORTRAN(void, cher2k, CHER2K, VOX_SYR2K(float, vox_complex_float));
+VOX_FORTRAN(void, zher2k, ZHER2K, VOX_SYR2K(double, vox_complex_double));
+#undef VOX_SYR2K
+
+/* ?trmm: B := alpha op(A) B ('L') or alpha B op(A) ('R'). ?trsm: B := alpha op(A)^-1 B ('L') or
+ * alpha B op(A)^-1 ('R'). A: triangular, full triangle, m by m ('L') or n by n ('R'). B: m by n, full.
+ * alpha = 0 sets B to zero. */
+#define VOX_TRMM(T)                                                                                \
+    (const char *side, const char *uplo, const char *trans, const char *diag, const vox_int *m,    \
+     const vox_int *n, const T *alpha, const T *a, const vox_int *lda, T *b, const vox_int *ldb)
+VOX_FORTRAN(void, strmm, STRMM, VOX_TRMM(float));
+VOX_FORTRAN(void, dtrmm, DTRMM, VOX_TRMM(double));
+VOX_FORTRAN(void, ctrmm, CTRMM, VOX_TRMM(vox_complex_float));
+VOX_FORTRAN(void, ztrmm, ZTRMM, VOX_TRMM(vox_complex_double));
+VOX_FORTRAN(void, strsm, STRSM, VOX_TRMM(float));
+VOX_FORTRAN(void, dtrsm, DTRSM, VOX_TRMM(double));
+VOX_FORTRAN(void, ctrsm, CTRSM, VOX_TRMM(vox_complex_float));
+VOX_FORTRAN(void, ztrsm, ZTRSM, VOX_TRMM(vox_complex_double));
+#undef VOX_TRMM
+
 #ifdef __cplusplus
 }
 #endif

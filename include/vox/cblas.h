@@ -295,6 +295,103 @@ VOX_SPR2(cblas_chpr2, const void *, void);
 VOX_SPR2(cblas_zhpr2, const void *, void);
 #undef VOX_SPR2
 
+/*
+ * Level 3: as in blas.h, with the layout first.
+ *
+ * CblasRowMajor: A(i,j) at a[j + i*lda], lda >= max(1, columns) of the matrix as it is stored. Errors as in
+ * level 2: after a bad layout nothing else is looked at; every bad option is reported, and the first of
+ * the other parameters.
+ *
+ * In the complex types scalars come by address, except alpha and beta of ?herk and beta of ?her2k, which
+ * are real.
+ */
+
+#define VOX_GEMM(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb,         \
+                      vox_int m, vox_int n, vox_int k, S alpha, const T *a, vox_int lda,           \
+                      const T *b, vox_int ldb, S beta, T *c, vox_int ldc)
+VOX_GEMM(cblas_sgemm, float, float);
+VOX_GEMM(cblas_dgemm, double, double);
+VOX_GEMM(cblas_cgemm, const void *, void);
+VOX_GEMM(cblas_zgemm, const void *, void);
+VOX_GEMM(cblas_cgemm3m, const void *, void);
+VOX_GEMM(cblas_zgemm3m, const void *, void);
+#undef VOX_GEMM
+
+#define VOX_GEMMT(name, S, T)                                                                      \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa,                \
+                      CBLAS_TRANSPOSE transb, vox_int n, vox_int k, S alpha, const T *a,           \
+                      vox_int lda, const T *b, vox_int ldb, S beta, T *c, vox_int ldc)
+VOX_GEMMT(cblas_sgemmt, float, float);
+VOX_GEMMT(cblas_dgemmt, double, double);
+VOX_GEMMT(cblas_cgemmt, const void *, void);
+VOX_GEMMT(cblas_zgemmt, const void *, void);
+#undef VOX_GEMMT
+
+/* All errors are reported as in blas.h, the first bad argument only, with numbers larger by one. */
+#define VOX_GEMM_BATCH(name, T)                                                                    \
+    VOX_API void name(CBLAS_LAYOUT layout, const CBLAS_TRANSPOSE *transa,                          \
+                      const CBLAS_TRANSPOSE *transb, const vox_int *m, const vox_int *n,           \
+                      const vox_int *k, const T *alpha, const T *const *a, const vox_int *lda,     \
+                      const T *const *b, const vox_int *ldb, const T *beta, T *const *c,           \
+                      const vox_int *ldc, vox_int group_count, const vox_int *group_size)
+VOX_GEMM_BATCH(cblas_sgemm_batch, float);
+VOX_GEMM_BATCH(cblas_dgemm_batch, double);
+VOX_GEMM_BATCH(cblas_cgemm_batch, void);
+VOX_GEMM_BATCH(cblas_zgemm_batch, void);
+VOX_GEMM_BATCH(cblas_cgemm3m_batch, void);
+VOX_GEMM_BATCH(cblas_zgemm3m_batch, void);
+#undef VOX_GEMM_BATCH
+
+#define VOX_SYMM(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, vox_int m, vox_int n, \
+                      S alpha, const T *a, vox_int lda, const T *b, vox_int ldb, S beta, T *c,     \
+                      vox_int ldc)
+VOX_SYMM(cblas_ssymm, float, float);
+VOX_SYMM(cblas_dsymm, double, double);
+VOX_SYMM(cblas_csymm, const void *, void);
+VOX_SYMM(cblas_zsymm, const void *, void);
+VOX_SYMM(cblas_chemm, const void *, void);
+VOX_SYMM(cblas_zhemm, const void *, void);
+#undef VOX_SYMM
+
+#define VOX_SYRK(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, vox_int n,      \
+                      vox_int k, S alpha, const T *a, vox_int lda, S beta, T *c, vox_int ldc)
+VOX_SYRK(cblas_ssyrk, float, float);
+VOX_SYRK(cblas_dsyrk, double, double);
+VOX_SYRK(cblas_csyrk, const void *, void);
+VOX_SYRK(cblas_zsyrk, const void *, void);
+VOX_SYRK(cblas_cherk, float, void);
+VOX_SYRK(cblas_zherk, double, void);
+#undef VOX_SYRK
+
+#define VOX_SYR2K(name, A, B, T)                                                                   \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, vox_int n,      \
+                      vox_int k, A alpha, const T *a, vox_int lda, const T *b, vox_int ldb,        \
+                      B beta, T *c, vox_int ldc)
+VOX_SYR2K(cblas_ssyr2k, float, float, float);
+VOX_SYR2K(cblas_dsyr2k, double, double, double);
+VOX_SYR2K(cblas_csyr2k, const void *, const void *, void);
+VOX_SYR2K(cblas_zsyr2k, const void *, const void *, void);
+VOX_SYR2K(cblas_cher2k, const void *, float, void);
+VOX_SYR2K(cblas_zher2k, const void *, double, void);
+#undef VOX_SYR2K
+
+#define VOX_TRMM(name, S, T)                                                                       \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo,                       \
+                      CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, vox_int m, vox_int n, S alpha,       \
+                      const T *a, vox_int lda, T *b, vox_int ldb)
+VOX_TRMM(cblas_strmm, float, float);
+VOX_TRMM(cblas_dtrmm, double, double);
+VOX_TRMM(cblas_ctrmm, const void *, void);
+VOX_TRMM(cblas_ztrmm, const void *, void);
+VOX_TRMM(cblas_strsm, float, float);
+VOX_TRMM(cblas_dtrsm, double, double);
+VOX_TRMM(cblas_ctrsm, const void *, void);
+VOX_TRMM(cblas_ztrsm, const void *, void);
+#undef VOX_TRMM
+
 #ifdef __cplusplus
 }
 #endif

@@ -5,10 +5,10 @@
 set -eu
 path=$1
 shift
-leaks=$(nm --defined-only --extern-only "$@" | awk 'NF == 3 { print $2, $3 }' | grep -v "vox_[a-z]*_${path}_x" || true)
+leaks=$(nm --defined-only --extern-only "$@" | awk 'NF == 3 { print $2, $3 }' | grep -v "vox_[a-z]*_${path}_" || true)
 if [ -n "$leaks" ]; then
     echo "global symbols without the path name $path:"
     echo "$leaks"
     exit 1
 fi
-nm --defined-only --extern-only "$@" | grep -c "vox_[a-z]*_${path}_x"
+nm --defined-only --extern-only "$@" | grep -c "vox_[a-z]*_${path}_"

@@ -1,0 +1,2 @@
+// constants.hpp - as avx512.
+#include "blas/kernels/avx512/constants.hpp"

@@ -1,0 +1,2 @@
+// strips.hpp - as avx512.
+#include "blas/kernels/avx512/strips.hpp"

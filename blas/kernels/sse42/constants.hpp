@@ -1,0 +1,2 @@
+// constants.hpp - as def.
+#include "blas/kernels/def/constants.hpp"

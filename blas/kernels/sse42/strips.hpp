@@ -1,0 +1,2 @@
+// strips.hpp - as def.
+#include "blas/kernels/def/strips.hpp"
