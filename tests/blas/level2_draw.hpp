@@ -2,26 +2,12 @@
 // forms, letters of both cases, band widths, increments, padding, alpha and beta.
 #pragma once
 
-#include <initializer_list>
-#include <random>
 #include <sstream>
 
 #include "tests/blas/level2.hpp"
+#include "tests/support/numbers.hpp"
 
 namespace test {
-
-class lottery {
-  public:
-    explicit lottery(unsigned seed) : bits_(seed) {}
-    unsigned number() { return unsigned(bits_()); }
-    template <class V>
-    V pick(std::initializer_list<V> values) {
-        return values.begin()[number() % values.size()];
-    }
-
-  private:
-    std::mt19937 bits_;
-};
 
 // All combinations of the letters that a routine has, as numbers below this.
 template <class T>

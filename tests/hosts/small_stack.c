@@ -24,10 +24,33 @@ static void use_level2(void) {
     CHECK(x[0].real == 1 && x[2 * order - 2].real == 1);
 }
 
+/* Small factors and strips of transposed ones stand on the stack. */
+static void use_level3(void) {
+    enum { n = 25 };
+    const vox_complex_double one = {1, 0}, zero = {0, 0};
+    static vox_complex_double c[n * n];
+    for (int i = 0; i < n * n; ++i)
+        matrix[i].real = 1;
+    cblas_zgemm(CblasColMajor, CblasTrans, CblasConjTrans, n, n, n, &one, matrix, n, matrix, n,
+                &zero, c, n);
+    CHECK(c[0].real == n && c[n * n - 1].real == n);
+    cblas_zsymm(CblasColMajor, CblasRight, CblasUpper, n, n, &one, matrix, n, matrix, n, &zero, c,
+                n);
+    CHECK(c[0].real == n && c[n * n - 1].real == n);
+    cblas_zherk(CblasColMajor, CblasLower, CblasConjTrans, n, n, 1, matrix, n, 0, c, n);
+    CHECK(c[0].real == n && c[n * n - 1].real == n);
+    cblas_ztrmm(CblasColMajor, CblasLeft, CblasUpper, CblasTrans, CblasNonUnit, n, n, &one, matrix,
+                n, c, n);
+    cblas_ztrsm(CblasColMajor, CblasLeft, CblasUpper, CblasTrans, CblasNonUnit, n, n, &one, matrix,
+                n, c, n);
+    CHECK(c[0].real == n && c[n * n - 1].real == n);
+}
+
 static void *use(void *unused) {
     CHECK(cblas_ddot(100000, ones, 1, ones, 1) == 100000);
     CHECK(cblas_ddot(10, ones, 1, ones, -1) == 10);
     use_level2();
+    use_level3();
     vox_free(vox_malloc(1000, 64));
     vox_serv_deallocate(vox_serv_allocate(1000, 64));
     char text[100];

@@ -1,7 +1,8 @@
-// numbers.hpp - random operands and error bounds.
+// numbers.hpp - random operands and choices, and error bounds.
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <vector>
@@ -28,5 +29,19 @@ std::vector<T> random_vector(size_t n, unsigned seed) {
         x = T(double(int64_t(bits()) >> 11) * 0x1p-52);
     return v;
 }
+
+// Choices that are the same for the same seed.
+class lottery {
+  public:
+    explicit lottery(unsigned seed) : bits_(seed) {}
+    unsigned number() { return unsigned(bits_()); }
+    template <class V>
+    V pick(std::initializer_list<V> values) {
+        return values.begin()[number() % values.size()];
+    }
+
+  private:
+    std::mt19937 bits_;
+};
 
 } // namespace test

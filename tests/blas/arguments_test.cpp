@@ -1,5 +1,5 @@
-// level2_arguments_test.cpp - what level 2 does with bad arguments, how its calls are logged, and
-// its spellings; every routine, by its parameter letters.
+// arguments_test.cpp - what levels 2 and 3 do with bad arguments, how their calls are logged, and
+// their spellings; every routine, by its parameter letters.
 #include <climits>
 #include <cstring>
 #include <dlfcn.h>
@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "tests/blas/level2.hpp"
+#include "tests/blas/level3_table.hpp"
 #include "tests/support/child.hpp"
 
 namespace {
@@ -21,39 +22,106 @@ void record(const char *name, const vox_int *code, int length) {
     reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
 }
 
+template <class T>
+const std::vector<routine<T>> &every_routine() {
+    static const std::vector<routine<T>> all = [] {
+        std::vector<routine<T>> both = routines<T>();
+        both.insert(both.end(), level3_routines<T>().begin(), level3_routines<T>().end());
+        return both;
+    }();
+    return all;
+}
+
+bool is_ld(char letter) { return std::strchr("LMN", letter); }
+
 // The parameters that can be bad, in their order, which is the order of the checks.
 template <class T>
 std::string checked(const routine<T> &r) {
     std::string letters;
     for (char letter : r.letters)
-        if (!std::strchr("sbAXY", letter))
+        if (!is_scalar_or_array(letter))
             letters += letter;
     return letters;
 }
 
+// Letters of side and operations, which decide about the leading dimensions of level 3.
+struct shape {
+    char side, trans, transb;
+};
+constexpr shape shapes[] = {{'L', 'N', 'N'}, {'R', 'T', 'N'}, {'L', 'N', 'T'}};
+
+// The operation besides 'N' that a routine always takes.
 template <class T>
-arguments<T> valid(const routine<T> &r, CBLAS_LAYOUT layout, vox_int m, vox_int n) {
+char transposition(const routine<T> &r) {
+    return r.hermitian() && r.has('t') ? 'C' : 'T';
+}
+
+template <class T>
+arguments<T> valid(const routine<T> &r, CBLAS_LAYOUT layout, vox_int m, vox_int n,
+                   const shape &s = shapes[0]) {
     arguments<T> a;
     a.layout = layout;
+    a.side = s.side;
+    a.trans = s.trans == 'N' ? 'N' : transposition(r);
+    a.transb = s.transb;
     a.m = r.has('m') ? m : n;
     a.n = n;
+    a.k = 4;
     a.kl = r.has('l') ? 2 : 0;
     a.ku = r.has('k') ? 1 : 0;
     a.alpha = a.beta = vox::make<T>(2);
-    a.lda = std::max(1, r.least_lda(a));
+    for (char letter : r.letters)
+        if (is_ld(letter))
+            a.integer(letter) = std::max(1, r.least_ld(letter, a));
     return a;
+}
+
+// Letters and C values of other options among them; updates do not take every operation.
+template <class T>
+const char *bad_options(const routine<T> &r, char letter) {
+    const bool update = r.has('N') && !r.has('v');
+    switch (letter) {
+    case 't':
+        return !update || !vox::is_complex<T> ? "RU " : r.hermitian() ? "TU " : "CU ";
+    case 'v':
+        return "RU ";
+    case 'u':
+        return "XNC";
+    case 'e':
+        return "UNC";
+    default:
+        return "XT ";
+    }
 }
 
 template <class T>
 void spoil(const routine<T> &r, char letter, int variant, arguments<T> &a) {
-    if (is_option(letter)) // letters and C values of other options among them
-        a.option(letter) = (letter == 't' ? "RU " : letter == 'u' ? "XNC" : "XT ")[variant];
-    else if (letter == 'L')
-        a.lda = variant == 0 ? r.least_lda(a) - 1 : -variant;
+    if (is_option(letter))
+        a.option(letter) = bad_options(r, letter)[variant];
+    else if (is_ld(letter))
+        a.integer(letter) = variant == 0 ? r.least_ld(letter, a) - 1 : -variant;
     else if (letter == 'i' || letter == 'j')
         a.integer(letter) = 0;
     else
         a.integer(letter) = variant == 0 ? -1 : INT_MIN + variant;
+}
+
+// Bad parameters, the subset of those that can be. What a leading dimension must be is not known
+// where the option that decides it is bad: it is large then, or negative.
+template <class T>
+std::string spoil_subset(const routine<T> &r, unsigned subset, arguments<T> &a) {
+    const std::string letters = checked(r);
+    std::string bad;
+    for (size_t i = 0; i < letters.size(); ++i)
+        if (subset >> i & 1)
+            bad += letters[i];
+    const bool unknown = bad.find_first_of("etv") != std::string::npos;
+    for (size_t i = 0; i < letters.size(); ++i)
+        if (subset >> i & 1)
+            spoil(r, letters[i], unknown && is_ld(letters[i]) ? 1 : int(subset + i) % 3, a);
+        else if (unknown && is_ld(letters[i]))
+            a.integer(letters[i]) = 9;
+    return bad;
 }
 
 template <class T>
@@ -77,7 +145,7 @@ std::string expected_reports(const routine<T> &r, bool c, const std::string &bad
 }
 
 template <class T>
-class Level2Arguments : public ::testing::Test {
+class Arguments : public ::testing::Test {
   protected:
     void SetUp() override { vox_set_xerbla(record); }
     void TearDown() override { vox_set_xerbla(nullptr); }
@@ -97,34 +165,30 @@ class Level2Arguments : public ::testing::Test {
         return reports;
     }
 };
-TYPED_TEST_SUITE(Level2Arguments, types);
+TYPED_TEST_SUITE(Arguments, types);
 
 // All subsets of the parameters, bad at the same time.
-TYPED_TEST(Level2Arguments, EachBadOneIsReportedWithItsNumberAndNothingIsTouched) {
-    for (const routine<TypeParam> &r : routines<TypeParam>())
+TYPED_TEST(Arguments, EachBadOneIsReportedWithItsNumberAndNothingIsTouched) {
+    for (const routine<TypeParam> &r : every_routine<TypeParam>())
         for (const auto &[m, n] : {std::pair(3, 5), std::pair(5, 3), std::pair(0, 0)})
             for (CBLAS_LAYOUT layout : {CblasColMajor, CblasRowMajor})
-                for (bool c : {false, true}) {
-                    if (c ? !r.c : layout == CblasRowMajor)
-                        continue;
-                    const std::string letters = checked(r);
-                    for (unsigned subset = n ? 1 : 0; subset < 1u << letters.size(); ++subset) {
-                        arguments<TypeParam> a = valid(r, layout, m, n);
-                        std::string bad;
-                        for (size_t i = 0; i < letters.size(); ++i)
-                            if (subset >> i & 1) {
-                                spoil(r, letters[i], int(subset + i) % 3, a);
-                                bad += letters[i];
-                            }
-                        ASSERT_EQ(this->reported(c ? r.c : r.fortran, a),
-                                  expected_reports(r, c, bad))
-                            << r.name << ' ' << m << ' ' << n << " bad: " << bad;
+                for (const shape &s : shapes)
+                    for (bool c : {false, true}) {
+                        if (c ? !r.c : layout == CblasRowMajor)
+                            continue;
+                        const unsigned subsets = 1u << checked(r).size();
+                        for (unsigned subset = n ? 1 : 0; subset < subsets; ++subset) {
+                            arguments<TypeParam> a = valid(r, layout, m, n, s);
+                            const std::string bad = spoil_subset(r, subset, a);
+                            ASSERT_EQ(this->reported(c ? r.c : r.fortran, a),
+                                      expected_reports(r, c, bad))
+                                << r.name << ' ' << m << ' ' << n << " bad: " << bad;
+                        }
                     }
-                }
 }
 
-TYPED_TEST(Level2Arguments, ABadLayoutIsAllThatIsReported) {
-    for (const routine<TypeParam> &r : routines<TypeParam>())
+TYPED_TEST(Arguments, ABadLayoutIsAllThatIsReported) {
+    for (const routine<TypeParam> &r : every_routine<TypeParam>())
         for (int layout : {0, 100, 103})
             for (bool all_bad : {false, true}) {
                 arguments<TypeParam> a = valid(r, CBLAS_LAYOUT(layout), 3, 5);
@@ -138,7 +202,7 @@ TYPED_TEST(Level2Arguments, ABadLayoutIsAllThatIsReported) {
 template <class T>
 void call_every_routine() {
     std::vector<T> operands(300, vox::one<T>);
-    for (const routine<T> &r : routines<T>()) {
+    for (const routine<T> &r : every_routine<T>()) {
         arguments<T> a = valid(r, CblasColMajor, 3, 2);
         a.a = operands.data();
         a.x = a.a + 100;
@@ -155,10 +219,13 @@ CHILD(call_everything) {
     std::vector<double> ones(9, 1.0);
     cblas_dgemv(CblasRowMajor, CblasNoTrans, 3, 2, 1.0, ones.data(), 2, ones.data(), 1, 0.0,
                 ones.data() + 6, 1);
-    std::fprintf(stderr, "VOX_VERBOSE DGEMV(T,2,3,");
+    std::fprintf(stderr, "VOX_VERBOSE DGEMV(T,2,3,\n");
+    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, 3, 1, 2, 1.0, ones.data(), 2, ones.data(),
+                2, 0.0, ones.data() + 6, 1);
+    std::fprintf(stderr, "VOX_VERBOSE DGEMM(T,N,1,3,2,");
 }
 
-TEST(Level2Verbose, EveryCallPrintsItsLine) {
+TEST(Verbose, EveryCallPrintsItsLine) {
     const child_result result = run_child(call_everything, {{"VOX_VERBOSE", "1"}});
     ASSERT_EQ(result.status, 0);
     std::istringstream expected(result.err);
@@ -170,8 +237,8 @@ TEST(Level2Verbose, EveryCallPrintsItsLine) {
     }
 }
 
-TYPED_TEST(Level2Arguments, TheThreeSpellingsAreOneRoutine) {
-    for (const routine<TypeParam> &r : routines<TypeParam>()) {
+TYPED_TEST(Arguments, TheThreeSpellingsAreOneRoutine) {
+    for (const routine<TypeParam> &r : every_routine<TypeParam>()) {
         void *const lower = dlsym(RTLD_DEFAULT, r.name.c_str());
         EXPECT_NE(lower, nullptr) << r.name;
         EXPECT_EQ(dlsym(RTLD_DEFAULT, (r.name + "_").c_str()), lower) << r.name;

@@ -1,0 +1,160 @@
+// level3_large_test.cpp - the numbers of level 3 on large and extreme shapes: on one thread, on
+// several that do not divide the work evenly, in stripes, for several callers at once, and with
+// offsets beyond 32 bits.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <thread>
+
+#include "tests/blas/level3_reference.hpp"
+#include "tests/support/thread_counts.hpp"
+
+namespace {
+
+using namespace test;
+
+// What is wrong with a call, everything else drawn.
+template <class T>
+std::string fault(const routine<T> &r, vox_int m, vox_int n, vox_int k, lottery &lots) {
+    const int some = int(lots.number() % unsigned(combinations(r)));
+    const drawn_call<T> d = draw(r, m, n, k, some, lots);
+    const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
+    return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
+}
+
+template <class T>
+class Level3Threads : public ::testing::Test {
+  protected:
+    void expect_right(const char *name, vox_int m, vox_int n, vox_int k) {
+        for (int threads : {1, 2, 4, 7}) {
+            counts.set(threads);
+            EXPECT_EQ(fault(routine_named<T>(name), m, n, k, lots), "") << threads << " threads";
+        }
+    }
+    const thread_counts counts;
+    lottery lots{1};
+};
+using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
+TYPED_TEST_SUITE(Level3Threads, types);
+
+// In deep products the error bound hides a term that is missing; here nothing may be.
+TYPED_TEST(Level3Threads, ProductsOfIntegersAreExact) {
+    for (const char *name : {"gemm", "gemmt", "syrk", "syr2k"})
+        for (const auto &[n, k] : {std::pair(16, 20011), {5, 9973}, {97, 1500}, {3, 100003}})
+            for (int threads : {1, 2, 4, 7}) {
+                this->counts.set(threads);
+                const routine<TypeParam> &r = routine_named<TypeParam>(name);
+                const int some = int(this->lots.number() % unsigned(combinations(r)));
+                drawn_call<TypeParam> d = draw(r, n, n, k, some, this->lots);
+                d.a.alpha = vox::make<TypeParam>(2, 1);
+                d.a.beta = vox::make<TypeParam>(-1, 3);
+                EXPECT_EQ(trial<TypeParam>(r, d.a, 1, {}, {1}, true).fault(d.call), "")
+                    << d << ", " << threads << " threads";
+            }
+}
+
+// Square, tall, wide and deep; and what a thread gets is less than one register block.
+TYPED_TEST(Level3Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
+    for (const auto &[m, n, k] : {std::tuple(301, 299, 300),
+                                  {2003, 32, 33},
+                                  {31, 2005, 32},
+                                  {16, 17, 20011},
+                                  {3, 997, 401},
+                                  {997, 2, 401},
+                                  {5013, 9, 12},
+                                  {11, 5013, 65},
+                                  {1, 1500, 700},
+                                  {1500, 1, 700}})
+        this->expect_right("gemm", m, n, k);
+    for (const routine<TypeParam> &r : level3_routines<TypeParam>()) {
+        const char *const name = r.name.c_str() + 1;
+        this->expect_right(name, 193, 257, 130); // orders 193 and 257, on either side
+        this->expect_right(name, 18, 601, 50);
+        this->expect_right(name, 601, 23, 1003);
+    }
+}
+
+TYPED_TEST(Level3Threads, StripesDivideAProductInTwoDimensions) {
+    const int before = vox_get_num_stripes();
+    for (int stripes : {1, 2, 3, 5}) {
+        vox_set_num_stripes(stripes);
+        for (const auto &[m, n] : {std::pair(5, 200), {200, 5}, {107, 109}, {1, 1}, {24, 16}})
+            this->expect_right("gemm", m, n, 40);
+    }
+    vox_set_num_stripes(before);
+}
+
+template <class T>
+std::string some_faults(unsigned caller) {
+    lottery lots(caller);
+    std::string faults;
+    for (unsigned call = 0; call < 12; ++call) {
+        const routine<T> &r =
+            level3_routines<T>()[call % 2 ? 0 : lots.number() % level3_routines<T>().size()];
+        faults += fault(r, 110 + vox_int(caller), 110 + vox_int(17 * call), 60, lots);
+    }
+    return faults;
+}
+
+TEST(Level3Callers, EachGetTheirOwnResults) {
+    const thread_counts counts;
+    constexpr unsigned callers = 8;
+    std::string faults[callers];
+    std::vector<std::thread> team;
+    for (unsigned c = 0; c < callers; ++c)
+        team.emplace_back([c, &counts, &faults] {
+            counts.set(int(c % 3) + 1);
+            faults[c] = some_faults<float>(c) + some_faults<double>(c) +
+                        some_faults<vox_complex_float>(c) + some_faults<vox_complex_double>(c);
+        });
+    for (std::thread &t : team)
+        t.join();
+    for (const std::string &f : faults)
+        EXPECT_EQ(f, "");
+}
+
+// Address space of which only the touched pages exist, kept until the process ends.
+float *reserve(size_t elements) {
+    void *const space = mmap(nullptr, elements * sizeof(float), PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (space == MAP_FAILED)
+        std::abort();
+    return static_cast<float *>(space);
+}
+
+// The same call on operands whose columns are close together and, beyond 32 bits, far apart.
+TEST(Level3Offsets, ReachBeyond32Bits) {
+    constexpr vox_int n = 40, close = 43, far = (1 << 26) + 3;
+    float *const spread[3] = {reserve(size_t(far) * n), reserve(size_t(far) * n),
+                              reserve(size_t(far) * n)};
+    lottery lots(1);
+    for (const routine<float> &r : level3_routines<float>())
+        for (int combination = 0; combination < combinations(r); ++combination) {
+            arguments<float> a = draw(r, n, n, n, combination, lots).a;
+            a.layout = CblasColMajor;
+            a.lda = a.ldb = a.ldc = close;
+            arguments<float> distant = a;
+            distant.lda = distant.ldb = distant.ldc = far;
+            std::vector<float> values[3];
+            for (unsigned v = 0; v < 3; ++v) {
+                values[v] = random_vector<float>(close * n, v);
+                const char letter = "ABC"[v];
+                matrix_of(a, letter) = values[v].data();
+                matrix_of(distant, letter) = spread[v];
+                for (int64_t j = 0; j < n; ++j) {
+                    values[v][size_t(j * close + j)] += v == 0 ? 8 : 0;
+                    std::memcpy(&spread[v][j * far], &values[v][size_t(j * close)],
+                                n * sizeof(float));
+                }
+            }
+            r.fortran(a);
+            r.fortran(distant);
+            for (unsigned v = 0; v < 3; ++v)
+                for (int64_t j = 0; j < n; ++j)
+                    ASSERT_EQ(std::memcmp(&spread[v][j * far], &values[v][size_t(j * close)],
+                                          n * sizeof(float)),
+                              0)
+                        << r.name << ' ' << combination;
+        }
+}
+
+} // namespace
