@@ -1,22 +1,34 @@
-// blas.cpp - the BLAS of levels 1 and 2 beside its peers, from tiny operands to memory size.
+// blas.cpp - the BLAS beside its peers, from tiny operands to memory size.
 //
 //   peers_blas [options]
-//     --routine gemv,ger   only these; a name without its variant means all of them
+//     --routine gemv,ger   only these; a name without its variant means all of them, also those that
+//                          are not among the usual ones: gemm_nt, gemm_tt, symm_r, syrk_t...
+//     --level 3            only this level
 //     --types sd           only these types
 //     --n 4,100            these sizes instead of the usual ones
 //     --max-n N            none of the usual sizes beyond N
+//     --shapes 9x4x7,...   level 3 alone, gemm if nothing is named, with these m, n and k (of which other
+//                          routines have two); "default": tall, wide, deep and odd ones; squares only
+//                          with --n
+//     --beta B             of level 3, 1 if not said
 //     --path best          code path of VOX: best, def, ssse3, sse42, avx, avx2, avx512; on all but the
-//                          first OpenBLAS is held to the same instructions
+//                          first OpenBLAS is held to the same instructions, and Eigen left out
 //     --threads N          of every library
-//     --form LN            triangle and transposition of symv, trmv, trsv, syr, gbmv and tpsv
+//     --form LN            triangle and transposition of symv, trmv, trsv, syr, gbmv and tpsv; triangle
+//                          of gemmt, symm, hemm, syrk, herk, syr2k and her2k
 //     --compare-threads    VOX with N threads (2 if not said) against VOX with one; needs a machine with
 //                          nothing else to do, for a thread that waits for its processor costs 40 us
-//     --quick              a quarter of the usual effort
+//     --quick              a quarter of the usual effort; in level 3 few sizes
 //     --summary            only the means, as a markdown table, and what is far below
+//     --below R            what is far below: 0.9 if not said, 0.95 with --compare-threads
 //
-// Operands are warm and aligned to 64 bytes, increments 1, leading dimensions n; calls go through the
-// Fortran names. Ends with status 1 if a routine is missing or results differ: times decide nothing.
+// Operands are warm and aligned to 64 bytes, increments 1, leading dimensions as small as can be;
+// calls go through the Fortran names. A peer without a routine is left out there, Eigen has gemm up to
+// n = 64 only. In level 3 "peak%" is the share that VOX reaches of the processor's own peak, measured
+// before and after each case, with its arithmetic as written (complex products as four real ones).
+// Ends with status 1 if VOX lacks a routine or results differ: times decide nothing.
 #include "bench/peers/operands.hpp"
+#include "bench/peers/peak.hpp"
 #include "bench/peers/peers.hpp"
 #include "bench/peers/routines.hpp"
 #include "bench/peers/summary.hpp"
@@ -34,14 +46,22 @@ const std::vector<long> vector_sizes = {4,    8,    16,    32,    64,     100,  
                                         1000, 4000, 10000, 50000, 200000, 1000000, 10000000};
 const std::vector<long> matrix_sizes = {4,   8,   12,  16,  25,  32,   50,   64,  100,
                                         128, 200, 256, 400, 512, 1000, 2000, 4000};
+const std::vector<long> product_sizes = {1,  2,  3,   4,   5,   6,   7,   8,    10,
+                                         12, 13, 16,  17,  20,  24,  25,  32,   48,
+                                         50, 64, 100, 128, 200, 256, 500, 1000, 2000};
+const std::vector<long> quick_product_sizes = {8, 24, 64, 256};
+const char *const default_shapes =
+    "4000x64x64,64x4000x64,64x64x4000,1000x1000x16,16x1000x1000,1000x16x1000,1009x509x253";
 constexpr size_t element_sizes[] = {4, 8, 8, 16};
 
 struct options {
     std::vector<std::string> names;
     std::string types = peers::type_letters, path = "best";
     std::vector<long> sizes;
+    std::vector<peers::extents> shapes;
     long max_n = 10000000;
-    int threads = 1;
+    int threads = 1, level = 0;
+    double beta = 1, below = 0;
     peers::form shape;
     bool compare_threads = false, quick = false, summary = false;
 };
@@ -60,10 +80,22 @@ std::vector<std::string> split(const std::string &list) {
 }
 
 bool chosen(const options &o, const peers::routine &r) {
+    if (o.level && r.level() != o.level)
+        return false;
+    if (o.names.empty())
+        return !r.on_request;
     const std::string name = r.name;
-    return o.names.empty() || std::any_of(o.names.begin(), o.names.end(), [&](const auto &wanted) {
-               return name == wanted || name.substr(0, name.find('_')) == wanted;
-           });
+    return std::any_of(o.names.begin(), o.names.end(), [&](const auto &wanted) {
+        return name == wanted || name.substr(0, name.find('_')) == wanted;
+    });
+}
+
+peers::extents shape_of(const std::string &text) {
+    peers::extents shape;
+    if (std::sscanf(text.c_str(), "%ldx%ldx%ld", &shape.m, &shape.n, &shape.k) != 3 ||
+        std::min({shape.m, shape.n, shape.k}) < 1)
+        usage();
+    return shape;
 }
 
 options parse(int argc, char **argv) {
@@ -82,6 +114,17 @@ options parse(int argc, char **argv) {
         else if (name == "--n")
             for (const std::string &n : split(value()))
                 o.sizes.push_back(std::max(1L, std::atol(n.c_str())));
+        else if (name == "--shapes") {
+            const std::string list = value();
+            for (const std::string &shape : split(list == "default" ? default_shapes : list))
+                o.shapes.push_back(shape_of(shape));
+            o.level = 3;
+        } else if (name == "--level")
+            o.level = std::atoi(value().c_str());
+        else if (name == "--beta")
+            o.beta = std::atof(value().c_str());
+        else if (name == "--below")
+            o.below = std::atof(value().c_str());
         else if (name == "--max-n")
             o.max_n = std::atol(value().c_str());
         else if (name == "--path")
@@ -104,7 +147,12 @@ options parse(int argc, char **argv) {
     }
     if (o.compare_threads && o.threads == 1)
         o.threads = 2;
-    if (o.threads < 1 || o.types.find_first_not_of(peers::type_letters) != std::string::npos)
+    if (!o.shapes.empty() && o.names.empty())
+        o.names = {"gemm_nn", "gemm_tn"};
+    if (o.below == 0)
+        o.below = o.compare_threads ? 0.95 : 0.9;
+    if (o.threads < 1 || o.level < 0 || o.level > 3 ||
+        o.types.find_first_not_of(peers::type_letters) != std::string::npos)
         usage();
     for (const std::string &name : o.names)
         if (std::none_of(peers::routines().begin(), peers::routines().end(), [&](const auto &r) {
@@ -114,12 +162,18 @@ options parse(int argc, char **argv) {
     return o;
 }
 
-std::vector<long> sizes_of(const options &o, const peers::routine &r) {
-    std::vector<long> sizes = o.sizes;
-    if (sizes.empty()) {
-        sizes = r.is_level1() ? vector_sizes : matrix_sizes;
-        std::erase_if(sizes, [&](long n) { return n > o.max_n; });
+std::vector<peers::extents> sizes_of(const options &o, const peers::routine &r) {
+    std::vector<long> orders = o.sizes;
+    if (orders.empty() && o.shapes.empty()) {
+        orders = r.level() == 1   ? vector_sizes
+                 : r.level() == 2 ? matrix_sizes
+                 : o.quick        ? quick_product_sizes
+                                  : product_sizes;
+        std::erase_if(orders, [&](long n) { return n > o.max_n; });
     }
+    std::vector<peers::extents> sizes = o.shapes;
+    for (long n : orders)
+        sizes.push_back({n, n, n});
     return sizes;
 }
 
@@ -132,44 +186,31 @@ std::vector<std::vector<peers::test_case>> cases_of(const options &o) {
                 o.types.find(peers::type_letters[type]) == std::string::npos)
                 continue;
             std::vector<peers::test_case> group;
-            for (long n : sizes_of(o, r))
-                group.push_back({&r, type, n, o.shape});
-            groups.push_back(group);
+            for (const peers::extents &size : sizes_of(o, r))
+                group.push_back({&r, type, size, o.shape, o.beta});
+            if (!group.empty())
+                groups.push_back(group);
         }
     return groups;
 }
 
 peers::memory memory_for(const std::vector<std::vector<peers::test_case>> &groups) {
-    size_t vector_bytes = 0, matrix_bytes = 0;
-    for (const auto &group : groups)
-        for (const peers::test_case &c : group) {
-            const size_t n = size_t(c.n), size = element_sizes[c.type];
-            vector_bytes = std::max(vector_bytes, n * size);
-            if (!c.what->is_level1())
-                matrix_bytes = std::max(matrix_bytes, n * std::max(n, size_t(33)) * size);
-        }
-    return {vector_bytes, matrix_bytes};
+    const auto most = [&](peers::arg operand) {
+        size_t bytes = 0;
+        for (const auto &group : groups)
+            for (const peers::test_case &c : group)
+                bytes = std::max(bytes, c.what->elements(operand, c.size) * element_sizes[c.type]);
+        return bytes;
+    };
+    return {most(peers::arg::a), most(peers::arg::x), most(peers::arg::y)};
 }
 
 std::string symbol_of(const peers::test_case &c) {
     return c.what->symbols[c.type] + std::string("_");
 }
 
-void print_header(const peers::test_case &c, const std::vector<peers::library> &libraries) {
-    std::printf("\n%-10s", peers::case_name(*c.what, c.type).c_str());
-    for (const peers::library &l : libraries)
-        std::printf("%21s", l.name.c_str());
-    std::printf("%10s%8s   times in ns\n", "GB/s", "ratio");
-}
-
-void print_line(const peers::test_case &c, const std::vector<double> &times, double ratio) {
-    std::printf("%10ld", c.n);
-    for (double t : times)
-        std::printf("%21.1f", t * 1e9);
-    std::printf("%10.1f%8.2f\n",
-                peers::traffic(*c.what, c.n) * double(element_sizes[c.type]) / times[0] * 1e-9,
-                ratio);
-    std::fflush(stdout);
+bool has(const peers::library &l, const peers::test_case &c) {
+    return l.find(symbol_of(c)) && std::max({c.size.m, c.size.n, c.size.k}) <= l.max_n;
 }
 
 // Peers have errors too: this library's result stands if it is that of any other one. Otherwise
@@ -180,6 +221,8 @@ std::string disagreement(const peers::test_case &c, const std::vector<peers::lib
     const std::string symbol = symbol_of(c);
     std::string differences;
     const auto agrees = [&](const peers::library &other) {
+        if (!has(other, c))
+            return false;
         void *const pair[] = {libraries[0].find(symbol), other.find(symbol)};
         std::string difference;
         if (peers::agree(c, pair, memories, difference))
@@ -193,18 +236,85 @@ std::string disagreement(const peers::test_case &c, const std::vector<peers::lib
     return differences;
 }
 
+// What one case comes to: a time for each library, 0 where it takes no part, and the operations per
+// second that the processor can do (level 3).
+struct result {
+    std::vector<double> times;
+    double peak = 0;
+
+    double ratio() const {
+        double best = 1e300;
+        for (size_t i = 1; i < times.size(); ++i)
+            if (times[i] > 0)
+                best = std::min(best, times[i]);
+        return best / times[0];
+    }
+    double share(const peers::test_case &c) const {
+        return peak > 0 ? 100 * c.what->flops(c.type, c.size) / times[0] / peak : 0;
+    }
+};
+
+result measure(const peers::test_case &c, const std::vector<peers::library> &libraries,
+               peers::memory &operands, const options &o) {
+    const peers::effort effort = o.quick ? peers::effort{0.015, 0.1} : peers::effort{0.06, 0.5};
+    std::vector<void *> functions;
+    for (const peers::library &l : libraries)
+        if (has(l, c))
+            functions.push_back(l.find(symbol_of(c)));
+    const auto peak = [&] {
+        if (c.what->level() < 3)
+            return 0.0;
+        return o.threads * peers::peak_flops(peers::path_of(libraries[0]), c.type % 2 == 1);
+    };
+    result r;
+    r.peak = peak();
+    const std::vector<double> times = peers::seconds(c, functions, operands, effort);
+    r.peak = std::max(r.peak, peak());
+    auto next = times.begin();
+    for (const peers::library &l : libraries)
+        r.times.push_back(has(l, c) ? *next++ : 0);
+    return r;
+}
+
+void print_header(const peers::test_case &c, const std::vector<peers::library> &libraries) {
+    std::printf("\n%-14s", peers::case_name(*c.what, c.type).c_str());
+    for (const peers::library &l : libraries)
+        std::printf("%21s", l.name.c_str());
+    if (c.what->level() < 3)
+        std::printf("%10s%8s   times in ns\n", "GB/s", "ratio");
+    else
+        std::printf("%10s%8s%8s   times in ns\n", "Gflop/s", "ratio", "peak%");
+}
+
+void print_line(const peers::test_case &c, const result &r) {
+    std::printf("%14s", c.size.text().c_str());
+    for (double t : r.times)
+        if (t > 0)
+            std::printf("%21.1f", t * 1e9);
+        else
+            std::printf("%21s", "-");
+    if (c.what->level() < 3)
+        std::printf("%10.1f%8.2f\n",
+                    peers::traffic(*c.what, c.size) * double(element_sizes[c.type]) / r.times[0] *
+                        1e-9,
+                    r.ratio());
+    else
+        std::printf("%10.1f%8.2f%8.1f\n", c.what->flops(c.type, c.size) / r.times[0] * 1e-9,
+                    r.ratio(), r.share(c));
+    std::fflush(stdout);
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
     const options o = parse(argc, argv);
-    const std::vector<peers::library> libraries = o.compare_threads
-                                                      ? peers::open_thread_counts(o.path, o.threads)
-                                                      : peers::open_libraries(o.path, o.threads);
+    const std::vector<peers::library> opened = o.compare_threads
+                                                   ? peers::open_thread_counts(o.path, o.threads)
+                                                   : peers::open_libraries(o.path, o.threads);
     const auto groups = cases_of(o);
     const std::vector<peers::library> reference = peers::open_reference();
     peers::memory operands = memory_for(groups), others = memory_for(groups);
     peers::memory *const memories[] = {&operands, &others};
-    const peers::effort effort = o.quick ? peers::effort{0.015, 0.1} : peers::effort{0.06, 0.5};
     double load = 0;
     getloadavg(&load, 1);
     std::printf("path %s, %d thread(s), load of the machine before: %.1f\n", o.path.c_str(),
@@ -215,22 +325,21 @@ int main(int argc, char **argv) {
 
     std::vector<peers::measured> all;
     int failures = 0;
-    const auto fail = [&](const peers::test_case &c, const std::string &why) {
-        std::printf("FAILED: %s, n = %ld: %s\n", peers::case_name(*c.what, c.type).c_str(), c.n,
-                    why.c_str());
+    const auto fail = [&](const std::string &what, const std::string &why) {
+        std::printf("FAILED: %s: %s\n", what.c_str(), why.c_str());
         ++failures;
     };
     for (const auto &group : groups) {
-        if (group.empty())
-            continue;
+        const std::string name = peers::case_name(*group[0].what, group[0].type);
         const std::string symbol = symbol_of(group[0]);
-        std::vector<void *> functions;
-        for (const peers::library &l : libraries)
-            functions.push_back(l.find(symbol));
-        const auto missing = std::find(functions.begin(), functions.end(), nullptr);
-        if (missing != functions.end()) {
-            fail(group[0],
-                 libraries[size_t(missing - functions.begin())].name + " has no " + symbol);
+        std::vector<peers::library> libraries = opened;
+        std::erase_if(libraries, [&](const peers::library &l) { return !l.find(symbol); });
+        if (!opened[0].find(symbol)) {
+            fail(name, opened[0].name + " has no " + symbol);
+            continue;
+        }
+        if (libraries.size() == 1) {
+            std::printf("%s: no peer has it\n", name.c_str());
             continue;
         }
         if (!o.summary)
@@ -238,18 +347,18 @@ int main(int argc, char **argv) {
         for (const peers::test_case &c : group) {
             if (const std::string why = disagreement(c, libraries, reference, memories);
                 !why.empty())
-                fail(c, why);
-            const std::vector<double> times = peers::seconds(c, functions, operands, effort);
-            const double ratio = *std::min_element(times.begin() + 1, times.end()) / times[0];
-            all.push_back({c.what, c.type, c.n, ratio});
+                fail(name + ", n = " + c.size.text(), why);
+            const result r = measure(c, libraries, operands, o);
+            all.push_back({c.what, c.type, c.size, r.ratio(), r.share(c)});
             if (!o.summary)
-                print_line(c, times, ratio);
+                print_line(c, r);
         }
     }
     if (!all.empty()) {
         std::printf("\n");
         peers::print_summary(all, stdout);
-        peers::print_below(o.compare_threads ? 0.95 : 0.9, all, stdout);
+        peers::print_shares(all, stdout);
+        peers::print_below(o.below, all, stdout);
     }
     return failures ? 1 : 0;
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <complex>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <type_traits>
@@ -49,34 +50,39 @@ template <class T>
 class operands {
   public:
     operands(const test_case &c, const peers::memory &m)
-        : case_(c), x(static_cast<T *>(m.x)), y(static_cast<T *>(m.y)), a(static_cast<T *>(m.a)),
-          n_(int(c.n)), band_(int(std::min(c.n / 4, 16L))), ldb_(2 * band_ + 1) {}
+        : case_(c), a(static_cast<T *>(m.a)), x(static_cast<T *>(m.x)), y(static_cast<T *>(m.y)),
+          m_(int(c.size.m)), n_(int(c.size.n)), k_(int(c.size.k)), lda_(rows(arg::a)),
+          ldx_(rows(arg::x)), ldy_(rows(arg::y)), band_(std::min(n_ / 4, 16)), ldb_(2 * band_ + 1),
+          beta_(real_of<T>(c.beta)) {}
 
     // General values. Triangles are well conditioned, whatever n.
     void fill() {
-        for (size_t i = 0; i < vector_size(); ++i) {
+        for (size_t i = 0; i < elements(arg::x); ++i)
             x[i] = element<T>(i);
+        for (size_t i = 0; i < elements(arg::y); ++i)
             y[i] = element<T>(i + 7919);
-        }
-        const real_of<T> scale = real_of<T>(1.0 / double(n_));
-        for (size_t i = 0; i < matrix_size(); ++i)
+        const double terms = case_.what->level() == 3 ? case_.what->terms(case_.size) : double(n_);
+        const real_of<T> scale = real_of<T>(1 / terms);
+        for (size_t i = 0; i < elements(arg::a); ++i)
             a[i] = element<T>(i + 104729) * scale;
         if (case_.what->has(arg::diag))
-            for (long i = 0; i < n_; ++i)
+            for (long i = 0; i < lda_; ++i)
                 a[index(i, i)] += T(2);
     }
 
     // Values that stay finite however often the call is made on its own result: a triangle is its
     // own inverse, ( I 0 )
-    //              ( B -I ).
+    //              ( B -I ),
+    // and alpha there is of modulus 1, so trmm and trsm need no copy of B between calls. C grows by
+    // about 1 per call where beta is 1.
     void fill_for_repetition() {
         fill();
         if (!case_.what->has(arg::diag))
             return;
         const bool packed = case_.what->matrix == storage::packed;
-        for (long j = 0; j < n_; ++j)
-            for (long i = 0; i < n_; ++i) {
-                const bool upper_left = i < n_ / 2, off = upper_left != (j < n_ / 2);
+        for (long j = 0; j < lda_; ++j)
+            for (long i = 0; i < lda_; ++i) {
+                const bool upper_left = i < lda_ / 2, off = upper_left != (j < lda_ / 2);
                 if (packed && i != j && (i > j) != (case_.shape.uplo == 'L'))
                     continue;
                 if (!off)
@@ -88,9 +94,18 @@ class operands {
         switch (argument) {
         case arg::end:
             return nullptr;
+        case arg::m:
+            return &m_;
         case arg::n:
-        case arg::lda:
             return &n_;
+        case arg::k:
+            return &k_;
+        case arg::lda:
+            return &lda_;
+        case arg::ldx:
+            return &ldx_;
+        case arg::ldy:
+            return &ldy_;
         case arg::one:
             return &one_;
         case arg::band:
@@ -105,16 +120,18 @@ class operands {
             return &turn_;
         case arg::unity:
             return &unity_;
+        case arg::beta:
+            return &beta_;
         case arg::cosine:
             return &cosine_;
         case arg::sine:
             return &sine_;
+        case arg::a:
+            return a;
         case arg::x:
             return x;
         case arg::y:
             return y;
-        case arg::a:
-            return a;
         case arg::uplo:
             return &case_.shape.uplo;
         case arg::trans:
@@ -124,32 +141,36 @@ class operands {
             return "N";
         case arg::transpose:
             return "T";
+        case arg::left:
+        case arg::lower:
+            return "L";
+        case arg::right:
+            return "R";
+        case arg::upper:
+            return "U";
         }
         return nullptr;
     }
 
-    size_t vector_size() const { return size_t(n_); }
-    size_t matrix_size() const {
-        const size_t n = size_t(n_);
-        const size_t sizes[] = {0, n * n, n * n, n * (n + 1) / 2, n * size_t(ldb_)};
-        return sizes[size_t(case_.what->matrix)];
-    }
+    size_t elements(arg operand) const { return case_.what->elements(operand, case_.size); }
 
   private:
+    int rows(arg operand) const { return int(case_.what->rows(operand, case_.size)); }
     size_t index(long i, long j) const {
         if (case_.what->matrix != storage::packed)
-            return size_t(j * n_ + i);
+            return size_t(j * lda_ + i);
         return size_t(case_.shape.uplo == 'U' ? j * (j + 1) / 2 + i : j * n_ - j * (j + 1) / 2 + i);
     }
 
     const test_case &case_;
 
   public:
-    T *const x, *const y, *const a;
+    T *const a, *const x, *const y;
 
   private:
-    const int n_, band_, ldb_, one_ = 1;
+    const int m_, n_, k_, lda_, ldx_, ldy_, band_, ldb_, one_ = 1;
     const T alpha_ = make<T>(0.75, 0.25), small_ = make<T>(1e-3, 5e-4), unity_ = T(1);
+    const T beta_; // in front, where it is real in a complex call
     const T turn_ = is_complex<T> ? make<T>(0.6, 0.8) : T(-1);
     const real_of<T> cosine_ = real_of<T>(0.6), sine_ = real_of<T>(0.8);
 };
@@ -197,6 +218,8 @@ auto with_call(const peers::routine &r, const void *const *arguments, const Body
         return call(std::integral_constant<size_t, 10>(), none);
     case 11:
         return call(std::integral_constant<size_t, 11>(), none);
+    case 12:
+        return call(std::integral_constant<size_t, 12>(), none);
     case 13:
         return call(std::integral_constant<size_t, 13>(), none);
     }
@@ -243,8 +266,8 @@ double difference(const T *p, const T *q, size_t n) {
 // two results and complex arithmetic. n eps would let half of a long single-precision sum be lost.
 template <class T>
 double bound(const test_case &c) {
-    const double terms = c.what->sums ? double(c.n) : 1;
-    return 8 * std::sqrt(terms) * double(std::numeric_limits<real_of<T>>::epsilon());
+    return 8 * std::sqrt(c.what->terms(c.size)) *
+           double(std::numeric_limits<real_of<T>>::epsilon());
 }
 
 template <class T>
@@ -267,14 +290,16 @@ bool agree_in(const test_case &c, void *const functions[2], peers::memory *const
         double difference;
     } parts[] = {
         {"result", difference(&result[0], &result[1], 1)},
-        {"x", difference(pair[0].x, pair[1].x, pair[0].vector_size())},
-        {"y", difference(pair[0].y, pair[1].y, pair[0].vector_size())},
-        {"a", difference(pair[0].a, pair[1].a, pair[0].matrix_size())},
+        {"x", difference(pair[0].x, pair[1].x, pair[0].elements(arg::x))},
+        {"y", difference(pair[0].y, pair[1].y, pair[0].elements(arg::y))},
+        {"a", difference(pair[0].a, pair[1].a, pair[0].elements(arg::a))},
     };
     const bool exact = c.what->result == returned::index;
     for (const auto &part : parts)
         if (!(part.difference <= (exact ? 0 : bound<T>(c)))) {
-            where = std::string(part.name) + " differs by " + std::to_string(part.difference);
+            char text[32];
+            std::snprintf(text, sizeof text, " differs by %.1e", part.difference);
+            where = part.name + std::string(text);
             return false;
         }
     return true;
@@ -300,8 +325,8 @@ constexpr size_t offset_step = 1088;
 
 } // namespace
 
-peers::memory::memory(size_t vector_bytes, size_t matrix_bytes) {
-    const size_t bytes[] = {vector_bytes, vector_bytes, matrix_bytes};
+peers::memory::memory(size_t a_bytes, size_t x_bytes, size_t y_bytes) {
+    const size_t bytes[] = {x_bytes, y_bytes, a_bytes};
     void **const parts[] = {&x, &y, &a};
     for (size_t i = 0; i < 3; ++i) {
         blocks_[i] = std::aligned_alloc(4096, (bytes[i] + i * offset_step + 4095) / 4096 * 4096);

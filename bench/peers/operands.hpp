@@ -17,19 +17,20 @@ struct form {
 struct test_case {
     const routine *what;
     size_t type; // index into type_letters
-    long n;
+    extents size;
     form shape;
+    double beta;
 };
 
 // Memory for the largest case; made once.
 class memory {
   public:
-    memory(size_t vector_bytes, size_t matrix_bytes);
+    memory(size_t a_bytes, size_t x_bytes, size_t y_bytes);
     ~memory();
     memory(const memory &) = delete;
     memory &operator=(const memory &) = delete;
 
-    void *x, *y, *a;
+    void *a, *x, *y;
 
   private:
     void *blocks_[3];

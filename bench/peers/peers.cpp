@@ -30,6 +30,8 @@ const code_path code_paths[] = {
     {"avx512", 7, {"SkylakeX"}},
 };
 
+constexpr int widest = 7; // the path above all others
+
 // Where Debian puts them.
 #define DEBIAN "/usr/lib/x86_64-linux-gnu/"
 constexpr const char *openblas[] = {DEBIAN "openblas-serial/libopenblas.so.0",
@@ -90,7 +92,7 @@ peers::library open_vox(std::string name, const code_path &path, int threads) {
     else
         setenv("VOX_DEBUG_CPU_TYPE", std::to_string(path.type).c_str(), 1);
     peers::library vox(std::move(name), open_copy(VOX_LIBRARY));
-    if (path.type >= 0 && function<int(int)>(vox, "vox_get_cpu_type")(0) != path.type)
+    if (path.type >= 0 && peers::path_of(vox) != path.type)
         fail(std::string("this machine does not run the code path ") + path.name);
     const int available = function<int()>(vox, "vox_get_max_threads")();
     if (available != threads)
@@ -142,8 +144,13 @@ std::vector<peers::library> peers::open_libraries(const std::string &name, int t
         opened.emplace_back("BLIS", open_copy(blis[threaded]));
     if (opened.size() == 1)
         fail("no peer is installed (tools/setup bench)");
+    // Eigen is compiled for this machine, so it has no lower paths.
+    if (VOX_EIGEN[0] && !threaded && (path.type < 0 || path.type == widest))
+        opened.emplace_back("Eigen", open_copy(VOX_EIGEN), 64);
     return opened;
 }
+
+int peers::path_of(const library &vox) { return function<int(int)>(vox, "vox_get_cpu_type")(0); }
 
 std::vector<peers::library> peers::open_thread_counts(const std::string &name, int threads) {
     const code_path &path = path_named(name);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -14,13 +15,14 @@ namespace peers {
 
 class library {
   public:
-    library(std::string library_name, void *library_handle)
-        : name(std::move(library_name)), handle_(library_handle) {}
+    library(std::string library_name, void *library_handle, long largest = LONG_MAX)
+        : name(std::move(library_name)), max_n(largest), handle_(library_handle) {}
 
     // Null if the library does not have it.
     void *find(const std::string &symbol) const;
 
     std::string name;
+    long max_n; // the largest size that it is compared at
 
   private:
     void *handle_;
@@ -30,6 +32,9 @@ class library {
 // installed, held to the same instructions. Ends the process with a message if that cannot be had.
 std::vector<library> open_libraries(const std::string &path, int threads);
 
+// The code path that this library has chosen, as vox_get_cpu_type numbers them.
+int path_of(const library &vox);
+
 // This library with so many threads, and with one.
 std::vector<library> open_thread_counts(const std::string &path, int threads);
 
@@ -37,7 +42,8 @@ std::vector<library> open_thread_counts(const std::string &path, int threads);
 std::vector<library> open_reference();
 
 // Seconds spent on one case: at least `enough`; then until each candidate has come three times
-// within 2% of its best, at most `limit`. At least five rounds whatever they take.
+// within 2% of its best, at most `limit`. At least five rounds, or two if they take more than four
+// times the limit.
 struct effort {
     double enough, limit;
 };
@@ -82,7 +88,8 @@ std::vector<double> best_times(size_t candidates, effort allowed, const Call &ca
         const double spent = std::chrono::duration<double>(clock::now() - start).count();
         const bool settled =
             std::all_of(found.begin(), found.end(), [](const shortest &s) { return s.settled(); });
-        if (round >= 4 && spent >= (settled ? allowed.enough : allowed.limit))
+        if (round >= 4 ? spent >= (settled ? allowed.enough : allowed.limit)
+                       : round >= 1 && spent >= 4 * allowed.limit)
             break;
     }
     std::vector<double> best;

@@ -46,10 +46,35 @@ void peers::print_summary(const std::vector<measured> &all, std::FILE *to) {
                 least = &m;
         }
         if (least)
-            std::fprintf(to, "| %s | %s | %s | %s | %s | %s | %.2f | %s, n = %ld |\n", r.name,
+            std::fprintf(to, "| %s | %s | %s | %s | %s | %s | %.2f | %s, n = %s |\n", r.name,
                          types[0].text().c_str(), types[1].text().c_str(), types[2].text().c_str(),
                          types[3].text().c_str(), total.text().c_str(), least->ratio,
-                         case_name(r, least->type).c_str(), least->n);
+                         case_name(r, least->type).c_str(), least->size.text().c_str());
+    }
+}
+
+void peers::print_shares(const std::vector<measured> &all, std::FILE *to) {
+    bool first = true;
+    for (const routine &r : routines()) {
+        const measured *least[4] = {};
+        for (const measured &m : all)
+            if (m.what == &r && r.level() == 3 &&
+                r.operations(m.size) >= r.operations({500, 500, 500}) &&
+                (!least[m.type] || m.share < least[m.type]->share))
+                least[m.type] = &m;
+        if (std::count(std::begin(least), std::end(least), nullptr) == 4)
+            continue;
+        if (first)
+            std::fprintf(to, "\n| lowest %% of the peak | s | d | c | z |\n"
+                             "|---|---:|---:|---:|---:|\n");
+        first = false;
+        std::fprintf(to, "| %s |", r.name);
+        for (const measured *m : least)
+            if (m)
+                std::fprintf(to, " %.0f (n = %s) |", m->share, m->size.text().c_str());
+            else
+                std::fprintf(to, " |");
+        std::fprintf(to, "\n");
     }
 }
 
@@ -59,5 +84,6 @@ void peers::print_below(double bar, std::vector<measured> all, std::FILE *to) {
               [](const measured &p, const measured &q) { return p.ratio < q.ratio; });
     std::fprintf(to, "\n%zu below %.2f%s\n", all.size(), bar, all.empty() ? "" : ":");
     for (const measured &m : all)
-        std::fprintf(to, "  %.2f  %s, n = %ld\n", m.ratio, case_name(*m.what, m.type).c_str(), m.n);
+        std::fprintf(to, "  %.2f  %s, n = %s\n", m.ratio, case_name(*m.what, m.type).c_str(),
+                     m.size.text().c_str());
 }

@@ -8,12 +8,13 @@
 
 namespace peers {
 
-// Time of the best of the others over that of the first candidate: above 1 is faster.
+// Time of the best of the others over that of the first candidate: above 1 is faster. And for level
+// 3 the first candidate's share of the processor's peak, in percent.
 struct measured {
     const routine *what;
     size_t type;
-    long n;
-    double ratio;
+    extents size;
+    double ratio, share;
 };
 
 // The name in one type, as "dgemv_n".
@@ -21,6 +22,10 @@ std::string case_name(const routine &r, size_t type);
 
 // A markdown table: geometric means over all sizes per type and over all types, and the minimum.
 void print_summary(const std::vector<measured> &all, std::FILE *to);
+
+// The same for the shares of the peak: for each routine and type the lowest of those with at
+// least the operations of n = 500. Nothing if there is none.
+void print_shares(const std::vector<measured> &all, std::FILE *to);
 
 // The cases below a ratio, lowest first.
 void print_below(double bar, std::vector<measured> all, std::FILE *to);
