@@ -89,8 +89,9 @@ VOX_SCALAR bool is_zero(T a) {
     return real(a) == 0 && imag(a) == 0;
 }
 
+// static: no symbol, even where an address of it is taken
 template <class T>
-constexpr T one = make<T>(1);
+static constexpr T one = make<T>(1);
 
 } // namespace vox
 

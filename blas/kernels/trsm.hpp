@@ -188,6 +188,21 @@ void solve_block(const vox::triangle_product<T> &job, T alpha, index_t i0, index
     }
 }
 
+// What the solved steps take off rows i .. end of the rest of B, which is scaled by beta on the way: A's
+// strips are in the workspace.
+template <class T>
+block_product<T> rest_of(const vox::triangle_product<T> &job, const workspace<T> &space,
+                         index_t a_pitch, index_t i, index_t end, T beta) {
+    return {.a = space.a,
+            .a_pitch = a_pitch,
+            .i0 = i,
+            .i1 = end,
+            .alpha = -vox::one<T>,
+            .beta = beta,
+            .c = job.b,
+            .ldc = job.ldb};
+}
+
 template <class T>
 void trsm_left(const vox::triangle_product<T> &job, const workspace<T> &space) {
     const factor<T> t = transpose_of(job.a), b = {job.b, job.ldb};
@@ -204,15 +219,7 @@ void trsm_left(const vox::triangle_product<T> &job, const workspace<T> &space) {
         for (index_t i = i0; i < i1; i += space.mb) {
             const index_t end = least(i1, i + space.mb);
             pack_a(job.a, i, end, p0, p1, pitch, space.a);
-            sweep<T>({.a = space.a,
-                      .a_pitch = pitch,
-                      .i0 = i,
-                      .i1 = end,
-                      .alpha = -vox::one<T>,
-                      .beta = alpha,
-                      .c = job.b,
-                      .ldc = job.ldb},
-                     b, p0, p1, 0, job.n, space, {});
+            sweep(rest_of(job, space, pitch, i, end, alpha), b, p0, p1, 0, job.n, space, {});
         }
         alpha = vox::one<T>;
     });
@@ -228,15 +235,8 @@ void trsm_right(const vox::triangle_product<T> &job, const workspace<T> &space) 
             const index_t depth = rounded_up(p1 - p0, tile_width<T>);
             const bool reciprocals = pack_triangle(job.a, p0, p1, depth, space.b);
             solve_block(job, alpha, i, end, p0, p1, forward, reciprocals, space);
-            sweep<T>({.a = space.a,
-                      .a_pitch = depth * a_step<T>,
-                      .i0 = i,
-                      .i1 = end,
-                      .alpha = -vox::one<T>,
-                      .beta = alpha,
-                      .c = job.b,
-                      .ldc = job.ldb},
-                     job.a, p0, p1, forward ? p1 : 0, forward ? job.n : p0, space, {});
+            sweep(rest_of(job, space, depth * a_step<T>, i, end, alpha), job.a, p0, p1,
+                  forward ? p1 : 0, forward ? job.n : p0, space, {});
             alpha = vox::one<T>;
         });
     }

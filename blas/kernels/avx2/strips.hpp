@@ -4,55 +4,23 @@
 // manage without spilling; 19 instructions a step, of which 12 are multiply-adds.
 #pragma once
 
-namespace {
-
 #define VOX_COLUMN(S, size, u, j, s0, s1, s2)                                                      \
-    "vbroadcasts" S " (" #u "*4+" #j ")*" size "(%[b]), %[t0]\n\t"                                 \
-    "vfmadd231p" S " %[x0], %[t0], " s0 "\n\tvfmadd231p" S " %[x1], %[t0], " s1 "\n\t"             \
-    "vfmadd231p" S " %[x2], %[t0], " s2 "\n\t"
+    "vbroadcasts" S " (" #u "*4+" #j ")*" size "(%[b]), %[t3]\n\t"                                 \
+    "vfmadd231p" S " %[t0], %[t3], " s0 "\n\tvfmadd231p" S " %[t1], %[t3], " s1 "\n\t"             \
+    "vfmadd231p" S " %[t2], %[t3], " s2 "\n\t"
 #define VOX_STEP(S, size, u)                                                                       \
-    "vmovups " #u "*96(%[a]), %[x0]\n\tvmovups " #u "*96+32(%[a]), %[x1]\n\t"                      \
-    "vmovups " #u "*96+64(%[a]), %[x2]\n\t" VOX_COLUMN(S, size, u, 0, "%0", "%1", "%2")            \
+    "vmovups " #u "*96(%[a]), %[t0]\n\tvmovups " #u "*96+32(%[a]), %[t1]\n\t"                      \
+    "vmovups " #u "*96+64(%[a]), %[t2]\n\t" VOX_COLUMN(S, size, u, 0, "%0", "%1", "%2")            \
         VOX_COLUMN(S, size, u, 1, "%3", "%4", "%5") VOX_COLUMN(S, size, u, 2, "%6", "%7", "%8")    \
             VOX_COLUMN(S, size, u, 3, "%9", "%10", "%11")
-#define VOX_STRIPS(S, size)                                                                        \
-    __asm__ volatile(                                                                              \
-        "vxorps %0, %0, %0\n\tvxorps %1, %1, %1\n\tvxorps %2, %2, %2\n\tvxorps %3, %3, %3\n\t"     \
-        "vxorps %4, %4, %4\n\tvxorps %5, %5, %5\n\tvxorps %6, %6, %6\n\tvxorps %7, %7, %7\n\t"     \
-        "vxorps %8, %8, %8\n\tvxorps %9, %9, %9\n\tvxorps %10, %10, %10\n\tvxorps %11, %11, "      \
-        "%11\n\t"                                                                                  \
-        "sub $4, %[n]\n\tjl 2f\n\t"                                                                \
-        ".p2align 5\n"                                                                             \
-        "1:\n\tprefetcht1 (%[next])\n\t" VOX_STEP(S, size, 0) VOX_STEP(S, size, 1)                 \
-            VOX_STEP(S, size, 2) VOX_STEP(                                                         \
-                S, size, 3) "add $4*96, %[a]\n\tadd $4*" size "*4, %[b]\n\tadd $32, %[next]\n\t"   \
-                            "sub $4, %[n]\n\tjge 1b\n"                                             \
-                            "2:\n\tadd $4, %[n]\n\tjz 4f\n"                                        \
-                            "3:\n\t" VOX_STEP(S, size, 0) "add $96, %[a]\n\tadd $4*" size          \
-                                                          "*1, %[b]\n\tdec %[n]\n\tjnz 3b\n"       \
-                                                          "4:\n\t"                                 \
-        : "=&x"(sums[0]), "=&x"(sums[1]), "=&x"(sums[2]), "=&x"(sums[3]), "=&x"(sums[4]),          \
-          "=&x"(sums[5]), "=&x"(sums[6]), "=&x"(sums[7]), "=&x"(sums[8]), "=&x"(sums[9]),          \
-          "=&x"(sums[10]), "=&x"(sums[11]), [x0] "=&x"(x0), [x1] "=&x"(x1), [x2] "=&x"(x2),        \
-          [t0] "=&x"(t0), [a] "+r"(a), [b] "+r"(b), [next] "+r"(next), [n] "+r"(depth)             \
-        :                                                                                          \
-        : "cc", "memory")
-
-template <class R, class NearEnd>
-VOX_INLINE void multiply_strips(index_t depth, const R *a, const R *b, const R *next,
-                                accumulators<R, tile_vectors, tile_columns> &sums,
-                                const NearEnd &near_end) {
-    static_assert(tile_vectors == 3 && tile_columns == 4);
-    near_end();
-    vec<R> x0, x1, x2, t0;
-    if constexpr (sizeof(R) == 8)
-        VOX_STRIPS("d", "8");
-    else
-        VOX_STRIPS("s", "4");
-}
-
-#undef VOX_STRIPS
-#undef VOX_STEP
-#undef VOX_COLUMN
-
-} // namespace
+#define VOX_CLEAR                                                                                  \
+    "vxorps %0, %0, %0\n\tvxorps %1, %1, %1\n\tvxorps %2, %2, %2\n\tvxorps %3, %3, %3\n\t"         \
+    "vxorps %4, %4, %4\n\tvxorps %5, %5, %5\n\tvxorps %6, %6, %6\n\tvxorps %7, %7, %7\n\t"         \
+    "vxorps %8, %8, %8\n\tvxorps %9, %9, %9\n\tvxorps %10, %10, %10\n\tvxorps %11, %11, %11\n\t"
+#define VOX_SUMS                                                                                   \
+    "=&x"(sums[0]), "=&x"(sums[1]), "=&x"(sums[2]), "=&x"(sums[3]), "=&x"(sums[4]),                \
+        "=&x"(sums[5]), "=&x"(sums[6]), "=&x"(sums[7]), "=&x"(sums[8]), "=&x"(sums[9]),            \
+        "=&x"(sums[10]), "=&x"(sums[11])
+#define VOX_A_BYTES "96"
+#define VOX_B_BYTES(size) "4*" size
+#include "blas/kernels/strips_loop.hpp"
