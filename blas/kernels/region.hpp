@@ -26,7 +26,7 @@ VOX_INLINE void diagonal_tile(const Tile &tile, const Job &job, const finish<T> 
                               index_t j, index_t rows, index_t columns) {
     using R = real_of<T>;
     constexpr index_t L = lanes<R>;
-    alignas(64) T aside[tile_rows<T> * tile_width<T>];
+    alignas(64) T aside[tile_rows<T> * tile_width<T> + L]; // its end is read as a whole vector
     tile(finish<T>{out.alpha, T{}, aside, tile_rows<T>});
     const T beta = out.beta;
     const bool overwrite = vox::is_zero(beta);
