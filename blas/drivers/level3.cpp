@@ -104,6 +104,8 @@ bool split_depth(const product<T> &job, int threads) {
 template <class T, class Kernel>
 void share_others(Kernel kernel, const triangle_product<T> &job) {
     const index_t order = job.left ? job.m : job.n, others = job.left ? job.n : job.m;
+    if (VOX_LIKELY(surely_serial<T>(order, others, order / 2 + 1)))
+        return kernel(&job);
     const int threads = worthwhile<T>(threads_for<T>(order, others, order / 2 + 1),
                                       double(order) * double(order) * double(others));
     const index_t multiple = 8, most = (others + multiple - 1) / multiple;
@@ -147,9 +149,12 @@ void multiply_in_parallel(const product<T> &job, int threads) {
 
 template <class T>
 void multiply(const product<T> &job) {
-    if (job.m > 0 && job.n > 0)
-        multiply_in_parallel(
-            job, threads_for<T>(job.m, job.n, job.part == region::all ? job.k : job.k / 2));
+    if (job.m <= 0 || job.n <= 0)
+        return;
+    const index_t depth = job.part == region::all ? job.k : job.k / 2;
+    if (VOX_LIKELY(surely_serial<T>(job.m, job.n, depth)))
+        return entries<T>::team(&job, nullptr, 0, 1);
+    multiply_in_parallel(job, threads_for<T>(job.m, job.n, depth));
 }
 
 template <class T>

@@ -14,7 +14,7 @@
 #include "blas/kernels/blocks.hpp"
 #include "blas/kernels/packing.hpp"
 #include "blas/kernels/region.hpp"
-#include "blas/kernels/small.hpp"
+#include "blas/kernels/triangle_in_place.hpp"
 #include "blas/team_barrier.hpp"
 
 namespace {

@@ -3,6 +3,8 @@
 
 #include "blas/kernels/in_place.hpp"
 #include "blas/kernels/packed.hpp"
+#include "blas/kernels/small.hpp"
+#include "blas/kernels/tiny.hpp"
 #include "vox/service.h"
 
 namespace {
@@ -37,6 +39,21 @@ __attribute__((noinline)) void multiply_alone(const gemm_strategy &strategy,
     with_workspace<T>(info, job.k, [&](const workspace<T> &space) {
         multiply_range(job, i0, i1, j0, j1, (i1 - i0 + space.mb - 1) / space.mb, space, {});
     });
+}
+
+// The whole of a product of any kind, by one thread.
+template <class T>
+void multiply_by_one(const gemm_strategy &strategy, const vox::product<T> &job) {
+    if (nothing_to_multiply(job))
+        return scale_region(job, 0, job.m, 0, job.n);
+    if (multiply_tiny(job))
+        return;
+    if ((job.a.kind != structure::general || job.b.kind != structure::general) &&
+        multiply_small(job))
+        return;
+    if (suits_in_place(job, job.m, job.n))
+        return multiply_in_place(job, 0, job.m, 0, job.n);
+    multiply_alone(strategy, job, 0, job.m, 0, job.n);
 }
 
 struct extent {
@@ -88,10 +105,8 @@ void multiply_in_team(const gemm_strategy &strategy, const vox::product<T> &job,
                       vox::product_team *shared, int rank, int size) {
     using R = real_of<T>;
     constexpr index_t mr = tile_rows<T>, nr = tile_width<T>;
-    if (size == 1 && !nothing_to_multiply(job) &&
-        (job.a.kind != structure::general || job.b.kind != structure::general) &&
-        multiply_small(job))
-        return;
+    if (size == 1)
+        return multiply_by_one(strategy, job);
     const int groups = column_groups(job, size), members = size / groups;
     const int group = rank / members, member = rank % members;
     const extent columns = share(group, groups, job.n, nr);
@@ -114,7 +129,7 @@ void multiply_in_team(const gemm_strategy &strategy, const vox::product<T> &job,
         return;
     }
     // The rows of a triangle end at different columns: nobody waits for anybody.
-    if (size == 1 || job.part != region::all)
+    if (job.part != region::all)
         return multiply_alone(strategy, job, rows.first, rows.end, columns.first, columns.end);
 
     const team_member everybody = {rank, size, &shared->all};
@@ -158,6 +173,8 @@ __attribute__((noinline)) void multiply_general(Strategy strategy, const vox::pr
                                       vox::is_zero(job.alpha), vox::is_zero(job.beta));
     if (zero)
         scale_region(job, 0, job.m, 0, job.n);
+    else if (multiply_tiny(job))
+        return;
     else if (VOX_LIKELY(way == route::in_place))
         multiply_in_place(job, 0, job.m, 0, job.n);
     else

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "blas/kernels/packed.hpp"
+#include "blas/kernels/tiny.hpp"
 
 namespace {
 
@@ -91,7 +92,7 @@ void trmm_right(const vox::triangle_product<T> &job, const workspace<T> &space) 
 
 template <class T>
 void trmm(const gemm_strategy &strategy, const vox::triangle_product<T> &job) {
-    if (multiply_small(job))
+    if (triangle_tiny<false>(job) || triangle_in_place(job))
         return;
     const gemm_info info = triangle_blocks(strategy, job);
     with_workspace<T>(info, info.kb, [&](const workspace<T> &space) {

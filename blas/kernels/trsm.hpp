@@ -244,6 +244,8 @@ void trsm_right(const vox::triangle_product<T> &job, const workspace<T> &space) 
 
 template <class T>
 void trsm(const gemm_strategy &strategy, const vox::triangle_product<T> &job) {
+    if (triangle_tiny<true>(job))
+        return;
     const gemm_info info = triangle_blocks(strategy, job);
     with_workspace<T>(info, info.kb, [&](const workspace<T> &space) {
         if (job.left)
