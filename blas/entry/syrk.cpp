@@ -4,6 +4,7 @@
 #include "blas/entry/c_call.hpp"
 #include "blas/entry/forms.hpp"
 #include "blas/errchk/level3.hpp"
+#include "serv/scratch.hpp"
 #include "vox/blas.h"
 #include "vox/cblas.h"
 
@@ -51,7 +52,33 @@ class update {
                      beta, c_, ldc_, part_, hermitian});
     }
 
+    // S + S' for S = alpha op(A) op(B)', which is computed whole. False if S is large or there is no
+    // memory for it.
+    bool add_both(T alpha, const T *a, index_t lda, const T *b, index_t ldb, T beta) const {
+        if (n_ > most_whole || n_ * n_ * index_t(sizeof(T)) > most_bytes)
+            return false;
+        const scratch<T> memory(n_ * n_, 64);
+        if (memory.empty())
+            return false;
+        T *const s = memory.data();
+        multiply<T>({n_, n_, k_, alpha, operand(a, lda, transposed_), operand(b, ldb, !transposed_),
+                     T{}, s, n_});
+        const bool overwrite = is_zero(beta);
+        for (index_t j = 0; j < n_; ++j) {
+            const index_t from = part_ == region::lower ? j : 0;
+            const index_t end = part_ == region::upper ? j + 1 : n_;
+            T *const c = c_ + j * ldc_;
+            for (index_t i = from; i < end; ++i) {
+                const T sum = s[i + j * n_] + conj_if(hermitian, s[j + i * n_]);
+                c[i] = overwrite ? sum : sum + beta * c[i];
+            }
+        }
+        return true;
+    }
+
   private:
+    static constexpr index_t most_whole = 1024, most_bytes = 1 << 20;
+
     static factor<T> operand(const T *data, index_t ld, bool transposed) {
         return {data, ld, transposed, hermitian && transposed};
     }
@@ -88,6 +115,8 @@ constexpr auto syr2k = [](auto uplo, auto trans, index_t n, index_t k, auto alph
         return;
     const update<T, hermitian> to_c(uplo, trans, n, k, c, ldc);
     to_c.forget_imaginary_diagonal();
+    if (k > 0 && !is_zero(*alpha) && to_c.add_both(*alpha, a, lda, b, ldb, complete<T>(*beta)))
+        return;
     to_c.add(*alpha, a, lda, b, ldb, complete<T>(*beta));
     if (k > 0 && !is_zero(*alpha))
         to_c.add(conj_if(hermitian, *alpha), b, ldb, a, lda, one<T>);

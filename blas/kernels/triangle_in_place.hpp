@@ -80,7 +80,7 @@ void triangle_in_place_left(const vox::triangle_product<T> &job) {
     using R = real_of<T>;
     constexpr index_t L = lanes<R> / parts<T>, mr = tile_rows<T>, nr = tile_width<T>;
     alignas(64) T square[mr * mr];
-    const index_t vectors = job.m <= 6 * L ? 1 : 2;
+    const index_t vectors = job.m <= 2 * L ? 1 : 2;
     const index_t height = least(vectors, tile_vectors) * L;
     for_triangle_blocks(job.m, height, is_upper(job.a), [&](const triangle_block &t) {
         const index_t rows = t.end - t.first;
