@@ -72,6 +72,8 @@ class update {
                 const T sum = s[i + j * n_] + conj_if(hermitian, s[j + i * n_]);
                 c[i] = overwrite ? sum : sum + beta * c[i];
             }
+            if constexpr (hermitian) // even where the sum is not a number
+                c[j] = make<T>(real(c[j]));
         }
         return true;
     }
