@@ -31,7 +31,7 @@ constexpr index_t strip_bytes = 16 * 1024;
 // n in as many parts as it takes of at most `most`, all about the same.
 VOX_INLINE index_t even_share(index_t n, index_t most) {
     const index_t count = (n + most - 1) / most;
-    return (n + count - 1) / count;
+    return count == 1 ? n : count == 2 ? (n + 1) / 2 : (n + count - 1) / count; // division is slow
 }
 
 // Rows i0 .. i1 and columns j0 .. j1 of a product of general factors; alpha and k are not zero.

@@ -39,8 +39,18 @@ general_product(const char *transa, const char *transb, const index_t *m, const 
         *beta, c,  *ldc};
 }
 
-// A general product of one thread. One shallow tile is read in place by any rule, and small enough for
-// every nanosecond to count.
+// Tiles side by side from one strip of A.
+template <class T>
+__attribute__((noinline)) void multiply_strip(index_t rows, index_t columns, index_t depth,
+                                              const real_of<T> *a, const real_of<T> *b,
+                                              const strides &at, finish<T> out) {
+    const index_t width = even_share(columns, tile_width<T>);
+    for (index_t j = 0; j < columns; j += width, out.c += width * out.ldc)
+        any_tile<T>(rows, least(width, columns - j), depth, a, b + j * at.b_column, at, out);
+}
+
+// A general product of one thread. One shallow strip of A is read in place by any rule, and what is small
+// enough for every nanosecond to count is one.
 template <class T, class Strategy>
 VOX_INLINE void multiply_any(Strategy strategy, const char *transa, const char *transb,
                              const index_t *m, const index_t *n, const index_t *k, const T *alpha,
@@ -51,13 +61,14 @@ VOX_INLINE void multiply_any(Strategy strategy, const char *transa, const char *
         return;
     const int op_a = operation_code(*transa), op_b = operation_code(*transb);
     const bool plain = op_a == 0 || (rows == 1 && op_a == 1); // a row lies as its transpose does
-    if (VOX_LIKELY(plain && rows <= tile_rows<T> && columns <= tile_width<T> && depth >= 1 &&
+    if (VOX_LIKELY(plain && rows <= tile_rows<T> && depth >= 1 &&
                    depth < strategy_limits_of<T>.shallow_depth && readable_rows<T>(rows) &&
                    !vox::is_zero(*alpha))) {
-        any_tile<T>(rows, columns, depth, flat(a), flat(b),
-                    strides_of<T>(op_a == 0 ? *lda : 1, *ldb, op_b != 0),
-                    {*alpha, *beta, c, *ldc, false, op_b == 2});
-        return;
+        const strides at = strides_of<T>(op_a == 0 ? *lda : 1, *ldb, op_b != 0);
+        const finish<T> out = {*alpha, *beta, c, *ldc, false, op_b == 2};
+        if (columns > tile_width<T>)
+            return multiply_strip<T>(rows, columns, depth, flat(a), flat(b), at, out);
+        return any_tile<T>(rows, columns, depth, flat(a), flat(b), at, out);
     }
     multiply_general(strategy,
                      general_product(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc));

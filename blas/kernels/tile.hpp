@@ -78,23 +78,24 @@ struct strides {
 };
 
 // sums := A B for V vectors of rows and N columns of T, wherever they lie; of the last vector's lanes,
-// only the first `tail` are read. Vectors of half the width are for a few rows.
+// only the first `tail` are read. Vectors of half the width are for what one whole vector holds.
 template <class T, int V, int N, int Bytes>
 VOX_INLINE void multiply_edges(index_t depth, const real_of<T> *a, const real_of<T> *b, strides at,
                                int tail, accumulators<real_of<T>, V, N * parts<T>, Bytes> &sums) {
     using R = real_of<T>;
     using X = typename vec_of<R, Bytes>::type;
+    constexpr int L = Bytes / int(sizeof(R));
     unroll<V * N * parts<T>>([&](auto i) VOX_INLINED { sums[i] = X{}; });
     const index_t three = 3 * at.b_column;
     for (index_t p = 0; p < depth; ++p) {
         X rows[V];
         unroll<V>([&](auto v) VOX_INLINED {
-            if constexpr (Bytes < vector_bytes)
-                rows[v] = low_half(load_partial(a, tail));
+            if constexpr (v == V - 1 && Bytes < vector_bytes)
+                rows[v] = low_half(load_partial(a + v * L, tail));
             else if constexpr (v == V - 1 && V <= masked_vectors)
-                rows[v] = load_partial(a + v * lanes<R>, tail);
+                rows[v] = load_partial(a + v * L, tail);
             else
-                rows[v] = in_register(load(a + v * lanes<R>));
+                rows[v] = in_register(load<Bytes>(a + v * L));
         });
         const R *const far = b + at.b_column * 4;
         step<N * parts<T>>(
@@ -177,7 +178,8 @@ template <class T, int V, int N, class X>
 VOX_INLINE void update(const X (&sums)[V * N * parts<T>], int tail, const finish<T> &out) {
     using R = real_of<T>;
     const T alpha = out.alpha, beta = out.beta; // C might alias `out`, for all the compiler knows
-    const bool overwrite = vox::is_zero(beta), whole = tail == int(sizeof(X) / sizeof(R));
+    constexpr int L = int(sizeof(X) / sizeof(R));
+    const bool overwrite = vox::is_zero(beta), whole = tail == L;
     const bool conjugate_a = out.conjugate_a, conjugate_b = out.conjugate_b;
     const index_t column = out.ldc * parts<T>;
     R *c = flat(out.c);
@@ -186,9 +188,9 @@ VOX_INLINE void update(const X (&sums)[V * N * parts<T>], int tail, const finish
             const X x =
                 scaled(joined<T, V>(sums + j * parts<T> * V, v, conjugate_a, conjugate_b), alpha);
             if (v < V - 1 || whole)
-                update_lanes<T>(c + v * lanes<R>, x, beta, overwrite);
+                update_lanes<T>(c + v * L, x, beta, overwrite);
             else
-                update_tail<T>(c + v * lanes<R>, x, tail, beta, overwrite);
+                update_tail<T>(c + v * L, x, tail, beta, overwrite);
         });
         c += column;
     });
@@ -223,7 +225,8 @@ __attribute__((noinline)) void edge_tile(index_t depth, const real_of<T> *a, con
     update<T, V, N>(sums, tail, out);
 }
 
-// Rows that half a vector holds cost half where a processor runs wide vectors at half the rate.
+// Rows that half a vector holds cost half where a processor runs wide vectors at half the rate; those of
+// one vector go as two halves, since B's values are then spread twice as fast.
 constexpr bool half_vectors = vector_bytes == 64;
 
 // body(constant<n>) for 1 <= n <= Most.
@@ -251,14 +254,19 @@ VOX_INLINE void any_tile(index_t rows, index_t columns, index_t depth, const rea
     const index_t reals = rows * parts<T>, vectors = (reals + L - 1) / L;
     const int tail = int(reals - (vectors - 1) * L);
     if constexpr (half_vectors) {
-        if (reals <= L / 2)
+        if (vectors == 1)
             return with_count<tile_width<T>>(columns, [&](auto n) VOX_INLINED {
-                edge_tile<T, 1, n, vector_bytes / 2>(depth, a, b, at, tail, out);
+                constexpr int half = vector_bytes / 2;
+                if (reals <= L / 2)
+                    edge_tile<T, 1, n, half>(depth, a, b, at, tail, out);
+                else
+                    edge_tile<T, 2, n, half>(depth, a, b, at, tail - L / 2, out);
             });
     }
     with_count<tile_vectors>(vectors, [&](auto v) VOX_INLINED {
         with_count<tile_width<T>>(columns, [&](auto n) VOX_INLINED {
-            edge_tile<T, v, n, vector_bytes>(depth, a, b, at, tail, out);
+            if constexpr (v > 1 || !half_vectors)
+                edge_tile<T, v, n, vector_bytes>(depth, a, b, at, tail, out);
         });
     });
 }
