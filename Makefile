@@ -40,7 +40,7 @@ quick: build/build.ninja
 	$(RELEASE)
 	ctest --preset release -j $(JOBS) -L quick
 
-sanitize: test-asan test-ubsan test-tsan
+sanitize: test-asan test-tsan
 
 clang: test-clang
 

@@ -37,9 +37,13 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/code_path_list.hpp.in
 # calls, and without those of alignment and null in every element's access. Tests run these paths alone.
 set(VOX_SANITIZED_PATHS def avx2 avx512)
 set(_vox_unchecked -fno-sanitize=all -O1 -g0)
-set(_vox_checked_address --param=asan-instrumentation-with-call-threshold=0 -O1)
-set(_vox_checked_undefined -fno-sanitize=alignment,null -O1)
-set(_vox_checked_thread -O1)
+set(_vox_checked -O1)
+if(VOX_SANITIZE MATCHES address)
+  list(APPEND _vox_checked --param=asan-instrumentation-with-call-threshold=0)
+endif()
+if(VOX_SANITIZE MATCHES undefined)
+  list(APPEND _vox_checked -fno-sanitize=alignment,null)
+endif()
 
 # vox_add_kernels(<family> <sources...>): compiles each kernel source once per code path and adds the
 # objects to the library. In the source, VOX_KERNEL(<family>, <routine>) names the copy.
@@ -50,7 +54,7 @@ function(vox_add_kernels family)
     target_link_libraries(${target} PRIVATE vox_options)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}})
     if(VOX_SANITIZE AND path IN_LIST VOX_SANITIZED_PATHS)
-      target_compile_options(${target} PRIVATE ${_vox_checked_${VOX_SANITIZE}})
+      target_compile_options(${target} PRIVATE ${_vox_checked})
     elseif(VOX_SANITIZE)
       target_compile_options(${target} PRIVATE ${_vox_unchecked})
     endif()
