@@ -50,6 +50,9 @@ struct strategy_limits {
     index_t rows, columns;    // A as stored: fewer rows in place; fewer columns kind 16
     index_t transposed_rows, transposed_columns; // the same for its transpose
     index_t small = 0;                           // m, n and k below this: in place
+    // A as stored, in place as well: m, n and k below the first; up to so many columns; below a depth up
+    // to so many.
+    index_t plain_small = 0, plain_columns = 0, plain_depth = 0, plain_shallow_columns = 0;
 };
 
 } // namespace vox

@@ -111,6 +111,10 @@ VOX_INLINE route choose_route(bool transposed_a, bool transposed_b, index_t m, i
     constexpr vox::strategy_limits l = strategy_limits_of<T>;
     if (m == k && (m == l.square_a[0] || m == l.square_a[1]) && beta_zero)
         return route::in_place;
+    if (!transposed_a && !alpha_zero &&
+        ((m < l.plain_small && n < l.plain_small && k < l.plain_small) || n <= l.plain_columns ||
+         (k < l.plain_depth && n <= l.plain_shallow_columns)))
+        return route::in_place;
     if (k < l.shallow_depth && !alpha_zero) {
         if (m * n < l.thin * (m + n)) { // m n / (m + n) < thin
             if (m < l.thin_rows)

@@ -34,10 +34,10 @@ VOX_INLINE index_t even_share(index_t n, index_t most) {
     return count == 1 ? n : count == 2 ? (n + 1) / 2 : (n + count - 1) / count; // division is slow
 }
 
-// Rows i0 .. i1 and columns j0 .. j1 of a product of general factors; alpha and k are not zero.
+// Rows i0 .. i1 and columns j0 .. j1 of a block of a product in place.
 template <class T>
-__attribute__((noinline)) void multiply_in_place(const vox::product<T> &job, index_t i0, index_t i1,
-                                                 index_t j0, index_t j1) {
+__attribute__((noinline)) void multiply_block_in_place(const vox::product<T> &job, index_t i0,
+                                                       index_t i1, index_t j0, index_t j1) {
     constexpr index_t L = lanes<real_of<T>>, mr = tile_rows<T>, nr = tile_width<T>;
     const factor<T> &a = job.a, &b = job.b;
     strides at = strides_of<T>(a.ld, b.ld, b.transposed);
@@ -100,6 +100,31 @@ __attribute__((noinline)) void multiply_in_place(const vox::product<T> &job, ind
             out.beta = vox::one<T>;
         }
         at.a_step = a.ld * parts<T>;
+    }
+}
+
+// Blocks of B that the second-level cache keeps while A passes; a strip of A's columns must not take more
+// pages than are at hand.
+constexpr index_t block_columns = 256, block_depth = 2048, shallow_block_depth = 64;
+
+// Rows i0 .. i1 and columns j0 .. j1 of a product of general factors; alpha and k are not zero.
+template <class T>
+VOX_INLINE void multiply_in_place(const vox::product<T> &job, index_t i0, index_t i1, index_t j0,
+                                  index_t j1) {
+    const index_t columns = j1 - j0;
+    const bool one_pass = columns <= block_columns || job.a.transposed || // each pass would copy A
+                          job.k <= shallow_block_depth;
+    if (VOX_LIKELY(one_pass && job.k <= block_depth))
+        return multiply_block_in_place(job, i0, i1, j0, j1);
+    const index_t depth = even_share(job.k, block_depth);
+    const index_t width = one_pass ? columns : even_share(columns, block_columns);
+    vox::product<T> part = job;
+    for (index_t p = 0; p < job.k; p += depth) {
+        part.k = least(depth, job.k - p);
+        part.a.data = place(job.a, 0, p), part.b.data = place(job.b, p, 0);
+        for (index_t j = j0; j < j1; j += width)
+            multiply_block_in_place(part, i0, i1, j, least(j1, j + width));
+        part.beta = vox::one<T>;
     }
 }
 

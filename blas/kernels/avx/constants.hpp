@@ -17,8 +17,8 @@ constexpr vox::block_limits block_limits_of = {256,           128, 384, 192, 500
                                                24 / parts<T>, 48};
 
 template <class T>
-constexpr vox::strategy_limits strategy_limits_of = {{9, 12}, 129, 11, 101, 4,  7,
-                                                     41,      72,  72, 56,  56, 400 / parts<T>};
+constexpr vox::strategy_limits strategy_limits_of = {
+    {9, 12}, 129, 11, 101, 4, 7, 41, 72, 72, 56, 56, 400 / parts<T>, 0, 8};
 
 // Products of which a triangle is wanted are read in place below this order.
 template <class T>

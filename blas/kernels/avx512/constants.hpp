@@ -16,9 +16,12 @@ template <class T>
 constexpr vox::block_limits block_limits_of = {320,           128, 512, 256, 5000, 192 / parts<T>,
                                                48 / parts<T>, 48};
 
+// clang-format off
 template <class T>
-constexpr vox::strategy_limits strategy_limits_of = {{9, 12}, 129, 11, 101, 4,  7,
-                                                     41,      224, 72, 224, 56, 448};
+constexpr vox::strategy_limits strategy_limits_of = {
+    {9, 12}, 129, 11, 101, 4, 7, 41, 224, 72, 224, 56, 448,
+    sizeof(T) == 4 ? 700 : is_complex<T> ? 0 : 512, 200 / parts<T>, 48, 1200 / parts<T>};
+// clang-format on
 
 // Products of which a triangle is wanted are read in place below this order.
 template <class T>
