@@ -52,7 +52,7 @@ void multiply(Kernel kernel, const integer_product &job) {
         return kernel(&job);
     const index_t groups = groups_of(threads, job.m, job.n), members = threads / groups;
     for_parts(threads, [&](index_t part) {
-        const range rows = even_part(part % members, members, {0, job.m}, 48);
+        const range rows = even_part(part % members, members, {0, job.m}, 32);
         const range columns = even_part(part / members, groups, {0, job.n}, 8);
         const integer_product mine = part_of(job, rows, columns);
         kernel(&mine);

@@ -22,7 +22,7 @@ using vox::integer_type;
 
 // Vectors as wide as the path multiplies integers.
 #if defined(__AVX512BW__)
-constexpr int int_bytes = 64, V = 3, N = 8;
+constexpr int int_bytes = 64, V = 2, N = 8;
 #elif defined(__AVX2__)
 constexpr int int_bytes = 32, V = 2, N = 4;
 #else
@@ -145,9 +145,22 @@ void sum_rows(const uint32_t *strip, index_t strips, index_t pairs, bool add, ui
         if (!add)
             for (int i = 0; i < W; ++i)
                 sums[i] = 0;
-        for (index_t q = 0; q < pairs; ++q, strip += W)
-            for (int i = 0; i < W; ++i)
-                sums[i] += uint32_t(int16_t(strip[i])) + uint32_t(int32_t(strip[i]) >> 16);
+        // Whole vectors, of one step or of several.
+        constexpr int step = W < L ? L : W;
+        const ints ones = broadcast<int_bytes>(uint32_t(0x10001));
+        ints found[step / L];
+        unroll<step / L>([&](auto v) VOX_INLINED { found[v] = ints{}; });
+        const uint32_t *const end = strip + pairs * W;
+        for (; end - strip >= step; strip += step)
+            unroll<step / L>([&](auto v) VOX_INLINED {
+                found[v] += multiply_pairs(load<int_bytes>(strip + v * L), ones);
+            });
+        unroll<step / L>([&](auto v) VOX_INLINED {
+            for (int i = 0; i < L; ++i)
+                sums[(v * L + i) % W] += found[v][i];
+        });
+        for (int i = 0; strip < end; ++strip, i = (i + 1) % W)
+            sums[i] += uint32_t(int16_t(*strip)) + uint32_t(int32_t(*strip) >> 16);
     }
 }
 
@@ -262,7 +275,7 @@ void multiply_in_blocks(const integer_product &job, const integer_blocks &space)
                 at.first = p == 0, at.last = end == job.k;
                 if (keeps_sums || at.j0 == 0) {
                     pack_integers<mr>(job.a, at.i0, at.i1, p, end, at.pairs * mr, space.a);
-                    if (job.b.offset)
+                    if (job.b.offset && at.j0 == 0)
                         sum_rows<mr>(space.a, (at.i1 - at.i0 + mr - 1) / mr, at.pairs, !at.first,
                                      space.row_terms);
                 }
