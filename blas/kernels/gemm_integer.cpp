@@ -43,8 +43,8 @@ VOX_INLINE ints multiply_pairs(ints a, ints b) {
 }
 
 // tile (+)= A B of a strip of A, mr pairs a step, and one of B, nr pairs a step; tile by columns.
-__attribute__((noinline)) void multiply_strips(index_t pairs, const uint32_t *a, const uint32_t *b,
-                                               bool add, uint32_t *tile) {
+__attribute__((noinline)) void multiply_pair_strips(index_t pairs, const uint32_t *a,
+                                                    const uint32_t *b, bool add, uint32_t *tile) {
     ints sums[V * N];
     unroll<V * N>([&](auto i) VOX_INLINED { sums[i] = ints{}; });
     for (index_t q = 0; q < pairs; ++q, a += mr, b += nr) {
@@ -246,8 +246,8 @@ void multiply_block(const integer_product &job, const ending &e, const integer_b
         }
         for (index_t j = at.j0; j < at.j1; j += nr, tile += keeps_sums ? mr * nr : 0) {
             const index_t columns = least(nr, at.j1 - j);
-            multiply_strips(at.pairs, space.a + (i - at.i0) * at.pairs,
-                            space.b + (j - at.j0) * at.pairs, !at.first, tile);
+            multiply_pair_strips(at.pairs, space.a + (i - at.i0) * at.pairs,
+                                 space.b + (j - at.j0) * at.pairs, !at.first, tile);
             for (index_t s = 0; at.last && s < columns; ++s)
                 finish_column(rows, e, tile + s * mr, row_terms,
                               ao ? ao * space.column_terms[j - at.j0 + s] + corner : corner,

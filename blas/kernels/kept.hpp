@@ -1,4 +1,4 @@
-// kept.hpp - factors that a program keeps packed.
+// kept.hpp - factors that a program keeps packed, of real products.
 //
 // Strips are those of packing.hpp. The depth blocks are those that a product of this depth is computed
 // by, so that nothing is to be arranged anew; products that get no memory go through a part of a block
@@ -13,7 +13,7 @@ namespace {
 
 template <class T>
 VOX_INLINE bool is_kept(const factor<T> &f) {
-    return f.kind == structure::packed;
+    return !is_complex<T> && f.kind == structure::packed;
 }
 template <class T>
 VOX_INLINE const vox::packed_head &head_of(const factor<T> &f) {
