@@ -493,8 +493,8 @@ VOX_FORTRAN(void, zhpr2, ZHPR2, VOX_SPR2(vox_complex_double));
  * Level 3: products of matrices.
  *
  * Source: Dongarra, Du Croz, Duff, Hammarling, "A Set of Level 3 Basic Linear Algebra Subprograms", ACM
- * TOMS 16(1), 1990; what is named gemm_ or gemm and more letters is an extension. Storage (full, full triangle) and
- * letters as in level 2. What follows holds for every routine of the level.
+ * TOMS 16(1), 1990; gemmt, gemm3m and what has gemm_ in its name are extensions. Storage (full, full
+ * triangle) and letters as in level 2. What follows holds for every routine of the level.
  *
  *   side  'L' the matrix with a structure is the left factor, 'R' the right one
  *
