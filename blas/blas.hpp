@@ -114,6 +114,24 @@
      const T *alpha, const T *a, const I *lda, const T *b, const I *ldb, const T *beta, T *c,      \
      const I *ldc)
 #define VOX_GEMMT_ARGUMENTS (uplo, transa, transb, n, k, alpha, a, lda, b, ldb, beta, c, ldc)
+// A factor that is kept packed, and products with such factors.
+#define VOX_GEMM_ALLOC_PARAMETERS(I) (const char *identifier, const I *m, const I *n, const I *k)
+#define VOX_GEMM_ALLOC_ARGUMENTS (identifier, m, n, k)
+#define VOX_GEMM_PACK_PARAMETERS(T, I)                                                             \
+    (const char *identifier, const char *trans, const I *m, const I *n, const I *k,                \
+     const T *alpha, const T *src, const I *ld, T *dest)
+#define VOX_GEMM_PACK_ARGUMENTS (identifier, trans, m, n, k, alpha, src, ld, dest)
+#define VOX_GEMM_COMPUTE_PARAMETERS(T, I)                                                          \
+    (const char *transa, const char *transb, const I *m, const I *n, const I *k, const T *a,       \
+     const I *lda, const T *b, const I *ldb, const T *beta, T *c, const I *ldc)
+#define VOX_GEMM_COMPUTE_ARGUMENTS (transa, transb, m, n, k, a, lda, b, ldb, beta, c, ldc)
+// Integers: A and B of types A and B, the results of 32 bits.
+#define VOX_GEMM_INTEGER_PARAMETERS(A, B, I)                                                       \
+    (const char *transa, const char *transb, const char *offsetc, const I *m, const I *n,          \
+     const I *k, const float *alpha, const A *a, const I *lda, const A *ao, const B *b,            \
+     const I *ldb, const B *bo, const float *beta, int32_t *c, const I *ldc, const int32_t *co)
+#define VOX_GEMM_INTEGER_ARGUMENTS                                                                 \
+    (transa, transb, offsetc, m, n, k, alpha, a, lda, ao, b, ldb, bo, beta, c, ldc, co)
 // Arrays with an entry for each group; a, b and c with one for each product.
 #define VOX_GEMM_BATCH_PARAMETERS(T, I)                                                            \
     (const char *transa, const char *transb, const vox_int *m, const vox_int *n, const vox_int *k, \

@@ -10,7 +10,9 @@
 
 namespace vox {
 
-enum class structure : uint8_t { general, symmetric, hermitian, triangular };
+// packed: a buffer that a program has packed before, with its operation and scale; data is its head
+// (blas/packed_operand.hpp), and there is no leading dimension.
+enum class structure : uint8_t { general, symmetric, hermitian, triangular, packed };
 
 // op(X): the array as stored, by columns, and what is to be made of it.
 template <class T>
@@ -19,7 +21,7 @@ struct factor {
     index_t ld;
     bool transposed = false;
     bool conjugated = false;
-    // What is stored; for all but general, in the upper or the lower triangle of the array.
+    // What is stored; for all between general and packed, in a triangle of the array.
     structure kind = structure::general;
     bool upper = false;
     bool unit = false; // triangular: ones on the diagonal, which is not read

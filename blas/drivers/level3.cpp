@@ -72,7 +72,8 @@ int worthwhile(int threads, double operations) {
 template <class T>
 bool split_depth(const product<T> &job, int threads) {
     constexpr index_t few = 64, deep = 2048;
-    if (job.part != region::all || job.m > few || job.n > few || job.k < deep * threads ||
+    const bool packed = job.a.kind == structure::packed || job.b.kind == structure::packed;
+    if (job.part != region::all || packed || job.m > few || job.n > few || job.k < deep * threads ||
         vox_serv_cbwr_get(1) != VOX_CBWR_OFF)
         return false;
     const scratch<T> sums((threads - 1) * job.m * job.n, 128);

@@ -39,6 +39,19 @@ class c_call {
         check(value < CblasNoTrans || value > CblasConjTrans, position);
         return value == CblasNoTrans ? 'N' : value == CblasTrans ? 'T' : 'C';
     }
+    // The same, or CblasPacked; and which factor a buffer is for.
+    char packed_trans(vox_int value, int position) {
+        return value == CblasPacked ? 'P' : factor_trans(CBLAS_TRANSPOSE(value), position);
+    }
+    char identifier(vox_int value, int position) {
+        check(value != CblasAMatrix && value != CblasBMatrix, position);
+        return (value == CblasAMatrix) != row_major_ ? 'A' : 'B';
+    }
+    // Which elements the offset of a product has.
+    char offset(CBLAS_OFFSET value, int position) {
+        check(value < CblasRowOffset || value > CblasFixOffset, position);
+        return value == CblasFixOffset ? 'F' : (value == CblasColOffset) != row_major_ ? 'C' : 'R';
+    }
     // Which factor of A A^T, or A A^H, is the transposed one.
     template <class T>
     char update_trans(CBLAS_TRANSPOSE value, bool hermitian, int position) {

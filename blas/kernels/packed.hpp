@@ -12,6 +12,7 @@
 #pragma once
 
 #include "blas/kernels/blocks.hpp"
+#include "blas/kernels/kept.hpp"
 #include "blas/kernels/packing.hpp"
 #include "blas/kernels/region.hpp"
 #include "blas/kernels/triangle_in_place.hpp"
@@ -56,6 +57,17 @@ template <class T>
 VOX_INLINE void pack_b(const factor<T> &b, index_t j0, index_t j1, index_t p0, index_t p1,
                        index_t pitch, real_of<T> *to) {
     pack<T, tile_width<T>, b_copies<T>>(transpose_of(b), j0, j1, p0, p1, pitch, to);
+}
+
+// Rows i0 .. i1 of A for the steps p0 .. p1: packed into `to`, or where they are kept.
+template <class T>
+VOX_INLINE strips<T> strips_of_a(const factor<T> &a, index_t i0, index_t i1, index_t p0, index_t p1,
+                                 real_of<T> *to) {
+    if (is_kept(a))
+        return kept_strips<T, tile_rows<T>, 1>(a, i0, p0);
+    const index_t pitch = (p1 - p0) * a_step<T>;
+    pack_a(a, i0, i1, p0, p1, pitch, to);
+    return {to, pitch};
 }
 
 // Which steps of a block's depth a triangular factor leaves to a strip: with the diagonal from `at`
@@ -164,23 +176,32 @@ __attribute__((noinline)) void multiply_blocks(const block_product<T> &job) {
 template <class T>
 void sweep(block_product<T> job, const factor<T> &b, index_t p0, index_t p1, index_t j0, index_t j1,
            const workspace<T> &space, const team_member &team) {
+    const bool kept = is_kept(b);
+    const auto kept_from = [&](index_t j) VOX_INLINED {
+        return kept_strips<T, tile_width<T>, b_copies<T>>(b, j, p0);
+    };
     job.depth = p1 - p0;
-    job.b_pitch = job.depth * b_step<T>;
+    job.b_pitch = kept ? kept_from(j0).pitch : job.depth * b_step<T>;
     for (index_t first = j0; first < j1; first += space.nb * team.size) {
         const auto start = [&](int member) { return least(j1, first + member * space.nb); };
         const auto end = [&](int member) { return least(j1, start(member) + space.nb); };
-        pack_b(b, start(team.rank), end(team.rank), p0, p1, job.b_pitch, space.b_block(team.rank));
+        if (!kept)
+            pack_b(b, start(team.rank), end(team.rank), p0, p1, job.b_pitch,
+                   space.b_block(team.rank));
         if (job.clip.kind != triangle_clip::none && job.clip.by_rows())
             job.clip.exact = any_not_finite(space.b, rounded_up(end(0) - start(0), tile_width<T>) /
                                                          tile_width<T> * job.b_pitch);
-        team.wait();
+        if (!kept)
+            team.wait();
         for (int step = 0; step < team.size; ++step) {
             const int member = (team.rank + step) % team.size;
-            job.j0 = start(member), job.j1 = end(member), job.b = space.b_block(member);
+            job.j0 = start(member), job.j1 = end(member);
+            job.b = kept ? kept_from(job.j0).first : space.b_block(member);
             if (job.j0 < job.j1)
                 multiply_blocks(job);
         }
-        team.wait();
+        if (!kept)
+            team.wait();
     }
 }
 
@@ -191,11 +212,11 @@ void multiply_range(const vox::product<T> &job, index_t i0, index_t i1, index_t 
                     index_t rounds, const workspace<T> &space, const team_member &team) {
     for (index_t round = 0; round < rounds; ++round) {
         const index_t first = least(i1, i0 + round * space.mb), last = least(i1, first + space.mb);
-        for (index_t p = 0; p < job.k; p += space.kb) {
-            const index_t depth = least(space.kb, job.k - p), pitch = depth * a_step<T>;
-            pack_a(job.a, first, last, p, p + depth, pitch, space.a);
-            const block_product<T> block = {.a = space.a,
-                                            .a_pitch = pitch,
+        for (index_t p = 0, depth; p < job.k; p += depth) {
+            depth = steps_at_once(job.a, p, steps_at_once(job.b, p, least(space.kb, job.k - p)));
+            const strips<T> a = strips_of_a(job.a, first, last, p, p + depth, space.a);
+            const block_product<T> block = {.a = a.first,
+                                            .a_pitch = a.pitch,
                                             .i0 = first,
                                             .i1 = last,
                                             .alpha = job.alpha,

@@ -36,9 +36,18 @@ __attribute__((noinline)) void multiply_alone(const gemm_strategy &strategy,
         return scale_region(job, i0, i1, j0, j1);
     gemm_info info;
     strategy.fill(&strategy, i1 - i0, j1 - j0, job.k, &info);
-    with_workspace<T>(info, job.k, [&](const workspace<T> &space) {
+    const auto multiply = [&](const workspace<T> &space) {
         multiply_range(job, i0, i1, j0, j1, (i1 - i0 + space.mb - 1) / space.mb, space, {});
-    });
+    };
+    if (is_kept(job.a) || is_kept(job.b)) {
+        info.mode = is_kept(job.a) ? 2 : 1;
+        info.get = [](gemm_info *mine, index_t n) { return get_buffers<T>(mine, n, true); };
+        if (is_kept(job.a)) // all rows at a time, so that B is packed once
+            info.mb = rounded_up(i1 - i0, tile_rows<T>);
+        if (is_kept(job.a) && is_kept(job.b))
+            return multiply({info.mb, info.nb, info.kb, nullptr, nullptr});
+    }
+    with_workspace<T>(info, job.k, multiply);
 }
 
 // The whole of a product of any kind, by one thread.
@@ -46,6 +55,8 @@ template <class T>
 void multiply_by_one(const gemm_strategy &strategy, const vox::product<T> &job) {
     if (nothing_to_multiply(job))
         return scale_region(job, 0, job.m, 0, job.n);
+    if (is_kept(job.a) || is_kept(job.b))
+        return multiply_alone(strategy, job, 0, job.m, 0, job.n);
     if (multiply_tiny(job))
         return;
     if ((job.a.kind != structure::general || job.b.kind != structure::general) &&
@@ -136,16 +147,21 @@ void multiply_in_team(const gemm_strategy &strategy, const vox::product<T> &job,
     if (rank == 0) {
         gemm_info info;
         strategy.fill(&strategy, most_rows, (most_columns + members - 1) / members, job.k, &info);
-        info.mode = 5;
-        info.get(&info, size);
-        shared->a_blocks = info;
-        info.mode = 4;
-        info.get(&info, size);
-        shared->b_blocks = info;
+        if (is_kept(job.a))
+            info.mb = rounded_up(most_rows, mr);
+        const auto blocks = [&](int mode, bool needed) {
+            info.mode = mode;
+            info.a = info.b = nullptr, info.memory = nullptr, info.pitch = 0;
+            if (needed)
+                info.get(&info, size);
+            return info;
+        };
+        shared->a_blocks = blocks(5, !is_kept(job.a));
+        shared->b_blocks = blocks(4, !is_kept(job.b));
     }
     everybody.wait();
     const gemm_info &a = shared->a_blocks, &b = shared->b_blocks;
-    if (!a.memory || !b.memory) {
+    if ((!a.memory && !is_kept(job.a)) || (!b.memory && !is_kept(job.b))) {
         multiply_alone(strategy, job, rows.first, rows.end, columns.first, columns.end);
     } else {
         const workspace<T> space = {a.mb,

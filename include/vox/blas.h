@@ -493,8 +493,8 @@ VOX_FORTRAN(void, zhpr2, ZHPR2, VOX_SPR2(vox_complex_double));
  * Level 3: products of matrices.
  *
  * Source: Dongarra, Du Croz, Duff, Hammarling, "A Set of Level 3 Basic Linear Algebra Subprograms", ACM
- * TOMS 16(1), 1990; gemmt, gemm3m and gemm_batch are extensions. Storage (full, full triangle) and
- * letters as in level 2. What follows holds for every routine of the level.
+ * TOMS 16(1), 1990; gemmt, gemm3m and what has gemm_ in its name are extensions. Storage (full, full
+ * triangle) and letters as in level 2. What follows holds for every routine of the level.
  *
  *   side  'L' the matrix with a structure is the left factor, 'R' the right one
  *
@@ -569,6 +569,67 @@ VOX_FORTRAN(void, zgemm_batch, ZGEMM_BATCH, VOX_GEMM_BATCH(vox_complex_double));
 VOX_FORTRAN(void, cgemm3m_batch, CGEMM3M_BATCH, VOX_GEMM_BATCH(vox_complex_float));
 VOX_FORTRAN(void, zgemm3m_batch, ZGEMM3M_BATCH, VOX_GEMM_BATCH(vox_complex_double));
 #undef VOX_GEMM_BATCH
+
+/*
+ * ?gemm_alloc, ?gemm_pack, ?gemm_compute, ?gemm_free: products that share a factor, which is packed for
+ * the processor once instead of in every call.
+ *
+ *   buffer = ?gemm_alloc(identifier, m, n, k)       identifier 'A': for op(A), m by k; 'B': op(B), k by n
+ *   ?gemm_pack(identifier, trans, m, n, k, alpha, src, ld, buffer)       alpha op(src) goes there
+ *   ?gemm_compute(transa, transb, m, n, k, a, lda, b, ldb, beta, c, ldc)
+ *                     C := op(A) op(B) + beta C, as ?gemm with alpha = 1
+ *   ?gemm_free(buffer)
+ *
+ * In ?gemm_compute transa, transb or both may be 'P': then a, or b, is a buffer that holds the packed
+ * operand, with its operation and alpha, and lda, or ldb, is not looked at. To Fortran a buffer is a
+ * type(c_ptr), passed by value.
+ *
+ * A buffer is for its own dimensions, m and k of A, k and n of B; the third may be another in every
+ * product. It can be packed again, and used by any number of threads at a time; any thread may free it.
+ * What it holds is for the code path of this process, and no format for files or other processes.
+ *
+ * Without memory ?gemm_alloc gives a null pointer; it reports nothing. ?gemm_free of a null pointer does
+ * nothing.
+ * Errors: as in ?gemm, with the numbers of the parameters here; a buffer that was not made by ?gemm_alloc
+ * of this precision, for these dimensions, or, in ?gemm_compute, was not packed as this operand: 9 in
+ * ?gemm_pack, 6 or 8 in ?gemm_compute, 1 in ?gemm_free. A bad argument of ?gemm_alloc gives null.
+ */
+#define VOX_GEMM_PACKED(p, P, T)                                                                   \
+    VOX_FORTRAN(T *, p##gemm_alloc, P##GEMM_ALLOC,                                                 \
+                (const char *identifier, const vox_int *m, const vox_int *n, const vox_int *k));   \
+    VOX_FORTRAN(void, p##gemm_pack, P##GEMM_PACK,                                                  \
+                (const char *identifier, const char *trans, const vox_int *m, const vox_int *n,    \
+                 const vox_int *k, const T *alpha, const T *src, const vox_int *ld, T *dest));     \
+    VOX_FORTRAN(void, p##gemm_compute, P##GEMM_COMPUTE,                                            \
+                (const char *transa, const char *transb, const vox_int *m, const vox_int *n,       \
+                 const vox_int *k, const T *a, const vox_int *lda, const T *b, const vox_int *ldb, \
+                 const T *beta, T *c, const vox_int *ldc));                                        \
+    VOX_FORTRAN(void, p##gemm_free, P##GEMM_FREE, (T * dest))
+VOX_GEMM_PACKED(s, S, float);
+VOX_GEMM_PACKED(d, D, double);
+#undef VOX_GEMM_PACKED
+
+/*
+ * gemm_s8u8s32, gemm_s16s16s32: products of integers, C := alpha (op(A) + ao) (op(B) + bo) + beta C + co.
+ * A is of 8 bits and B of 8 bits without a sign, or both are of 16; C is of 32. ao is added to every
+ * element of A, bo to those of B. co: one value for all of C (offsetc 'F'), a column of m values that is
+ * added to every column ('C'), or a row of n that is added to every row ('R').
+ *
+ * The sums of products are exact where they fit 32 bits, and taken modulo 2^32 where they do not. With
+ * alpha, beta C and co they are put together in double precision, rounded once to an integer and, beyond
+ * the range of 32 bits, to its end; so alpha = 1 with beta = 0 or 1 is exact. alpha = 0: A and B are not
+ * read; beta = 0: C is not.
+ *
+ * Errors: as in ?gemm, with the numbers of the parameters here, 3 for offsetc.
+ */
+#define VOX_GEMM_INTEGER(A, B)                                                                     \
+    (const char *transa, const char *transb, const char *offsetc, const vox_int *m,                \
+     const vox_int *n, const vox_int *k, const float *alpha, const A *a, const vox_int *lda,       \
+     const A *ao, const B *b, const vox_int *ldb, const B *bo, const float *beta, int32_t *c,      \
+     const vox_int *ldc, const int32_t *co)
+VOX_FORTRAN(void, gemm_s8u8s32, GEMM_S8U8S32, VOX_GEMM_INTEGER(int8_t, uint8_t));
+VOX_FORTRAN(void, gemm_s16s16s32, GEMM_S16S16S32, VOX_GEMM_INTEGER(int16_t, int16_t));
+#undef VOX_GEMM_INTEGER
 
 /* ?symm, ?hemm: C := alpha A B + beta C ('L') or alpha B A + beta C ('R'). A: symmetric or Hermitian, full
  * triangle, m by m ('L') or n by n ('R'). B, C: m by n, full. */

@@ -13,6 +13,9 @@ typedef enum { CblasNoTrans = 111, CblasTrans = 112, CblasConjTrans = 113 } CBLA
 typedef enum { CblasUpper = 121, CblasLower = 122 } CBLAS_UPLO;
 typedef enum { CblasNonUnit = 131, CblasUnit = 132 } CBLAS_DIAG;
 typedef enum { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
+typedef enum { CblasPacked = 151 } CBLAS_STORAGE;
+typedef enum { CblasAMatrix = 161, CblasBMatrix = 162 } CBLAS_IDENTIFIER;
+typedef enum { CblasRowOffset = 171, CblasColOffset = 172, CblasFixOffset = 173 } CBLAS_OFFSET;
 
 /* Level 1. Complex scalars and arrays of complex numbers are void pointers. */
 
@@ -342,6 +345,34 @@ VOX_GEMM_BATCH(cblas_zgemm_batch, void);
 VOX_GEMM_BATCH(cblas_cgemm3m_batch, void);
 VOX_GEMM_BATCH(cblas_zgemm3m_batch, void);
 #undef VOX_GEMM_BATCH
+
+/* ?gemm_alloc has no layout, and so the numbers of blas.h. A buffer that is packed with one layout serves
+ * products with that layout. identifier: CblasAMatrix, CblasBMatrix; transa, transb: CBLAS_TRANSPOSE or
+ * CblasPacked. */
+#define VOX_GEMM_PACKED(p, T)                                                                      \
+    VOX_API T *cblas_##p##gemm_alloc(CBLAS_IDENTIFIER identifier, vox_int m, vox_int n,            \
+                                     vox_int k);                                                   \
+    VOX_API void cblas_##p##gemm_pack(CBLAS_LAYOUT layout, CBLAS_IDENTIFIER identifier,            \
+                                      CBLAS_TRANSPOSE trans, vox_int m, vox_int n, vox_int k,      \
+                                      T alpha, const T *src, vox_int ld, T *dest);                 \
+    VOX_API void cblas_##p##gemm_compute(CBLAS_LAYOUT layout, vox_int transa, vox_int transb,      \
+                                         vox_int m, vox_int n, vox_int k, const T *a, vox_int lda, \
+                                         const T *b, vox_int ldb, T beta, T *c, vox_int ldc);      \
+    VOX_API void cblas_##p##gemm_free(T *dest)
+VOX_GEMM_PACKED(s, float);
+VOX_GEMM_PACKED(d, double);
+#undef VOX_GEMM_PACKED
+
+/* In both layouts A is what comes as a, with the type of a, and CblasColOffset is a column of m values
+ * in co, CblasRowOffset a row of n. */
+#define VOX_GEMM_INTEGER(name, A, B)                                                               \
+    VOX_API void name(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb,         \
+                      CBLAS_OFFSET offsetc, vox_int m, vox_int n, vox_int k, float alpha,          \
+                      const A *a, vox_int lda, A ao, const B *b, vox_int ldb, B bo, float beta,    \
+                      int32_t *c, vox_int ldc, const int32_t *co)
+VOX_GEMM_INTEGER(cblas_gemm_s8u8s32, int8_t, uint8_t);
+VOX_GEMM_INTEGER(cblas_gemm_s16s16s32, int16_t, int16_t);
+#undef VOX_GEMM_INTEGER
 
 #define VOX_SYMM(name, S, T)                                                                       \
     VOX_API void name(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, vox_int m, vox_int n, \

@@ -27,6 +27,10 @@ const std::vector<routine<T>> &every_routine() {
     static const std::vector<routine<T>> all = [] {
         std::vector<routine<T>> both = routines<T>();
         both.insert(both.end(), level3_routines<T>().begin(), level3_routines<T>().end());
+        if constexpr (std::is_same_v<T, float>)
+            both.push_back(ROUTINE(s, gemm_compute, "tvmnKALBMbCN"));
+        if constexpr (std::is_same_v<T, double>)
+            both.push_back(ROUTINE(d, gemm_compute, "tvmnKALBMbCN"));
         return both;
     }();
     return all;

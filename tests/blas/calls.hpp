@@ -72,7 +72,7 @@ P argument(char letter, arguments<T> &a) {
     else if constexpr (std::is_enum_v<P>)
         return P(c_option(a.option(letter)));
     else if constexpr (std::is_same_v<P, vox_int>)
-        return a.integer(letter);
+        return is_option(letter) ? c_option(a.option(letter)) : a.integer(letter);
     else if constexpr (std::is_same_v<P, const vox_int *>)
         return &a.integer(letter);
     else if constexpr (std::is_same_v<P, const char *>)
