@@ -8,6 +8,11 @@
 // predicted test and an indirect jump. Two threads may both fill it: they store the same pointer.
 // The choice is code, not a table of addresses, which the dynamic linker would have to relocate at
 // load. A missing copy is a link error.
+//
+//   VOX_DISPATCH_NAMED(trans, vox_domatcopy, domatcopy, void, (...), (...))
+//
+// does the same for routines whose internal names carry no x: vox_trans_vox_domatcopy with copies
+// vox_trans_<path>_vox_domatcopy, and the function object under the given name.
 #pragma once
 
 #include <atomic>
@@ -29,20 +34,23 @@ inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(code_path)) {
 
 } // namespace vox
 
-#define VOX_COPY_DECLARE(path, family, routine, result, parameters)                                \
-    extern "C" result vox_##family##_##path##_x##routine parameters;
-#define VOX_COPY_CASE(path, family, routine)                                                       \
+#define VOX_COPY_DECLARE(path, family, name, result, parameters)                                   \
+    extern "C" result vox_##family##_##path##_##name parameters;
+#define VOX_COPY_CASE(path, family, name)                                                          \
     case vox::code_path::path:                                                                     \
-        return vox_##family##_##path##_x##routine;
+        return vox_##family##_##path##_##name;
 
 #define VOX_DISPATCH(family, routine, result, parameters, arguments)                               \
-    VOX_CODE_PATHS(VOX_COPY_DECLARE, family, routine, result, parameters)                          \
+    VOX_DISPATCH_NAMED(family, x##routine, x##routine, result, parameters, arguments)
+
+#define VOX_DISPATCH_NAMED(family, name, object, result, parameters, arguments)                    \
+    VOX_CODE_PATHS(VOX_COPY_DECLARE, family, name, result, parameters)                             \
     namespace {                                                                                    \
-    struct x##routine##_dispatch {                                                                 \
+    struct object##_dispatch {                                                                     \
         using kernel_type = result parameters;                                                     \
         static constinit inline std::atomic<kernel_type *> slot{nullptr};                          \
         __attribute__((cold)) static kernel_type *choose(vox::code_path path) {                    \
-            switch (path) { VOX_CODE_PATHS(VOX_COPY_CASE, family, routine) }                       \
+            switch (path) { VOX_CODE_PATHS(VOX_COPY_CASE, family, name) }                          \
             __builtin_unreachable();                                                               \
         }                                                                                          \
         __attribute__((cold, noinline)) static result first_call parameters {                      \
@@ -53,6 +61,6 @@ inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(code_path)) {
             return VOX_LIKELY(kernel) ? kernel arguments : first_call arguments;                   \
         }                                                                                          \
     };                                                                                             \
-    constexpr x##routine##_dispatch x##routine;                                                    \
+    constexpr object##_dispatch object;                                                            \
     }                                                                                              \
-    extern "C" result vox_##family##_x##routine parameters { return x##routine arguments; }
+    extern "C" result vox_##family##_##name parameters { return object arguments; }

@@ -12,7 +12,9 @@
 #error "kernel sources are compiled by vox_add_kernels"
 #endif
 
-// VOX_KERNEL(blas, ddot) is vox_blas_avx2_xddot in the avx2 copy.
-#define VOX_KERNEL(family, routine) VOX_KERNEL_1(family, VOX_PATH, routine)
-#define VOX_KERNEL_1(family, path, routine) VOX_KERNEL_2(family, path, routine)
-#define VOX_KERNEL_2(family, path, routine) vox_##family##_##path##_x##routine
+// VOX_KERNEL(blas, ddot) is vox_blas_avx2_xddot in the avx2 copy, VOX_KERNEL_NAMED(trans, name)
+// vox_trans_avx2_name.
+#define VOX_KERNEL(family, routine) VOX_KERNEL_NAMED(family, x##routine)
+#define VOX_KERNEL_NAMED(family, name) VOX_KERNEL_1(family, VOX_PATH, name)
+#define VOX_KERNEL_1(family, path, name) VOX_KERNEL_2(family, path, name)
+#define VOX_KERNEL_2(family, path, name) vox_##family##_##path##_##name

@@ -5,5 +5,6 @@
 #include "vox/blas.h"
 #include "vox/cblas.h"
 #include "vox/service.h"
+#include "vox/trans.h"
 
 #endif
