@@ -16,10 +16,11 @@ TYPED_TEST(LargeOmatcopy, IsRightWhereverRowsBegin) {
     using T = TypeParam;
     const thread_counts counts;
     counts.set(1);
-    // 7 to 8 MB: square, long and short rows, the last block of columns short
-    const int64_t elements = 7 * 1024 * 1024 / int64_t(sizeof(T));
+    // 11 MB: square, long and short rows, the last block of columns short
+    const int64_t elements = 11 * 1024 * 1024 / int64_t(sizeof(T));
     lottery lots{3};
-    for (int64_t outer : {int64_t(80), int64_t(131), int64_t(1024), elements / 131, elements / 65})
+    for (int64_t outer :
+         {int64_t(5), int64_t(80), int64_t(131), int64_t(1024), elements / 131, elements / 65})
         for (int64_t pad : {0, 1, 3, 64})
             for (char trans : {'N', 'T', 'C', 'R'}) {
                 const int64_t inner = elements / outer + 5;

@@ -9,7 +9,7 @@ namespace trans {
 // One row. The rest of whole vectors goes by lanes, then by elements, so that nothing is done twice.
 template <class T, class Op>
 VOX_INLINE void copy_row(const Op &op, index_t n, const T *a, T *b) {
-    constexpr int w = per_vector<T>, k = per_lane<T>;
+    constexpr int w = vector_bytes / int(sizeof(T)), k = per_lane<T>;
     index_t i = 0;
     const auto step = [&](auto count) VOX_INLINED {
         typename vec_of<mover<T>, vector_bytes>::type v[count];

@@ -29,7 +29,7 @@ struct weighted {
 template <class T, class OpA, class OpB>
 VOX_INLINE void add_row(const OpA &op_a, const OpB &op_b, index_t n, const T *a, const T *b, T *c) {
     using R = real_of<T>;
-    constexpr int unit = int(sizeof(T) / sizeof(R)), w = per_vector<T>;
+    constexpr int unit = int(sizeof(T) / sizeof(R)), w = vector_bytes / int(sizeof(T));
     const auto *const x = reinterpret_cast<const R *>(a), *const y = reinterpret_cast<const R *>(b);
     auto *const z = reinterpret_cast<R *>(c);
     const auto sum = [&](auto u, auto v) VOX_INLINED { return op_a(u) + in_register(op_b(v)); };
