@@ -17,7 +17,8 @@ CMAKE_ARGS ?=
 
 # Run by `make run` and `make bench`, in this order: <folder>/<CMake target>.
 RUN := tools/vox-info examples/first_dot
-BENCH ?= bench/peers/peers_blas bench/blas/bench_gemm_relatives bench/serv/bench_startup bench/serv/bench_pool
+BENCH ?= bench/peers/peers_blas bench/peers/peers_trans bench/blas/bench_gemm_relatives bench/serv/bench_startup \
+         bench/serv/bench_pool
 
 RELEASE := cmake --build build -j $(JOBS)
 SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -name '*.[ch]pp' -print)
@@ -62,7 +63,7 @@ format-check:
 	@clang-format --dry-run -Werror $(SOURCES)
 
 tidy: build-clang/build.ninja
-	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|serv|tests|tools)/'
+	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|serv|tests|tools|trans)/'
 
 clean:
 	rm -rf build build-*

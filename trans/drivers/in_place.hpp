@@ -97,12 +97,14 @@ class in_place {
         const index_t cols = asked.transposed ? outer : inner;
         if (is_zero(alpha_))
             return scale('N', rows, cols);
-        if (!asked.transposed && lda_ == ldb_)
-            return alpha_is_one() && !(asked.conjugated && is_complex<T>)
-                       ? void()
-                       : scale(trans_, rows, cols);
-        if (!asked.transposed)
-            return move_rows(rows, cols);
+        const bool changes = !(alpha_ == one<T>) || (asked.conjugated && is_complex<T>);
+        if (!asked.transposed) {
+            if (lda_ != ldb_)
+                move_rows(rows, cols);
+            else if (changes)
+                scale(trans_, rows, cols);
+            return;
+        }
         if (lda_ == ldb_) {
             const index_t side = outer < inner ? outer : inner;
             exchange(side);
@@ -111,7 +113,7 @@ class in_place {
         if (through_copy(outer, inner))
             return;
         follow(permutation{outer, inner, lda_, ldb_}, ab_);
-        if (!alpha_is_one() || (asked.conjugated && is_complex<T>))
+        if (changes)
             scale(asked.conjugated ? 'R' : 'N', rows, cols);
     }
 
@@ -119,8 +121,6 @@ class in_place {
     static constexpr index_t block = sizeof(T) == 4 ? 64 : 32;          // of a square, 4 to 16 KB
     static constexpr index_t piece = 4096 / index_t(sizeof(T));         // of a row
     static constexpr index_t copied = 1024 * 1024 / index_t(sizeof(T)); // elements at most
-
-    bool alpha_is_one() const { return alpha_ == one<T>; }
 
     void scale(char trans, index_t rows, index_t cols) const {
         copy_('R', trans, rows, cols, alpha_, ab_, ldb_, 1, ab_, ldb_, 1);

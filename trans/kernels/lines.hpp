@@ -23,19 +23,14 @@ VOX_INLINE int place_in_line(const T *p) {
     return bytes % int(sizeof(T)) ? -1 : bytes / int(sizeof(T));
 }
 
-// A vector to an aligned address.
-template <class R, class V>
-VOX_INLINE void stream_vector(R *p, V v) {
+// A vector of the path's width to an aligned address.
+template <class R>
+VOX_INLINE void stream_vector(R *p, vec<R> v) {
 #if defined(__AVX512F__)
-    if constexpr (sizeof(V) == 64)
-        return _mm512_stream_ps(reinterpret_cast<float *>(p), __m512(v));
+    _mm512_stream_ps(reinterpret_cast<float *>(p), __m512(v));
+#else
+    stream(p, v);
 #endif
-    if constexpr (int(sizeof(V)) == stream_bytes)
-        stream(p, v);
-    else
-        unroll<int(sizeof(V)) / 16>([&](auto l) VOX_INLINED {
-            _mm_stream_ps(reinterpret_cast<float *>(p) + 4 * l, reinterpret_cast<__m128 *>(&v)[l]);
-        });
 }
 
 // A line from one aligned address to another.
