@@ -121,7 +121,7 @@ template <class T>
 VOX_INLINE bool is_gathered(const problem<T> &p) {
     constexpr index_t stride = 2048 / int(sizeof(T));
     return p.lda % stride == 0 && p.ldb % stride == 0 && p.outer >= gathered_rows<T> &&
-           p.inner >= gathered_cols<T> && p.outer * p.inner * index_t(sizeof(T)) > 256 * 1024;
+           p.inner >= gathered_cols<T> && p.outer * p.inner * index_t(sizeof(T)) >= 256 * 1024;
 }
 
 template <class T, class Op>
