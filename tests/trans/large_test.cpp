@@ -22,7 +22,7 @@ TYPED_TEST(LargeOmatcopy, IsRightWhereverRowsBegin) {
     for (int64_t outer :
          {int64_t(5), int64_t(80), int64_t(131), int64_t(1024), elements / 131, elements / 65})
         for (int64_t pad : {0, 1, 3, 64})
-            for (char trans : {'N', 'T', 'C', 'R'}) {
+            for (char trans : {'T', lots.pick({'N', 'C', 'R'})}) {
                 const int64_t inner = elements / outer + 5;
                 const int64_t short_b = trans == 'N' || trans == 'R' ? inner : outer;
                 const int64_t ldb = pad == 64 ? (short_b + 63) / 64 * 64 : short_b + pad;
