@@ -18,9 +18,8 @@ extern "C" {
  * Nothing is checked and nothing reported. A letter that is none of these, or a size of 0 or less, makes a
  * call do nothing; arrays may be null then. Operands and result must not overlap unless it says so.
  *
- * A factor of 0 writes zeros and reads no operand, so that NaN does not spread. A factor of 1 copies bit by
- * bit, payloads of NaN and signs of zeros included, and a conjugate then changes a sign and no more. Any
- * other real factor is one multiplication with one rounding; a complex one is the textbook product, with
+ * A factor of 1 copies bit by bit, payloads of NaN and signs of zeros included, and a conjugate then
+ * changes a sign and no more. Any other real factor, 0 too, is one multiplication with one rounding; a complex one is the textbook product, with
  * an error of at most sqrt(2) gamma(2) |alpha| |x|, gamma(n) = n u / (1 - n u), u = eps / 2. Results do
  * not depend on the number of threads. More than 16 rows, more than 16 columns and more than 32,768
  * bytes run on the threads of the general domain (VOX_DOMAIN_ALL).
@@ -121,9 +120,9 @@ VOX_API void VOX_Zimatcopy(char ordering, char trans, int64_t rows, int64_t cols
 
 /* ?omatadd: C := alpha op(A) + beta op(B).
  * C: m x n; A and B: of that size, or n x m where they are transposed. C may be A, or B, or both, where that
- * operand is not transposed and has C's leading dimension. With one factor 0 it is ?omatcopy of the other
- * operand. Error: gamma(2) (|alpha a| + |beta b|) with real factors, sqrt(2) gamma(3) times that with
- * complex ones; products with a factor of 1 are exact. */
+ * operand is not transposed and has C's leading dimension. An operand whose factor is 0 is not read: then
+ * it is ?omatcopy of the other one, or C := 0. Error: gamma(2) (|alpha a| + |beta b|) with real factors,
+ * sqrt(2) gamma(3) times that with complex ones; products with a factor of 1 are exact. */
 VOX_FORTRAN(void, vox_somatadd, VOX_SOMATADD,
             (const char *ordering, const char *transa, const char *transb, const vox_int *m,
              const vox_int *n, const float *alpha, const float *a, const vox_int *lda,

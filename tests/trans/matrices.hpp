@@ -136,11 +136,12 @@ VOX_PRECISIONS(VOX_TEST_OVERLOADS)
 template <class T>
 bool is_result(T got, T alpha, T x, bool conjugated) {
     using R = real_of<T>;
-    if (vox::is_zero(alpha))
-        return same_bits(got, T{});
-    if (vox::real(alpha) == 1 && vox::imag(alpha) == 0)
-        return same_bits(
-            got, is_complex<T> && conjugated ? vox::make<T>(vox::real(x), -vox::imag(x)) : x);
+    if (vox::real(alpha) == 1 && vox::imag(alpha) == 0) {
+        T expected = x; // a compiler may quiet a NaN where it is asked for -x
+        if (is_complex<T> && conjugated)
+            reinterpret_cast<unsigned char *>(&expected)[sizeof(T) - 1] ^= 0x80;
+        return same_bits(got, expected);
+    }
     if constexpr (!is_complex<T>)
         return got == alpha * x;
     const wide<T> factor = widen(alpha), element = conjugated ? conjugate(widen(x)) : widen(x);

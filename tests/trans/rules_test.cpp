@@ -64,18 +64,22 @@ TEST(Rules, SizesOfZeroOrLessTouchNothing) {
         }
 }
 
-// A is not read at all: there is none.
-TEST(Rules, AFactorOfZeroReadsNothing) {
+TEST(Rules, AFactorOfZeroMultipliesInCopiesAndReadsNothingInSums) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (char trans : {'N', 'T'})
         for (int64_t n : {3, 200}) {
-            std::vector<double> b(size_t(n * n), nan), x(size_t(n * n), 2.0);
-            const std::vector<double> zeros(size_t(n * n), 0.0), twice(size_t(n * n), 4.0);
-            VOX_Domatcopy('R', trans, n, n, 0, nullptr, n, b.data(), n);
+            std::vector<double> a(size_t(n * n), -1.0), b(size_t(n * n), nan), x(a.size(), 2.0);
+            const std::vector<double> zeros(a.size(), 0.0), twice(a.size(), 4.0);
+            a[1] = nan;
+            VOX_Domatcopy('R', trans, n, n, 0, a.data(), n, b.data(), n);
+            const size_t place = trans == 'N' ? 1 : size_t(n);
+            EXPECT_TRUE(std::isnan(b[place]));
+            b[place] = 0;
             EXPECT_EQ(b, zeros);
-            b.assign(b.size(), nan);
-            VOX_Dimatcopy('R', trans, n, n, 0, b.data(), n, n);
-            EXPECT_EQ(b, zeros);
+            VOX_Dimatcopy('R', trans, n, n, 0, a.data(), n, n);
+            EXPECT_TRUE(std::isnan(a[place]));
+            a[place] = 0;
+            EXPECT_EQ(a, zeros);
             b.assign(b.size(), nan);
             VOX_Domatadd('R', trans, 'N', n, n, 0, nullptr, n, 2, x.data(), n, b.data(), n);
             EXPECT_EQ(b, twice);

@@ -95,8 +95,6 @@ class in_place {
     void compute(const request &asked, index_t outer, index_t inner) const {
         const index_t rows = asked.transposed ? inner : outer;
         const index_t cols = asked.transposed ? outer : inner;
-        if (is_zero(alpha_))
-            return scale('N', rows, cols);
         const bool changes = !(alpha_ == one<T>) || (asked.conjugated && is_complex<T>);
         if (!asked.transposed) {
             if (lda_ != ldb_)

@@ -77,19 +77,28 @@ VOX_INLINE void add(const OpA &op_a, const OpB &op_b, index_t outer, index_t inn
         }
 }
 
+template <class T>
+VOX_INLINE void zeros(index_t outer, index_t inner, T *c, index_t ldc) {
+    for (index_t i = 0; i < outer; ++i)
+        for (index_t j = 0; j < inner; ++j)
+            c[i * ldc + j] = T{};
+}
+
 // seq: the copy of one thread, for a sum of one operand.
 template <class T, class Seq>
 VOX_INLINE void omatadd(Seq *seq, char ordering, char transa, char transb, index_t m, index_t n,
                         T alpha, const T *a, index_t lda, T beta, const T *b, index_t ldb, T *c,
                         index_t ldc) {
     const vox::trans::request of_a(ordering, transa), of_b(ordering, transb);
+    const index_t outer = of_a.by_rows ? m : n, inner = of_a.by_rows ? n : m;
+    if (vox::is_zero(alpha) && vox::is_zero(beta))
+        return zeros(outer, inner, c, ldc);
     if (vox::is_zero(beta))
         return seq(ordering, transa, of_a.transposed ? n : m, of_a.transposed ? m : n, alpha, a,
                    lda, 1, c, ldc, 1);
     if (vox::is_zero(alpha))
         return seq(ordering, transb, of_b.transposed ? n : m, of_b.transposed ? m : n, beta, b, ldb,
                    1, c, ldc, 1);
-    const index_t outer = of_a.by_rows ? m : n, inner = of_a.by_rows ? n : m;
     const operand<T> x{a, lda, of_a.transposed}, y{b, ldb, of_b.transposed};
     if (vox::imag(alpha) == 0 && vox::imag(beta) == 0)
         return add(weighted<T>{vox::real(alpha), of_a.conjugated},

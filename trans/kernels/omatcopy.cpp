@@ -19,14 +19,7 @@ VOX_INLINE void strided(const Op &op, index_t outer, index_t inner, const T *a, 
                     one_element(op, a + i * lda + j * stridea, b + i * down + j * along);
 }
 
-template <class T>
-VOX_INLINE void zeros(index_t outer, index_t inner, T *b, index_t ldb, index_t strideb) {
-    for (index_t i = 0; i < outer; ++i)
-        for (index_t j = 0; j < inner; ++j)
-            b[i * ldb + j * strideb] = T{};
-}
-
-// Calls body with the operation that alpha asks for; alpha is not 0.
+// Calls body with the operation that alpha asks for.
 template <bool Conjugate, class T, class Body>
 VOX_INLINE void with_operation(T alpha, const Body &body) {
     if (!(vox::real(alpha) == 1 && vox::imag(alpha) == 0))
@@ -39,9 +32,6 @@ VOX_INLINE void with_operation(T alpha, const Body &body) {
 
 template <bool Transposed, bool Conjugate, class T>
 VOX_INLINE void kernel VOX_OMATCOPY2_KERNEL_PARAMETERS(T) {
-    if (vox::is_zero(alpha))
-        return Transposed ? zeros(inner, outer, b, ldb, strideb)
-                          : zeros(outer, inner, b, ldb, strideb);
     with_operation<Conjugate>(alpha, [&](auto op) VOX_INLINED {
         if (stridea != 1 || strideb != 1)
             strided(op, outer, inner, a, lda, stridea, b, Transposed ? strideb : ldb,
