@@ -7,7 +7,7 @@
 namespace {
 
 // Up to so many multiplications of real numbers, by what else there is to do them.
-constexpr index_t tiny_product = 8, tiny_triangle = 64, tiny_solution = 128;
+constexpr index_t tiny_product = 8, tiny_triangle = 64, tiny_solution = 125;
 
 template <class T>
 VOX_INLINE bool is_tiny(index_t m, index_t n, index_t k, index_t work) {

@@ -20,7 +20,7 @@ constexpr vox::block_limits block_limits_of = {320,           128, 512, 256, 500
 template <class T>
 constexpr vox::strategy_limits strategy_limits_of = {
     {9, 12}, 129, 11, 101, 4, 7, 41, 224, 72, 224, 56, 448,
-    sizeof(T) == 4 ? 700 : is_complex<T> ? 0 : 512, 200 / parts<T>, 48, 1200 / parts<T>};
+    sizeof(T) == 4 ? 700 : 0, 200 / parts<T>, 48, 1200 / parts<T>};
 // clang-format on
 
 // Products of which a triangle is wanted are read in place below this order.
