@@ -1,12 +1,12 @@
 // gemm_integer_test.cpp - gemm_s8u8s32 and gemm_s16s16s32 on every code path, beside the definition in
 // 64 bits: exact wherever that can be said, on extreme values, in every form; errors; no memory.
-#include <atomic>
 #include <cmath>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "tests/blas/calls.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/failing_memory.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/thread_counts.hpp"
@@ -15,16 +15,6 @@
 namespace {
 
 using namespace test;
-
-constexpr int all = -1;
-std::atomic<int> requests, refused; // refused: the number of the request that fails
-
-void *sometimes(size_t size) {
-    const int request = ++requests;
-    return refused == all || refused == request ? nullptr : std::malloc(size);
-}
-// The library looks at its hooks when it first allocates.
-const bool hooked = (i_malloc = sometimes, true);
 
 std::string reports;
 void record(const char *name, const vox_int *code, int length) {
@@ -149,11 +139,11 @@ class GemmInteger : public ::testing::Test {
         g.a = read ? a.data() : nullptr, g.b = read ? b.data() : nullptr;
         g.c = c.data(), g.co = co.data();
         vox_free_buffers();
-        requests = 0;
-        refused = failing;
+        memory_requests = 0;
+        refused_request = failing;
         g();
-        const int made = requests;
-        refused = 0;
+        const int made = memory_requests;
+        refused_request = 0;
         // Rows of op(A) + ao and columns of op(B) + bo.
         std::vector<int32_t> rows, columns;
         for (int64_t i = 0; i < m && read; ++i)
@@ -235,7 +225,7 @@ TYPED_TEST(GemmInteger, ResultsAreRightWhicheverAllocationFails) {
             for (int failing = 1; failing <= wanted; ++failing)
                 this->expect_right(m, n, k, failing);
             for (int repeat = 0; repeat < 5; ++repeat)
-                this->expect_right(m, n, k, all);
+                this->expect_right(m, n, k, every_request);
             most = std::max(most, wanted);
         }
     }

@@ -1,28 +1,18 @@
 // gemm_packed_test.cpp - products of factors that are kept packed: what ?gemm computes, on every code
 // path, whichever factor is packed; buffers that are none, or not the right ones; no memory.
-#include <atomic>
 #include <climits>
 #include <gtest/gtest.h>
 #include <thread>
 
 #include "tests/blas/level3_reference.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/failing_memory.hpp"
 #include "tests/support/thread_counts.hpp"
 #include "vox/service.h"
 
 namespace {
 
 using namespace test;
-
-constexpr int all = -1;
-std::atomic<int> requests, refused; // refused: the number of the request that fails
-
-void *sometimes(size_t size) {
-    const int request = ++requests;
-    return refused == all || refused == request ? nullptr : std::malloc(size);
-}
-// The library looks at its hooks when it first allocates.
-const bool hooked = (i_malloc = sometimes, true);
 
 std::string reports;
 void record(const char *name, const vox_int *code, int length) {
@@ -91,8 +81,8 @@ void compute(arguments<T> &g, unsigned which, bool c, int failing) {
     const T *const from_b = which & b_packed ? b.data() : g.x;
     const vox_int lda = which & a_packed ? -1 : g.lda, ldb = which & b_packed ? 0 : g.ldb;
     vox_free_buffers();
-    requests = 0;
-    refused = failing;
+    memory_requests = 0;
+    refused_request = failing;
     if (c)
         family<T>::c_compute(g.layout, which & a_packed ? int(CblasPacked) : option(g.trans),
                              which & b_packed ? int(CblasPacked) : option(g.transb), g.m, g.n, g.k,
@@ -100,7 +90,7 @@ void compute(arguments<T> &g, unsigned which, bool c, int failing) {
     else
         family<T>::compute(which & a_packed ? "P" : &g.trans, which & b_packed ? "p" : &g.transb,
                            &g.m, &g.n, &g.k, from_a, &lda, from_b, &ldb, &g.beta, g.y, &g.ldc);
-    refused = 0;
+    refused_request = 0;
 }
 
 template <class T>
@@ -121,7 +111,7 @@ class GemmPacked : public ::testing::Test {
         EXPECT_EQ(trial<T>(gemm, d.a, lots.number(), p).fault(call), "")
             << d << " packed " << which << " without " << failing;
         EXPECT_EQ(reports, "") << d << " packed " << which;
-        return requests;
+        return memory_requests;
     }
     vox_int edge() {
         return lots.pick({0, 1, 2, 3, 4, 5, 7, 8, 9, 12, 13, 16, 17, 24, 25, 31, 47, 48, 49, 97});
@@ -170,7 +160,7 @@ TYPED_TEST(GemmPacked, ResultsAreRightWhicheverAllocationFails) {
             const int wanted = this->expect_right(130, 101, 390, which);
             for (int failing = 1; failing <= wanted; ++failing)
                 this->expect_right(130, 101, 390, which, {}, failing);
-            this->expect_right(130, 101, 390, which, {}, all);
+            this->expect_right(130, 101, 390, which, {}, every_request);
             most = std::max(most, wanted);
         }
     }
@@ -213,10 +203,10 @@ TYPED_TEST(GemmPacked, AllocationIsWithoutAReport) {
     const vox_int many = INT_MAX, none = 0;
     EXPECT_EQ(family<T>::alloc("A", &many, &none, &many), nullptr);
     EXPECT_EQ(family<T>::c_alloc(CblasBMatrix, none, many, many), nullptr);
-    refused = all;
+    refused_request = every_request;
     vox_free_buffers();
     EXPECT_EQ(family<T>::alloc("B", &none, &none, &none), nullptr);
-    refused = 0;
+    refused_request = 0;
     family<T>::free(nullptr);
     EXPECT_EQ(reports, "");
 }

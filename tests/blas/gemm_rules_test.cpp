@@ -1,6 +1,5 @@
 // gemm_rules_test.cpp - what a general product decides before it multiplies: threads, shapes that are
 // less than a product of matrices, stripes, a divided depth.
-#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 #include "blas/drivers/gemm_threads.hpp"
 #include "tests/blas/exact_gemm.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/failing_memory.hpp"
 #include "tests/support/thread_counts.hpp"
 
 namespace {
@@ -132,15 +132,6 @@ TEST(GemmThreads, AreOneForWhatEveryPathRunsSerially) {
     EXPECT_GT(serial, 0);
 }
 
-std::atomic<int> requests;
-std::atomic<bool> refuse;
-void *counted(size_t size) {
-    ++requests;
-    return refuse ? nullptr : std::malloc(size);
-}
-// The library looks at its hooks when it first allocates.
-const bool hooked = (i_malloc = counted, true);
-
 template <class T>
 class GemmShapes : public ::testing::Test {
   protected:
@@ -191,11 +182,11 @@ TYPED_TEST(GemmShapes, CopyALongStridedColumnIfThereIsMemory) {
         for (bool without : {false, true}) {
             const exact_gemm<TypeParam> g(c.transposes, c.m, 5, 1, this->some, this->some, 2);
             vox_free_buffers();
-            requests = 0;
-            refuse = without;
+            memory_requests = 0;
+            refused_request = without ? every_request : 0;
             EXPECT_EQ(g.driver_fault(), "");
-            refuse = false;
-            EXPECT_EQ(requests, c.requests) << c.transposes << ' ' << c.m;
+            refused_request = 0;
+            EXPECT_EQ(memory_requests, c.requests) << c.transposes << ' ' << c.m;
         }
 }
 

@@ -1,25 +1,15 @@
 // level3_memory_test.cpp - level 3 without memory: every allocation of a call failing in turn, and all
 // of them, leave its results right.
-#include <atomic>
 #include <gtest/gtest.h>
 
 #include "tests/blas/level3_reference.hpp"
+#include "tests/support/failing_memory.hpp"
 #include "tests/support/thread_counts.hpp"
 #include "vox/service.h"
 
 namespace {
 
 using namespace test;
-
-constexpr int all = -1;
-std::atomic<int> requests, refused; // refused: the number of the request that fails
-
-void *sometimes(size_t size) {
-    const int request = ++requests;
-    return refused == all || refused == request ? nullptr : std::malloc(size);
-}
-// The library looks at its hooks when it first allocates.
-const bool hooked = (i_malloc = sometimes, true);
 
 template <class T>
 class Level3Memory : public ::testing::Test {
@@ -31,16 +21,16 @@ class Level3Memory : public ::testing::Test {
         const trial<T> t(r, d.a, lots.number());
         const auto run = [&](int failing) {
             vox_free_buffers();
-            requests = 0;
-            refused = failing;
+            memory_requests = 0;
+            refused_request = failing;
             EXPECT_EQ(t.fault(d.call), "") << d << ", without allocation " << failing;
-            return int(requests);
+            return int(memory_requests);
         };
         const int wanted = run(0);
         for (int failing = 1; failing <= wanted; ++failing)
             run(failing);
-        run(all);
-        refused = 0;
+        run(every_request);
+        refused_request = 0;
         most = std::max(most, wanted);
     }
     const thread_counts counts;

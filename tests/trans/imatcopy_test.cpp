@@ -3,21 +3,17 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
+#include "tests/support/failing_memory.hpp"
 #include "tests/trans/matrices.hpp"
 
 namespace {
 
 using namespace test;
 
-bool refuse = false;
-void *sometimes(size_t size) { return refuse ? nullptr : std::malloc(size); }
-// The library looks at its hooks when it first allocates.
-const bool hooked = (i_malloc = sometimes, true);
-
 template <class T>
 class Imatcopy : public ::testing::Test {
   protected:
-    ~Imatcopy() override { refuse = false; }
+    ~Imatcopy() override { refused_request = 0; }
 
     std::string in_place_fault(form f, const copy_call<T> &c, edge where) {
         const layout of_a = c.of_a(), of_b = c.of_b();
@@ -36,7 +32,8 @@ class Imatcopy : public ::testing::Test {
     }
     void expect_right(copy_call<T> c, edge where) {
         for (form f : forms)
-            EXPECT_EQ(in_place_fault(f, c, where), "") << c << (refuse ? ", no memory" : "");
+            EXPECT_EQ(in_place_fault(f, c, where), "")
+                << c << (refused_request ? ", no memory" : "");
     }
     const thread_counts counts;
 };
@@ -59,7 +56,7 @@ TYPED_TEST(Imatcopy, IsRightForAllShapesAndLeadingDimensions) {
                     c.ldb = same == 1
                                 ? c.lda
                                 : (is_transposed(trans) ? outer : inner) + lots.pick({0, 0, 2, 9});
-                    refuse = same == 2;
+                    refused_request = same == 2 ? every_request : 0;
                     vox_free_buffers();
                     this->counts.set(lots.pick({1, 2, 3}));
                     this->expect_right(c, lots.pick({edge::back, edge::front}));
@@ -72,7 +69,7 @@ TYPED_TEST(Imatcopy, FollowsTheCyclesOfLargeMatrices) {
     const int64_t outer = 311, inner = 1100000 / int64_t(sizeof(T)) / 300;
     for (auto [more_a, more_b] : {std::pair(0, 0), {3, 0}, {0, 5}})
         for (bool without : {false, true}) {
-            refuse = without;
+            refused_request = without ? every_request : 0;
             vox_free_buffers();
             this->expect_right(
                 {'R', 'C', outer, inner, number<T>(2, 0), inner + more_a, 1, outer + more_b, 1},
