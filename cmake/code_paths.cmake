@@ -33,9 +33,9 @@ endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/code_path_list.hpp.in
                ${PROJECT_BINARY_DIR}/generated/serv/code_path_list.hpp @ONLY)
 
-# Checked kernels take minutes to compile: a sanitizer looks at those of three paths, with its checks as
+# Checked kernels take minutes to compile: a sanitizer looks at those of two paths, with its checks as
 # calls, and without those of alignment and null in every element's access. Tests run these paths alone.
-set(VOX_SANITIZED_PATHS def avx2 avx512)
+set(VOX_SANITIZED_PATHS def avx512)
 set(_vox_unchecked -fno-sanitize=all -O1 -g0)
 set(_vox_checked -O1)
 if(VOX_SANITIZE MATCHES address)

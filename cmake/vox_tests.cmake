@@ -38,6 +38,10 @@ endif()
 if(VOX_SANITIZE STREQUAL "thread") # races are the drivers', which all paths share
   list(GET VOX_TESTED_PATHS -1 VOX_TESTED_PATHS)
 endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang) # the second compiler: the lowest path and the best
+  list(GET VOX_TESTED_PATHS 0 -1 VOX_TESTED_PATHS)
+  list(REMOVE_DUPLICATES VOX_TESTED_PATHS)
+endif()
 list(GET VOX_TESTED_PATHS -1 VOX_SLOWLY_TESTED_PATHS)
 if(NOT VOX_SANITIZE)
   list(PREPEND VOX_SLOWLY_TESTED_PATHS def)
