@@ -134,10 +134,11 @@ VOX_PRECISIONS(VOX_TEST_OVERLOADS)
 // What an element of the result must be: the bits where no rounding takes part, a value and a bound
 // otherwise.
 template <class T>
-bool is_result(T got, T alpha, T x, bool conjugated) {
+bool is_result(const T &got, const T &alpha, const T &x, bool conjugated) {
     using R = real_of<T>;
     if (vox::real(alpha) == 1 && vox::imag(alpha) == 0) {
-        T expected = x; // a compiler may quiet a NaN where it is asked for -x
+        T expected; // a compiler may quiet a NaN that it moves as a number
+        std::memcpy(&expected, &x, sizeof(T));
         if (is_complex<T> && conjugated)
             reinterpret_cast<unsigned char *>(&expected)[sizeof(T) - 1] ^= 0x80;
         return same_bits(got, expected);
