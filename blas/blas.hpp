@@ -199,6 +199,30 @@ void vox_blas_zdscal VOX_SCAL_PARAMETERS(vox_complex_double, vox::index_t, doubl
 #undef VOX_LEVEL1_DECLARE_REAL
 #undef VOX_LEVEL1_DECLARE_COMPLEX
 
+#define VOX_LEVEL2_DECLARE(p, P, T)                                                                \
+    void vox_blas_##p##gemv VOX_GEMV_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##trmv VOX_TRMV_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##trsv VOX_TRMV_PARAMETERS(T, vox::index_t);
+#define VOX_LEVEL2_DECLARE_REAL(p, P, T)                                                           \
+    void vox_blas_##p##ger VOX_GER_PARAMETERS(T, vox::index_t);                                    \
+    void vox_blas_##p##symv VOX_SYMV_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##syrk VOX_SYRK_PARAMETERS(T, T, vox::index_t);
+#define VOX_LEVEL2_DECLARE_COMPLEX(p, P, T)                                                        \
+    void vox_blas_##p##geru VOX_GER_PARAMETERS(T, vox::index_t);                                   \
+    void vox_blas_##p##gerc VOX_GER_PARAMETERS(T, vox::index_t);                                   \
+    void vox_blas_##p##hemv VOX_SYMV_PARAMETERS(T, vox::index_t);                                  \
+    void vox_blas_##p##herk VOX_SYRK_PARAMETERS(T, vox::real_of<T>, vox::index_t);
+
+extern "C" {
+VOX_PRECISIONS(VOX_LEVEL2_DECLARE)
+VOX_REAL_PRECISIONS(VOX_LEVEL2_DECLARE_REAL)
+VOX_COMPLEX_PRECISIONS(VOX_LEVEL2_DECLARE_COMPLEX)
+}
+
+#undef VOX_LEVEL2_DECLARE
+#undef VOX_LEVEL2_DECLARE_REAL
+#undef VOX_LEVEL2_DECLARE_COMPLEX
+
 // The dispatching entries that more than one file calls.
 #define VOX_LEVEL2_KERNELS(p, P, T)                                                                \
     extern "C" void vox_blas_x##p##gemv(const vox::product_job<T> *job);                           \
