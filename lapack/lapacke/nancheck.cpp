@@ -1,0 +1,122 @@
+// nancheck.cpp - whether an operand holds a NaN: what every LAPACKE call with the check on pays.
+//
+// Lines are tested eight vectors at a time. An unordered comparison tests two vectors at once and raises
+// no floating-point exception; a sum would, and would have to be looked into wherever infinities cancel.
+#include <emmintrin.h>
+
+#include "lapack/lapacke/helpers.hpp"
+#include "vox/types.h"
+
+namespace vox::lapacke {
+namespace {
+
+// Two vectors of 16 bytes: ones where either is NaN.
+__m128 unordered(const float *p, const float *q) {
+    return _mm_cmpunord_ps(_mm_loadu_ps(p), _mm_loadu_ps(q));
+}
+__m128 unordered(const double *p, const double *q) {
+    return _mm_castpd_ps(_mm_cmpunord_pd(_mm_loadu_pd(p), _mm_loadu_pd(q)));
+}
+
+// n real numbers, one after another.
+template <class R>
+bool line_has_nan(index_t n, const R *x) {
+    constexpr index_t lanes = 16 / index_t(sizeof(R));
+    __m128 found = _mm_setzero_ps();
+    for (; n >= 8 * lanes; n -= 8 * lanes, x += 8 * lanes) {
+        const __m128 a = unordered(x, x + lanes), b = unordered(x + 2 * lanes, x + 3 * lanes),
+                     c = unordered(x + 4 * lanes, x + 5 * lanes),
+                     d = unordered(x + 6 * lanes, x + 7 * lanes);
+        found = _mm_or_ps(found, _mm_or_ps(_mm_or_ps(a, b), _mm_or_ps(c, d)));
+    }
+    for (; n >= lanes; n -= lanes, x += lanes)
+        found = _mm_or_ps(found, unordered(x, x));
+    bool odd = false;
+    for (; n > 0; --n, ++x)
+        odd |= *x != *x;
+    return odd || _mm_movemask_ps(found);
+}
+
+template <class T>
+bool elements_have_nan(index_t n, const T *x) {
+    using R = real_of<T>;
+    return line_has_nan(n * index_t(sizeof(T) / sizeof(R)), reinterpret_cast<const R *>(x));
+}
+
+index_t smaller(index_t a, index_t b) { return a < b ? a : b; }
+
+} // namespace
+
+template <class T>
+bool has_nan_ge(int layout, index_t m, index_t n, const T *a, index_t lda) {
+    if (!a || m <= 0 || n <= 0 || (layout != row_major && layout != column_major))
+        return false;
+    const index_t length = layout == column_major ? m : n, lines = layout == column_major ? n : m;
+    if (length == lda)
+        return elements_have_nan(length * lines, a);
+    for (index_t j = 0; j < lines; ++j)
+        if (elements_have_nan(smaller(length, lda), a + j * lda))
+            return true;
+    return false;
+}
+
+template <class T>
+bool has_nan_tr(int layout, char uplo, char diag, index_t n, const T *a, index_t lda) {
+    const stored_triangle shape(layout, uplo, diag, n);
+    if (!a || !shape.valid)
+        return false;
+    for (index_t j = 0; j < n; ++j) {
+        const index_t first = shape.first(j);
+        if (elements_have_nan(smaller(shape.end(j), lda) - first, a + j * lda + first))
+            return true;
+    }
+    return false;
+}
+
+template <class T>
+bool has_nan(index_t n, const T *x, index_t incx) {
+    if (!x)
+        return false;
+    if (incx == 0)
+        return elements_have_nan(1, x);
+    if (incx == 1 || incx == -1)
+        return elements_have_nan(n, x);
+    for (index_t i = 0, step = incx < 0 ? -incx : incx; i < n; ++i)
+        if (elements_have_nan(1, x + i * step))
+            return true;
+    return false;
+}
+
+#define INSTANTIATE(p, P, T)                                                                       \
+    template bool has_nan_ge<T>(int, index_t, index_t, const T *, index_t);                        \
+    template bool has_nan_tr<T>(int, char, char, index_t, const T *, index_t);                     \
+    template bool has_nan<T>(index_t, const T *, index_t);
+VOX_PRECISIONS(INSTANTIATE)
+
+} // namespace vox::lapacke
+
+using namespace vox::lapacke;
+
+#define GENERAL(p, P, T)                                                                           \
+    extern "C" VOX_API vox_int LAPACKE_##p##_nancheck(vox_int n, const T *x, vox_int incx) {       \
+        return has_nan<T>(n, x, incx);                                                             \
+    }                                                                                              \
+    extern "C" VOX_API vox_int LAPACKE_##p##ge_nancheck(int matrix_layout, vox_int m, vox_int n,   \
+                                                        const T *a, vox_int lda) {                 \
+        return has_nan_ge<T>(matrix_layout, m, n, a, lda);                                         \
+    }                                                                                              \
+    extern "C" VOX_API vox_int LAPACKE_##p##tr_nancheck(int matrix_layout, char uplo, char diag,   \
+                                                        vox_int n, const T *a, vox_int lda) {      \
+        return has_nan_tr<T>(matrix_layout, uplo, diag, n, a, lda);                                \
+    }
+VOX_PRECISIONS(GENERAL)
+
+#define HALF(p, kind, T)                                                                           \
+    extern "C" VOX_API vox_int LAPACKE_##p##kind##_nancheck(int matrix_layout, char uplo,          \
+                                                            vox_int n, const T *a, vox_int lda) {  \
+        return has_nan_tr<T>(matrix_layout, uplo, 'N', n, a, lda);                                 \
+    }
+#define SYMMETRIC(p, P, T) HALF(p, sy, T) HALF(p, po, T)
+VOX_PRECISIONS(SYMMETRIC)
+#define HERMITIAN(p, P, T) HALF(p, he, T)
+VOX_COMPLEX_PRECISIONS(HERMITIAN)
