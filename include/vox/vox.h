@@ -4,6 +4,8 @@
 
 #include "vox/blas.h"
 #include "vox/cblas.h"
+#include "vox/lapack.h"
+#include "vox/lapacke.h"
 #include "vox/service.h"
 #include "vox/trans.h"
 
