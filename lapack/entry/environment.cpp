@@ -1,6 +1,7 @@
 // environment.cpp - the forms of what a program asks about the library: ilaenv and ilaver.
 #include "lapack/block_sizes.hpp"
 #include "vox/lapack.h"
+#include "vox/lapacke.h"
 
 extern "C" vox_int ilaenv_(const vox_int *ispec, const char *name, const char *opts,
                            const vox_int *n1, const vox_int *n2, const vox_int *n3,
@@ -18,3 +19,6 @@ extern "C" void ilaver_(vox_int *major, vox_int *minor, vox_int *patch) {
     *patch = 0;
 }
 VOX_FORTRAN_ALIASES(ilaver, ILAVER);
+extern "C" void LAPACKE_ilaver(vox_int *major, vox_int *minor, vox_int *patch) {
+    ilaver(major, minor, patch);
+}
