@@ -72,6 +72,11 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
 #define VOX_LAPACK_DESCRIBE(lower, names)                                                          \
     [&](auto &visit) VOX_INLINED { lower##_description(visit names); }
 
+// As VOX_FORTRAN_ALIASES, and exported: in a namespace the public header's declaration says nothing.
+#define VOX_LAPACK_SPELLINGS(lower, UPPER)                                                         \
+    extern "C" VOX_API __typeof__(lower##_) lower __attribute__((alias(#lower "_")));              \
+    extern "C" VOX_API __typeof__(lower##_) UPPER __attribute__((alias(#lower "_")))
+
 #define VOX_LAPACK_INFO(p, driver, lower, UPPER, ...)                                              \
     VOX_LAPACK_DESCRIPTION(p, lower, __VA_ARGS__)                                                  \
     namespace vox::lapack::p##_inside {                                                            \
@@ -86,8 +91,8 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
             return refused<T>(#UPPER, info,                                                        \
                               VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_SEEN_, __VA_ARGS__)));       \
         }                                                                                          \
-        extern "C" void lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__)),                 \
-                                 integer *info) {                                                  \
+        extern "C" VOX_API void lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__)),         \
+                                         integer *info) {                                          \
             checked_call<T>(                                                                       \
                 #UPPER, info, VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_SEEN_, __VA_ARGS__)),        \
                 [&]([[maybe_unused]] index_t *wide_pivots) {                                       \
@@ -101,7 +106,7 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
                     text.add(static_cast<const integer *>(info));                                  \
                 });                                                                                \
         }                                                                                          \
-        VOX_FORTRAN_ALIASES(lower, UPPER);                                                         \
+        VOX_LAPACK_SPELLINGS(lower, UPPER);                                                        \
     }
 #define VOX_LAPACK_NO_INFO(p, driver, lower, UPPER, ...)                                           \
     VOX_LAPACK_RESULT(void, p, driver, lower, UPPER, __VA_ARGS__)
@@ -117,7 +122,7 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
         }                                                                                          \
     }                                                                                              \
     namespace vox::lapack::p##_boundary {                                                          \
-        extern "C" result lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__))) {             \
+        extern "C" VOX_API result lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__))) {     \
             return unchecked_call<T>(                                                              \
                 #UPPER, VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_SEEN_, __VA_ARGS__)),              \
                 [&]([[maybe_unused]] index_t *wide_pivots) {                                       \
@@ -126,19 +131,20 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
                 },                                                                                 \
                 [&](auto &text) { VOX_EACH(VOX_PRINTED_, __VA_ARGS__) });                          \
         }                                                                                          \
-        VOX_FORTRAN_ALIASES(lower, UPPER);                                                         \
+        VOX_LAPACK_SPELLINGS(lower, UPPER);                                                        \
     }
 
 // The C forms: result and what a call of the Fortran form is.
 #define VOX_LAPACKE(result, p, lower, fortran, ...)                                                \
     namespace vox::lapack::p##_boundary {                                                          \
-        extern "C" result LAPACKE_##lower##_work(                                                  \
+        extern "C" VOX_API result LAPACKE_##lower##_work(                                          \
             int matrix_layout VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__)) {                              \
             return lapacke::work_form<T, result>(                                                  \
                 "LAPACKE_" #lower "_work", matrix_layout,                                          \
                 VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_NAME_, __VA_ARGS__)), [&] { fortran });    \
         }                                                                                          \
-        extern "C" result LAPACKE_##lower(int matrix_layout VOX_EACH(VOX_SHORT_, __VA_ARGS__)) {   \
+        extern "C" VOX_API result LAPACKE_##lower(                                                 \
+            int matrix_layout VOX_EACH(VOX_SHORT_, __VA_ARGS__)) {                                 \
             VOX_EACH(VOX_OWN_, __VA_ARGS__)                                                        \
             return lapacke::high_form<T, result>(                                                  \
                 "LAPACKE_" #lower, matrix_layout,                                                  \
@@ -163,10 +169,12 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
 
 #define VOX_LAPACKE_PLAIN(result, p, lower, fortran, ...)                                          \
     namespace vox::lapack::p##_boundary {                                                          \
-        extern "C" result LAPACKE_##lower##_work(VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) { \
+        extern "C" VOX_API result LAPACKE_##lower##_work(                                          \
+            VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) {                                      \
             fortran                                                                                \
         }                                                                                          \
-        extern "C" result LAPACKE_##lower(VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) {        \
+        extern "C" VOX_API result LAPACKE_##lower(                                                 \
+            VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) {                                      \
             const vox_int bad = lapacke::first_nan<T>(                                             \
                 VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_NAME_, __VA_ARGS__)));                     \
             return bad ? result(bad)                                                               \
