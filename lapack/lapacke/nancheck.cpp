@@ -2,39 +2,30 @@
 //
 // Lines are tested eight vectors at a time. An unordered comparison tests two vectors at once and raises
 // no floating-point exception; a sum would, and would have to be looked into wherever infinities cancel.
-#include <emmintrin.h>
-
 #include "lapack/lapacke/helpers.hpp"
-#include "vox/types.h"
+#include "lapack/packs.hpp"
+#include "vox/lapacke.h"
 
 namespace vox::lapacke {
 namespace {
 
-// Two vectors of 16 bytes: ones where either is NaN.
-__m128 unordered(const float *p, const float *q) {
-    return _mm_cmpunord_ps(_mm_loadu_ps(p), _mm_loadu_ps(q));
-}
-__m128 unordered(const double *p, const double *q) {
-    return _mm_castpd_ps(_mm_cmpunord_pd(_mm_loadu_pd(p), _mm_loadu_pd(q)));
-}
+using namespace lapack; // packs
 
 // n real numbers, one after another.
 template <class R>
 bool line_has_nan(index_t n, const R *x) {
-    constexpr index_t lanes = 16 / index_t(sizeof(R));
+    constexpr index_t k = lanes<R>;
+    const auto pair = [&](index_t i) { return unordered(load(x + i), load(x + i + k)); };
     __m128 found = _mm_setzero_ps();
-    for (; n >= 8 * lanes; n -= 8 * lanes, x += 8 * lanes) {
-        const __m128 a = unordered(x, x + lanes), b = unordered(x + 2 * lanes, x + 3 * lanes),
-                     c = unordered(x + 4 * lanes, x + 5 * lanes),
-                     d = unordered(x + 6 * lanes, x + 7 * lanes);
-        found = _mm_or_ps(found, _mm_or_ps(_mm_or_ps(a, b), _mm_or_ps(c, d)));
-    }
-    for (; n >= lanes; n -= lanes, x += lanes)
-        found = _mm_or_ps(found, unordered(x, x));
-    bool odd = false;
+    for (; n >= 8 * k; n -= 8 * k, x += 8 * k)
+        found =
+            either(found, either(either(pair(0), pair(2 * k)), either(pair(4 * k), pair(6 * k))));
+    for (; n >= k; n -= k, x += k)
+        found = either(found, unordered(load(x), load(x)));
+    bool odd_one = false;
     for (; n > 0; --n, ++x)
-        odd |= *x != *x;
-    return odd || _mm_movemask_ps(found);
+        odd_one |= *x != *x;
+    return odd_one || any(found);
 }
 
 template <class T>
@@ -98,22 +89,22 @@ VOX_PRECISIONS(INSTANTIATE)
 using namespace vox::lapacke;
 
 #define GENERAL(p, P, T)                                                                           \
-    extern "C" VOX_API vox_int LAPACKE_##p##_nancheck(vox_int n, const T *x, vox_int incx) {       \
+    extern "C" vox_int LAPACKE_##p##_nancheck(vox_int n, const T *x, vox_int incx) {               \
         return has_nan<T>(n, x, incx);                                                             \
     }                                                                                              \
-    extern "C" VOX_API vox_int LAPACKE_##p##ge_nancheck(int matrix_layout, vox_int m, vox_int n,   \
-                                                        const T *a, vox_int lda) {                 \
+    extern "C" vox_int LAPACKE_##p##ge_nancheck(int matrix_layout, vox_int m, vox_int n,           \
+                                                const T *a, vox_int lda) {                         \
         return has_nan_ge<T>(matrix_layout, m, n, a, lda);                                         \
     }                                                                                              \
-    extern "C" VOX_API vox_int LAPACKE_##p##tr_nancheck(int matrix_layout, char uplo, char diag,   \
-                                                        vox_int n, const T *a, vox_int lda) {      \
+    extern "C" vox_int LAPACKE_##p##tr_nancheck(int matrix_layout, char uplo, char diag,           \
+                                                vox_int n, const T *a, vox_int lda) {              \
         return has_nan_tr<T>(matrix_layout, uplo, diag, n, a, lda);                                \
     }
 VOX_PRECISIONS(GENERAL)
 
 #define HALF(p, kind, T)                                                                           \
-    extern "C" VOX_API vox_int LAPACKE_##p##kind##_nancheck(int matrix_layout, char uplo,          \
-                                                            vox_int n, const T *a, vox_int lda) {  \
+    extern "C" vox_int LAPACKE_##p##kind##_nancheck(int matrix_layout, char uplo, vox_int n,       \
+                                                    const T *a, vox_int lda) {                     \
         return has_nan_tr<T>(matrix_layout, uplo, 'N', n, a, lda);                                 \
     }
 #define SYMMETRIC(p, P, T) HALF(p, sy, T) HALF(p, po, T)

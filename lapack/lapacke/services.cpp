@@ -4,6 +4,7 @@
 
 #include "lapack/lapacke/helpers.hpp"
 #include "serv/environment.hpp"
+#include "vox/lapacke.h"
 #include "vox/service.h"
 
 namespace {
@@ -13,11 +14,11 @@ constinit std::atomic<int> nancheck{unset};
 
 } // namespace
 
-extern "C" VOX_API void LAPACKE_set_nancheck(int flag) {
+extern "C" void LAPACKE_set_nancheck(int flag) {
     nancheck.store(flag != 0, std::memory_order_relaxed);
 }
 
-extern "C" VOX_API int LAPACKE_get_nancheck(void) {
+extern "C" int LAPACKE_get_nancheck(void) {
     int state = nancheck.load(std::memory_order_relaxed);
     if (VOX_LIKELY(state != unset))
         return state;
@@ -28,7 +29,7 @@ extern "C" VOX_API int LAPACKE_get_nancheck(void) {
                                                                                      : state;
 }
 
-extern "C" VOX_API void LAPACKE_xerbla(const char *name, vox_int info) {
+extern "C" void LAPACKE_xerbla(const char *name, vox_int info) {
     if (info == vox::lapacke::no_work_memory)
         vox_serv_printf_s("Not enough memory to allocate work array in %s\n", name);
     else if (info == vox::lapacke::no_transpose_memory)
@@ -37,4 +38,4 @@ extern "C" VOX_API void LAPACKE_xerbla(const char *name, vox_int info) {
         vox_serv_printf_s("Wrong parameter %lld in %s\n", -(long long)info, name);
 }
 
-extern "C" VOX_API vox_int LAPACKE_lsame(char ca, char cb) { return vox_serv_lsame(&ca, &cb); }
+extern "C" vox_int LAPACKE_lsame(char ca, char cb) { return vox_serv_lsame(&ca, &cb); }

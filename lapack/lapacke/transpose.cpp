@@ -1,7 +1,7 @@
 // transpose.cpp - copies of a matrix in the other layout, by the family of matrix copies.
 #include "lapack/lapacke/helpers.hpp"
 #include "trans/trans.hpp"
-#include "vox/types.h"
+#include "vox/lapacke.h"
 
 namespace vox::lapacke {
 namespace {
@@ -61,31 +61,27 @@ VOX_PRECISIONS(INSTANTIATE)
 using namespace vox::lapacke;
 
 #define GENERAL(p, P, T)                                                                           \
-    extern "C" VOX_API void LAPACKE_##p##ge_trans(int matrix_layout, vox_int m, vox_int n,         \
-                                                  const T *in, vox_int ldin, T *out,               \
-                                                  vox_int ldout) {                                 \
+    extern "C" void LAPACKE_##p##ge_trans(int matrix_layout, vox_int m, vox_int n, const T *in,    \
+                                          vox_int ldin, T *out, vox_int ldout) {                   \
         transpose_ge<T>(matrix_layout, m, n, in, ldin, out, ldout);                                \
     }                                                                                              \
-    extern "C" VOX_API void LAPACKE_##p##tr_trans(int matrix_layout, char uplo, char diag,         \
-                                                  vox_int n, const T *in, vox_int ldin, T *out,    \
-                                                  vox_int ldout) {                                 \
+    extern "C" void LAPACKE_##p##tr_trans(int matrix_layout, char uplo, char diag, vox_int n,      \
+                                          const T *in, vox_int ldin, T *out, vox_int ldout) {      \
         transpose_tr<T>(matrix_layout, uplo, diag, n, in, ldin, out, ldout);                       \
     }
 VOX_PRECISIONS(GENERAL)
 
 #define CONJUGATED(p, P, T)                                                                        \
-    extern "C" VOX_API void LAPACKE_##p##ge_transc(int matrix_layout, vox_int m, vox_int n,        \
-                                                   const T *in, vox_int ldin, T *out,              \
-                                                   vox_int ldout) {                                \
+    extern "C" void LAPACKE_##p##ge_transc(int matrix_layout, vox_int m, vox_int n, const T *in,   \
+                                           vox_int ldin, T *out, vox_int ldout) {                  \
         transpose_ge<T>(matrix_layout, m, n, in, ldin, out, ldout, true);                          \
     }
 VOX_COMPLEX_PRECISIONS(CONJUGATED)
 
 // The stored half of a symmetric or Hermitian matrix, as it is.
 #define HALF(p, kind, T)                                                                           \
-    extern "C" VOX_API void LAPACKE_##p##kind##_trans(int matrix_layout, char uplo, vox_int n,     \
-                                                      const T *in, vox_int ldin, T *out,           \
-                                                      vox_int ldout) {                             \
+    extern "C" void LAPACKE_##p##kind##_trans(int matrix_layout, char uplo, vox_int n,             \
+                                              const T *in, vox_int ldin, T *out, vox_int ldout) {  \
         transpose_tr<T>(matrix_layout, uplo, 'N', n, in, ldin, out, ldout);                        \
     }
 #define SYMMETRIC(p, P, T) HALF(p, sy, T) HALF(p, po, T)
