@@ -86,8 +86,8 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
             return refused<T>(#UPPER, info,                                                        \
                               VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_SEEN_, __VA_ARGS__)));       \
         }                                                                                          \
-        extern "C" void lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__)),                 \
-                                 integer *info) {                                                  \
+        extern "C" VOX_API void lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__)),         \
+                                         integer *info) {                                          \
             checked_call<T>(                                                                       \
                 #UPPER, info, VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_SEEN_, __VA_ARGS__)),        \
                 [&]([[maybe_unused]] index_t *wide_pivots) {                                       \
@@ -101,8 +101,8 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
                     text.add(static_cast<const integer *>(info));                                  \
                 });                                                                                \
         }                                                                                          \
-        VOX_FORTRAN_ALIASES(lower, UPPER);                                                         \
-    }
+    }                                                                                              \
+    VOX_FORTRAN_ALIASES(lower, UPPER);
 #define VOX_LAPACK_NO_INFO(p, driver, lower, UPPER, ...)                                           \
     VOX_LAPACK_RESULT(void, p, driver, lower, UPPER, __VA_ARGS__)
 #define VOX_LAPACK_ONLY_VALUE(p, driver, lower, UPPER, ...)                                        \
@@ -117,7 +117,7 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
         }                                                                                          \
     }                                                                                              \
     namespace vox::lapack::p##_boundary {                                                          \
-        extern "C" result lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__))) {             \
+        extern "C" VOX_API result lower##_(VOX_TAIL(VOX_EACH(VOX_BY_ADDRESS_, __VA_ARGS__))) {     \
             return unchecked_call<T>(                                                              \
                 #UPPER, VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_SEEN_, __VA_ARGS__)),              \
                 [&]([[maybe_unused]] index_t *wide_pivots) {                                       \
@@ -126,19 +126,20 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
                 },                                                                                 \
                 [&](auto &text) { VOX_EACH(VOX_PRINTED_, __VA_ARGS__) });                          \
         }                                                                                          \
-        VOX_FORTRAN_ALIASES(lower, UPPER);                                                         \
-    }
+    }                                                                                              \
+    VOX_FORTRAN_ALIASES(lower, UPPER);
 
 // The C forms: result and what a call of the Fortran form is.
 #define VOX_LAPACKE(result, p, lower, fortran, ...)                                                \
     namespace vox::lapack::p##_boundary {                                                          \
-        extern "C" result LAPACKE_##lower##_work(                                                  \
+        extern "C" VOX_API result LAPACKE_##lower##_work(                                          \
             int matrix_layout VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__)) {                              \
             return lapacke::work_form<T, result>(                                                  \
                 "LAPACKE_" #lower "_work", matrix_layout,                                          \
                 VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_NAME_, __VA_ARGS__)), [&] { fortran });    \
         }                                                                                          \
-        extern "C" result LAPACKE_##lower(int matrix_layout VOX_EACH(VOX_SHORT_, __VA_ARGS__)) {   \
+        extern "C" VOX_API result LAPACKE_##lower(                                                 \
+            int matrix_layout VOX_EACH(VOX_SHORT_, __VA_ARGS__)) {                                 \
             VOX_EACH(VOX_OWN_, __VA_ARGS__)                                                        \
             return lapacke::high_form<T, result>(                                                  \
                 "LAPACKE_" #lower, matrix_layout,                                                  \
@@ -163,10 +164,12 @@ VOX_PRECISIONS(VOX_LAPACK_TYPES)
 
 #define VOX_LAPACKE_PLAIN(result, p, lower, fortran, ...)                                          \
     namespace vox::lapack::p##_boundary {                                                          \
-        extern "C" result LAPACKE_##lower##_work(VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) { \
+        extern "C" VOX_API result LAPACKE_##lower##_work(                                          \
+            VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) {                                      \
             fortran                                                                                \
         }                                                                                          \
-        extern "C" result LAPACKE_##lower(VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) {        \
+        extern "C" VOX_API result LAPACKE_##lower(                                                 \
+            VOX_TAIL(VOX_EACH(VOX_BY_VALUE_, __VA_ARGS__))) {                                      \
             const vox_int bad = lapacke::first_nan<T>(                                             \
                 VOX_LAPACK_DESCRIBE(lower, VOX_EACH(VOX_NAME_, __VA_ARGS__)));                     \
             return bad ? result(bad)                                                               \
