@@ -24,9 +24,9 @@ index_t rows_exchanged(index_t k1, index_t k2, const vox_int *ipiv, index_t incx
 
 VOX_LAPACK(ALL, getrf, getrf, GETRF, size(m), size(n), inout(a, lda, m, n),
            pivots_out(ipiv, smaller(m, n)))
-VOX_LAPACK(ALL, getf2, getf2, GETF2, size(m), size(n), inout(a, lda, m, n),
+VOX_LAPACK(ALL, getrf, getf2, GETF2, size(m), size(n), inout(a, lda, m, n),
            pivots_out(ipiv, smaller(m, n)))
-VOX_LAPACK(ALL, getrf2, getrf2, GETRF2, size(m), size(n), inout(a, lda, m, n),
+VOX_LAPACK(ALL, getrf, getrf2, GETRF2, size(m), size(n), inout(a, lda, m, n),
            pivots_out(ipiv, smaller(m, n)))
 VOX_LAPACK(ALL, getrs, getrs, GETRS, option(trans, "NTC"), size(n), size(nrhs), in(a, lda, n, n),
            pivots_in(ipiv, n), inout(b, ldb, n, nrhs))

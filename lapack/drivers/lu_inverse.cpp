@@ -1,0 +1,108 @@
+// lu_inverse.cpp - the inverse from the factors: X L = U^-1, then the columns of X change places.
+//
+// L lies where X comes to be, so its columns move to the workspace a block at a time, from the right;
+// a block of X is U^-1's less what the columns on the right have a part in, divided by the block's
+// own triangle.
+#include "blas/drivers/team.hpp"
+#include "lapack/blas.hpp"
+#include "lapack/drivers/lu.hpp"
+#include "serv/scratch.hpp"
+
+namespace vox::lapack {
+namespace {
+
+constexpr index_t best_block = 64; // columns
+
+// U := U^-1 by halves.
+template <class T>
+void invert_upper(index_t n, T *a, index_t lda) {
+    if (n <= 8) {
+        for (index_t j = 0; j < n; ++j) {
+            T *const x = a + j * lda;
+            x[j] = divide(one<T>, x[j]);
+            for (index_t i = 0; i < j; ++i) {
+                T s = a[i + i * lda] * x[i];
+                for (index_t k = i + 1; k < j; ++k)
+                    s += a[i + k * lda] * x[k];
+                x[i] = -x[j] * s;
+            }
+        }
+        return;
+    }
+    const index_t k = n / 2;
+    T *const d = a + k + k * lda, *const b = a + k * lda;
+    invert_upper(k, a, lda);
+    invert_upper(n - k, d, lda);
+    blas::trmm('L', 'U', 'N', 'N', k, n - k, -one<T>, a, lda, b, lda);
+    blas::trmm('R', 'U', 'N', 'N', k, n - k, one<T>, d, lda, b, lda);
+}
+
+// Columns j .. j + count - 1 of L leave a for `to`, whose rows are a's; zeros are left.
+template <class T>
+void take_lower(index_t n, index_t j, index_t count, T *a, index_t lda, T *to, index_t ldt) {
+    for (index_t c = 0; c < count; ++c)
+        for (index_t i = j + c + 1; i < n; ++i) {
+            to[i + c * ldt] = a[i + (j + c) * lda];
+            a[i + (j + c) * lda] = T{};
+        }
+}
+
+// Interchanges of columns, the last first, on so many rows at a time as keep all columns in cache.
+template <class T>
+void exchange_columns(index_t n, T *a, index_t lda, const index_t *ipiv) {
+    constexpr index_t rows = 512 / index_t(sizeof(T));
+    const index_t threads = team_for(n * n * index_t(sizeof(T)));
+    for_parts(threads, [&](index_t part) {
+        const range mine = even_part(part, threads, {0, n}, rows);
+        for (index_t i = mine.first; i < mine.end; i += rows) {
+            const index_t count = mine.end - i < rows ? mine.end - i : rows;
+            for (index_t j = n - 2; j >= 0; --j)
+                if (ipiv[j] != j + 1)
+                    blas::swap(count, a + i + j * lda, 1, a + i + (ipiv[j] - 1) * lda, 1);
+        }
+    });
+}
+
+template <class T>
+void divide_by_lower(index_t n, T *a, index_t lda, index_t block, T *work) {
+    for (index_t end = n, j; end > 0; end = j) {
+        j = (end - 1) / block * block;
+        const index_t count = end - j;
+        take_lower(n, j, count, a, lda, work, n);
+        T *const x = a + j * lda;
+        if (end < n)
+            blas::gemm('N', 'N', n, count, n - end, -one<T>, a + end * lda, lda, work + end, n,
+                       one<T>, x, lda);
+        blas::trsm('R', 'L', 'N', 'U', n, count, one<T>, work + j, n, x, lda);
+    }
+}
+
+} // namespace
+
+template <class T>
+index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_t lwork) {
+    const index_t best = n > 1 ? n * best_block : 1;
+    work[0] = make<T>(real_of<T>(best));
+    if (lwork == -1 || n <= 0)
+        return 0;
+    for (index_t i = 0; i < n; ++i)
+        if (is_zero(a[i + i * lda]))
+            return i + 1;
+    invert_upper(n, a, lda);
+    // A caller's small workspace is not a reason to be slow.
+    const index_t most = n < best_block ? n : best_block;
+    const scratch<T> own(lwork < n * most ? n * most : 0);
+    if (own.empty())
+        divide_by_lower(n, a, lda, lwork / n < most ? lwork / n : most, work);
+    else
+        divide_by_lower(n, a, lda, most, own.data());
+    exchange_columns(n, a, lda, ipiv);
+    work[0] = make<T>(real_of<T>(best));
+    return 0;
+}
+
+#define INSTANCES(p, P, T)                                                                         \
+    template index_t getri<T>(index_t, T *, index_t, const index_t *, T *, index_t);
+VOX_PRECISIONS(INSTANCES)
+
+} // namespace vox::lapack
