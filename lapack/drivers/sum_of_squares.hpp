@@ -34,26 +34,19 @@ class sum_of_squares {
         if (!(sum > 0))
             return;
         const R size = scale * root(sum);
-        if (size > large) {
-            if (scale > 1)
-                scale *= scale_down, large_ += scale * (scale * sum);
-            else // then sum is large
-                large_ += scale * (scale * (scale_down * (scale_down * sum)));
-        } else if (size < small) {
-            if (scale < 1)
-                scale *= scale_up, small_ += scale * (scale * sum);
-            else
-                small_ += scale * (scale * (scale_up * (scale_up * sum)));
-        } else {
+        if (size > large)
+            scale *= scale_down, large_ += scale * (scale * sum);
+        else if (size < small)
+            scale *= scale_up, small_ += scale * (scale * sum);
+        else
             medium_ += scale * (scale * sum);
-        }
     }
 
     void times(R factor) { small_ *= factor, medium_ *= factor, large_ *= factor; }
 
     // The whole as scale^2 sum.
     void get(R *scale, R *sum) const {
-        if (large_ > 0 || large_ != large_) { // what is small does not count
+        if (large_ > 0) { // what is small does not count
             *scale = 1 / scale_down;
             *sum = large_ + (medium_ * scale_down) * scale_down;
         } else if (!(small_ > 0)) {
