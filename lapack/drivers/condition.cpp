@@ -243,10 +243,8 @@ real_of<T> triangle_norm(bool infinity, char uplo, char diag, index_t n, const T
 } // namespace
 
 template <class T>
-index_t lacn2(index_t n, T *v, T *x, vox_int *isgn, real_of<T> *est, vox_int *kase,
-              vox_int *isave) {
+void lacn2(index_t n, T *v, T *x, vox_int *isgn, real_of<T> *est, vox_int *kase, vox_int *isave) {
     one_norm<T>(n, v, x, isgn, est, kase, isave).step();
-    return 0;
 }
 
 template <class T>
@@ -326,7 +324,7 @@ index_t trcon(char norm, char uplo, char diag, index_t n, const T *a, index_t ld
 }
 
 #define INSTANCES(p, P, T)                                                                         \
-    template index_t lacn2<T>(index_t, T *, T *, vox_int *, real_of<T> *, vox_int *, vox_int *);   \
+    template void lacn2<T>(index_t, T *, T *, vox_int *, real_of<T> *, vox_int *, vox_int *);      \
     template index_t gecon<T>(char, index_t, const T *, index_t, real_of<T>, real_of<T> *, T *,    \
                               con_work<T> *);                                                      \
     template index_t pocon<T>(char, index_t, const T *, index_t, real_of<T>, real_of<T> *, T *,    \
