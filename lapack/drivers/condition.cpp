@@ -6,36 +6,18 @@
 #include <limits>
 
 #include "lapack/blas.hpp"
+#include "lapack/drivers/magnitudes.hpp"
+#include "lapack/drivers/norms.hpp"
 #include "lapack/drivers/scaled_solve.hpp"
 
 namespace vox::lapack {
 namespace {
 
-// |a|, without overflow on the way.
 template <class T>
-real_of<T> absolute(T a) {
-    const real_of<T> x = __builtin_fabs(real(a)), y = __builtin_fabs(imag(a));
-    const real_of<T> high = x > y ? x : y, low = x > y ? y : x;
-    if (!(low > 0) || high > std::numeric_limits<real_of<T>>::max())
-        return high + low;
-    const real_of<T> ratio = low / high;
-    return high * real_of<T>(__builtin_sqrt(1 + ratio * ratio));
-}
-
-template <class T>
-real_of<T> sum_of_absolutes(index_t n, const T *x) {
-    if constexpr (!is_complex<T>)
-        return blas::asum(n, x, 1);
-    real_of<T> sum = 0;
-    for (index_t i = 0; i < n; ++i)
-        sum += absolute(x[i]);
-    return sum;
-}
-template <class T>
-index_t largest_absolute(index_t n, const T *x) {
+index_t place_of_largest(index_t n, const T *x) {
     index_t place = 0;
     for (index_t i = 1; i < n; ++i)
-        if (absolute(x[i]) > absolute(x[place]))
+        if (magnitude(x[i]) > magnitude(x[place]))
             place = i;
     return place;
 }
@@ -44,7 +26,7 @@ index_t largest_absolute(index_t n, const T *x) {
 template <class T>
 T direction(T a) {
     if constexpr (is_complex<T>) {
-        const real_of<T> r = absolute(a);
+        const real_of<T> r = magnitude(a);
         return r > std::numeric_limits<real_of<T>>::min() ? T{a.real / r, a.imag / r} : one<T>;
     } else {
         return a >= 0 ? 1 : -1;
@@ -72,7 +54,7 @@ class one_norm {
         case of_mean:
             return after_mean();
         case of_its_signs:
-            *column_ = vox_int(largest_absolute(n_, x_) + 1);
+            *column_ = vox_int(place_of_largest(n_, x_) + 1);
             *tried_ = 2;
             return try_column();
         case of_column:
@@ -94,11 +76,11 @@ class one_norm {
     void after_mean() const {
         if (n_ == 1) {
             v_[0] = x_[0];
-            *est_ = absolute(v_[0]);
+            *est_ = magnitude(v_[0]);
             *kase_ = 0;
             return;
         }
-        *est_ = sum_of_absolutes(n_, x_);
+        *est_ = sum_of_magnitudes(n_, x_);
         take_signs();
         ask(2, of_its_signs);
     }
@@ -128,7 +110,7 @@ class one_norm {
     void after_column() const {
         blas::copy(n_, x_, 1, v_, 1);
         const real_of<T> before = *est_;
-        *est_ = sum_of_absolutes(n_, v_);
+        *est_ = sum_of_magnitudes(n_, v_);
         if (!signs_are_new() || *est_ <= before)
             return try_alternating();
         take_signs();
@@ -136,8 +118,8 @@ class one_norm {
     }
     void after_signs() const {
         const index_t last = *column_ - 1;
-        *column_ = vox_int(largest_absolute(n_, x_) + 1);
-        const real_of<T> a = absolute(x_[last]), b = absolute(x_[*column_ - 1]);
+        *column_ = vox_int(place_of_largest(n_, x_) + 1);
+        const real_of<T> a = magnitude(x_[last]), b = magnitude(x_[*column_ - 1]);
         if (a == b || *tried_ >= most_tried)
             return try_alternating();
         ++*tried_;
@@ -152,7 +134,7 @@ class one_norm {
         ask(1, of_alternating);
     }
     void after_alternating() const {
-        const real_of<T> other = 2 * (sum_of_absolutes(n_, x_) / real_of<T>(3 * n_));
+        const real_of<T> other = 2 * (sum_of_magnitudes(n_, x_) / real_of<T>(3 * n_));
         if (other > *est_) {
             blas::copy(n_, x_, 1, v_, 1);
             *est_ = other;
@@ -210,43 +192,11 @@ bool is_finite(T a) {
     return __builtin_fabs(a) <= std::numeric_limits<T>::max();
 }
 
-// max |a_ij| summed by columns, or by rows with the help of sums.
-template <class T>
-real_of<T> triangle_norm(bool infinity, char uplo, char diag, index_t n, const T *a, index_t lda,
-                         real_of<T> *sums) {
-    using R = real_of<T>;
-    R norm = 0;
-    const auto greater = [&](R s) {
-        if (!(s <= norm)) // NaN stays
-            norm = norm == norm ? s : norm;
-    };
-    for (index_t i = 0; i < n; ++i)
-        sums[i] = diag == 'U' ? 1 : 0;
-    for (index_t j = 0; j < n; ++j) {
-        const index_t skipped = diag == 'U' ? 1 : 0;
-        const index_t first = uplo == 'U' ? 0 : j + skipped,
-                      end = uplo == 'U' ? j + 1 - skipped : n;
-        R column = R(skipped);
-        for (index_t i = first; i < end; ++i) {
-            const R s = absolute(a[i + j * lda]);
-            column += s;
-            sums[i] += s;
-        }
-        if (!infinity)
-            greater(column);
-    }
-    for (index_t i = 0; i < n && infinity; ++i)
-        greater(sums[i]);
-    return norm;
-}
-
 } // namespace
 
 template <class T>
-index_t lacn2(index_t n, T *v, T *x, vox_int *isgn, real_of<T> *est, vox_int *kase,
-              vox_int *isave) {
+void lacn2(index_t n, T *v, T *x, vox_int *isgn, real_of<T> *est, vox_int *kase, vox_int *isave) {
     one_norm<T>(n, v, x, isgn, est, kase, isave).step();
-    return 0;
 }
 
 template <class T>
@@ -312,7 +262,7 @@ index_t trcon(char norm, char uplo, char diag, index_t n, const T *a, index_t ld
         return 0;
     const workspace<T> w(n, work, last);
     const bool infinity = norm == 'I';
-    const R anorm = triangle_norm(infinity, uplo, diag, n, a, lda, w.norms);
+    const R anorm = lantr(norm, uplo, diag, n, n, a, lda, w.norms);
     if (!(anorm > 0))
         return 0;
     const auto solve = [&](bool adjoint, T *x, bool norms_known) {
@@ -326,7 +276,7 @@ index_t trcon(char norm, char uplo, char diag, index_t n, const T *a, index_t ld
 }
 
 #define INSTANCES(p, P, T)                                                                         \
-    template index_t lacn2<T>(index_t, T *, T *, vox_int *, real_of<T> *, vox_int *, vox_int *);   \
+    template void lacn2<T>(index_t, T *, T *, vox_int *, real_of<T> *, vox_int *, vox_int *);      \
     template index_t gecon<T>(char, index_t, const T *, index_t, real_of<T>, real_of<T> *, T *,    \
                               con_work<T> *);                                                      \
     template index_t pocon<T>(char, index_t, const T *, index_t, real_of<T>, real_of<T> *, T *,    \

@@ -11,9 +11,14 @@ namespace vox::lapack {
 // One step of an estimate of the 1-norm of an operator that the caller applies. kase = 0 at the first
 // call; while it comes back as 1, x is to be replaced by A x, as 2, by A^H x, and the routine called
 // again, nothing else touched; 0 is the end: est <= |A|_1 is the estimate, and v = A w with
-// est = |v|_1 / |w|_1. isgn, of n entries, is for real types alone.
+// est = |v|_1 / |w|_1. The second form, without the signs isgn, is that of complex types.
 template <class T>
-index_t lacn2(index_t n, T *v, T *x, vox_int *isgn, real_of<T> *est, vox_int *kase, vox_int *isave);
+void lacn2(index_t n, T *v, T *x, vox_int *isgn, real_of<T> *est, vox_int *kase, vox_int *isave);
+template <class T>
+void lacn2(index_t n, T *v, T *x, real_of<T> *est, vox_int *kase, vox_int *isave) {
+    static_assert(is_complex<T>);
+    lacn2(n, v, x, nullptr, est, kase, isave);
+}
 
 // The last work array of the condition estimates: integers for real types, reals for complex ones.
 template <class T>

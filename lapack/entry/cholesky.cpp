@@ -1,12 +1,13 @@
 // cholesky.cpp - the forms of Cholesky factorisation and what is done with it.
 #include "lapack/drivers/cholesky.hpp"
+#include "lapack/drivers/triangular.hpp"
 #include "lapack/entry/forms.hpp"
 
 VOX_LAPACK(ALL, potrf, potrf, POTRF, option(uplo, "UL"), size(n),
            inout_triangle(a, lda, uplo, 'N', n))
-VOX_LAPACK_FORTRAN(ALL, potf2, potf2, POTF2, option(uplo, "UL"), size(n),
+VOX_LAPACK_FORTRAN(ALL, potrf, potf2, POTF2, option(uplo, "UL"), size(n),
                    inout_triangle(a, lda, uplo, 'N', n))
-VOX_LAPACK(ALL, potrf2, potrf2, POTRF2, option(uplo, "UL"), size(n),
+VOX_LAPACK(ALL, potrf, potrf2, POTRF2, option(uplo, "UL"), size(n),
            inout_triangle(a, lda, uplo, 'N', n))
 VOX_LAPACK(ALL, potrs, potrs, POTRS, option(uplo, "UL"), size(n), size(nrhs),
            in_triangle(a, lda, uplo, 'N', n), inout(b, ldb, n, nrhs))

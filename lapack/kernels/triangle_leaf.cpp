@@ -335,7 +335,7 @@ VOX_INLINE void lauum(bool upper, index_t order, T *a, index_t lda) {
         for (index_t i = 0; i < j + width; i += p.strip) {
             tile<T> t;
             t.clear();
-            t.template subtract_all<true>(p, i, j, p.n, j + j * p.ld, p.ld, 1);
+            t.template subtract_all<true>(p, i, j, p.n, j, p.ld, 1);
             t.template store<-1>(p, i, j);
         }
         if constexpr (is_complex<T>)
