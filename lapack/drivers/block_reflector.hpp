@@ -126,8 +126,12 @@ block_reflector<T> stored_reflectors(bool forward, bool by_columns, index_t m, i
     tip.kind = structure::triangular;
     tip.upper = forward != by_columns;
     tip.unit = true;
-    return {k,        tip,   tip_row,
-            part_of(all, rest_row, 0), rest_row, m - k,
+    return {k,
+            tip,
+            tip_row,
+            part_of(all, rest_row, 0),
+            rest_row,
+            m - k,
             blas::triangle(forward ? 'U' : 'L', 'N', 'N', t, ldt)};
 }
 

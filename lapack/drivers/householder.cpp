@@ -98,9 +98,9 @@ void larft(char direct, char storev, index_t n, index_t k, const T *v, index_t l
           t2, ldt);
     const index_t a = forward ? 0 : k1, b = forward ? k1 : 0;
     const index_t ka = forward ? k1 : k2, kb = forward ? k2 : k1;
-    const auto half =
-        stored_reflectors(forward, by_columns, forward ? n - k1 : n - k2, kb,
-                          place(all, forward ? k1 : 0, b), ldv, t, ldt); // b's, with rows of its own
+    const auto half = stored_reflectors(forward, by_columns, forward ? n - k1 : n - k2, kb,
+                                        place(all, forward ? k1 : 0, b), ldv, t,
+                                        ldt); // b's, with rows of its own
     const index_t first = forward ? k1 : 0;
     const factor<T> va = part_of(all, first, a);
     T *const corner = t + a + b * ldt;

@@ -43,8 +43,8 @@ template <class T>
 index_t gels(char trans, index_t m, index_t n, index_t nrhs, T *a, index_t lda, T *b, index_t ldb,
              T *work, index_t lwork) {
     const index_t k = m < n ? m : n, longer = m < n ? n : m;
-    const T optimum = work_size<T>(k + (k > nrhs ? k : nrhs) * qr_block);
-    *work = k && nrhs ? optimum : one<T>;
+    const T optimum = work_size<T>(k + (k > nrhs ? k : nrhs) * blocking_of(algorithm::qr).wide);
+    *work = real(optimum) > 0 ? optimum : one<T>;
     if (lwork == -1)
         return 0;
     if (k == 0 || nrhs == 0) {

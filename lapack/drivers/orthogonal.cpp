@@ -3,8 +3,7 @@
 
 #include "lapack/drivers/block_reflector.hpp"
 #include "lapack/drivers/householder.hpp"
-#include "lapack/drivers/panel.hpp"
-#include "lapack/drivers/qr.hpp"
+#include "lapack/drivers/qr_panel.hpp"
 #include "lapack/drivers/reflections.hpp"
 #include "lapack/drivers/workspace.hpp"
 #include "serv/scratch.hpp"
@@ -34,7 +33,7 @@ class q_blocks {
   public:
     // others: rows or columns of what the reflectors are applied to.
     q_blocks(const stored_q<T> &q, index_t others)
-        : q_(q), nb_(least(q.k, qr_block)), ld_(padded<T>(q.order)),
+        : q_(q), nb_(least(q.k, block_size(algorithm::apply_q))), ld_(padded<T>(q.order)),
           memory_(nb_ * (ld_ + nb_ + most(nb_, others))) {}
 
     bool empty() const { return memory_.empty(); }
@@ -144,7 +143,7 @@ index_t multiply_q(bool by_columns, char side, char trans, index_t m, index_t n,
         if (!job.by_blocks())
             job.one_by_one(work);
     }
-    *work = work_size<T>(m && n && k ? (side == 'L' ? n : m) * qr_block : 1);
+    *work = best_work<T>(algorithm::apply_q, side == 'L' ? n : m);
     return 0;
 }
 
@@ -158,9 +157,7 @@ struct q_in_place {
     index_t lda;
     const T *tau;
 
-    T &at(index_t i, index_t j) const {
-        return by_columns ? a[i + j * lda] : a[j + i * lda];
-    }
+    T &at(index_t i, index_t j) const { return by_columns ? a[i + j * lda] : a[j + i * lda]; }
     stored_q<T> q() const { return {by_columns, length, k, a, lda, tau}; }
 
     // Vectors first .. count: those of the unit matrix, rows `from` on.
@@ -225,7 +222,7 @@ template <class T>
 index_t generate_q(const q_in_place<T> &job, T *work, index_t lwork) {
     if (lwork != -1 && job.count && !job.by_blocks())
         job.one_by_one(work);
-    *work = work_size<T>(most(index_t(1), job.count) * qr_block);
+    *work = best_work<T>(algorithm::make_q, job.count);
     return 0;
 }
 

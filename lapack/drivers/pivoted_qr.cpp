@@ -169,7 +169,7 @@ template <class T>
 index_t geqp3(index_t m, index_t n, T *a, index_t lda, index_t *jpvt, T *tau, T *work,
               index_t lwork, real_of<T> *rwork) {
     const index_t k = least(m, n);
-    const T optimum = work_size<T>(k ? (is_complex<T> ? 0 : 2 * n) + (n + 1) * block : 1);
+    const T optimum = work_size<T>((is_complex<T> ? 0 : 2 * n) + (n + 1) * block);
     if (lwork != -1) {
         const index_t fixed = place_fixed(m, n, a, lda, jpvt);
         const index_t front = least(m, fixed);
@@ -185,8 +185,14 @@ index_t geqp3(index_t m, index_t n, T *a, index_t lda, index_t *jpvt, T *tau, T 
                 rwork = work;
                 w = work + 2 * n;
             }
-            remainder<T> rest = {m,   n - fixed,    fixed,       a + fixed * lda,
-                                 lda, jpvt + fixed, tau + fixed, rwork + fixed,
+            remainder<T> rest = {m,
+                                 n - fixed,
+                                 fixed,
+                                 a + fixed * lda,
+                                 lda,
+                                 jpvt + fixed,
+                                 tau + fixed,
+                                 rwork + fixed,
                                  rwork + n + fixed};
             for (index_t j = 0; j < rest.n; ++j)
                 rest.norms[j] = rest.stale;
@@ -194,7 +200,8 @@ index_t geqp3(index_t m, index_t n, T *a, index_t lda, index_t *jpvt, T *tau, T 
             const scratch<T> memory(k - fixed > crossover ? (rest.n + 1) * block : 0);
             if (!memory.empty())
                 while (k - rest.done > crossover)
-                    rest.skip(rest.factor_block(block, memory.data(), memory.data() + rest.n * block));
+                    rest.skip(
+                        rest.factor_block(block, memory.data(), memory.data() + rest.n * block));
             rest.factor(w);
         }
     }

@@ -3,7 +3,7 @@
 
 #include "lapack/drivers/block_reflector.hpp"
 #include "lapack/drivers/householder.hpp"
-#include "lapack/drivers/panel.hpp"
+#include "lapack/drivers/qr_panel.hpp"
 #include "lapack/drivers/reflections.hpp"
 #include "lapack/drivers/workspace.hpp"
 #include "serv/scratch.hpp"
@@ -11,17 +11,15 @@
 namespace vox::lapack {
 namespace {
 
-// Up to so many rows or columns, one column after the other is best.
-constexpr index_t unblocked = 48;
-
-constexpr index_t panel_width(index_t k) { return k < 200 ? 32 : 64; }
+constexpr index_t unblocked = blocking_of(algorithm::qr).crossover;
 
 // What a panel needs: R, T, and products with its reflectors.
 template <class T>
 struct panel_memory {
     index_t nb;
     scratch<T> all;
-    panel_memory(index_t width, index_t others) : nb(width), all(nb * (2 * nb + most(nb, others))) {}
+    panel_memory(index_t m, index_t n, index_t others)
+        : nb(block_size(algorithm::qr, m, n)), all(nb * (2 * nb + most(nb, others))) {}
     T *r() const { return all.data(); }
     T *t() const { return r() + nb * nb; }
     T *w() const { return t() + nb * nb; }
@@ -30,7 +28,7 @@ struct panel_memory {
 template <class T>
 bool qr_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
     const index_t k = least(m, n);
-    const panel_memory<T> memory(panel_width(k), n);
+    const panel_memory<T> memory(m, n, n);
     if (memory.all.empty())
         return false;
     const index_t nb = memory.nb;
@@ -53,7 +51,7 @@ bool qr_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
 template <class T>
 bool lq_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
     const index_t k = least(m, n), ld = padded<T>(n);
-    const panel_memory<T> memory(panel_width(k), m);
+    const panel_memory<T> memory(m, n, m);
     const scratch<T> copy(ld * memory.nb);
     if (memory.all.empty() || copy.empty())
         return false;
@@ -117,10 +115,9 @@ index_t gelq2(index_t m, index_t n, T *a, index_t lda, T *tau, T *work) {
 template <class T>
 index_t geqrf(index_t m, index_t n, T *a, index_t lda, T *tau, T *work, index_t lwork) {
     const index_t k = least(m, n);
-    if (lwork != -1 && k > 0 &&
-        (least(k, n) <= unblocked || !qr_by_panels(m, n, a, lda, tau)))
+    if (lwork != -1 && k > 0 && (k <= unblocked || !qr_by_panels(m, n, a, lda, tau)))
         geqr2(m, n, a, lda, tau, work);
-    *work = work_size<T>(k ? n * qr_block : 1);
+    *work = best_work<T>(algorithm::qr, n);
     return 0;
 }
 
@@ -130,7 +127,7 @@ index_t gelqf(index_t m, index_t n, T *a, index_t lda, T *tau, T *work, index_t 
     if (lwork != -1 && k > 0 &&
         !(k <= unblocked ? lq_at_once(m, n, a, lda, tau, work) : lq_by_panels(m, n, a, lda, tau)))
         gelq2(m, n, a, lda, tau, work);
-    *work = work_size<T>(k ? m * qr_block : 1);
+    *work = best_work<T>(algorithm::qr, m);
     return 0;
 }
 

@@ -20,7 +20,4 @@ index_t geqrf(index_t m, index_t n, T *a, index_t lda, T *tau, T *work, index_t 
 template <class T>
 index_t gelqf(index_t m, index_t n, T *a, index_t lda, T *tau, T *work, index_t lwork);
 
-// What the optimal work array has for each column (row).
-constexpr index_t qr_block = 64;
-
 } // namespace vox::lapack

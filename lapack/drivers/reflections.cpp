@@ -2,7 +2,7 @@
 #include "lapack/drivers/reflections.hpp"
 
 #include "lapack/drivers/householder.hpp"
-#include "lapack/kernels/parameters.hpp"
+#include "lapack/kernels/reflection_parameters.hpp"
 #include "serv/dispatch.hpp"
 
 #define DISPATCH(p, P, T)                                                                          \

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "blas/kernels/panels.hpp"
-#include "lapack/kernels/parameters.hpp"
+#include "lapack/kernels/reflection_parameters.hpp"
 
 namespace {
 
@@ -43,8 +43,7 @@ VOX_INLINE void sweep_rows(index_t from, index_t m, const T *v, const T *w, cons
                 along.add(u, k, sum, x);
             });
         } else {
-            unroll<C>([&](auto k)
-                          VOX_INLINED { along.add(u, k, access.get(c[k] + from + i), x); });
+            unroll<C>([&](auto k) VOX_INLINED { along.add(u, k, access.get(c[k] + from + i), x); });
         }
     });
     along.total(sums, joint<T>(true)); // conj(c_k) next
@@ -182,8 +181,8 @@ void factor_columns(index_t m, index_t n, T *a, index_t lda, T *tau, T *w, T *t,
             x[j - 1] -= w[j];
             x[j] -= last.v[j] * w[j];
         }
-        const auto squares =
-            update_and_square(rows, last.v ? last.v + j + 1 : nullptr, last.v ? w[j] : T{}, x + j + 1);
+        const auto squares = update_and_square(rows, last.v ? last.v + j + 1 : nullptr,
+                                               last.v ? w[j] : T{}, x + j + 1);
         if (!make_reflector(squares, rows, x[j], x + j + 1, tau[j]))
             larfg(rows + 1, x + j, x + j + 1, tau + j);
         const reflector<T> next = {x, j};

@@ -38,12 +38,12 @@ class Qr : public ::testing::Test {
         std::vector<T> tau(size_t(std::min(a.rows(), a.columns())));
         std::vector<T> work(size_t(std::max(a.rows(), a.columns())));
         if (blocked)
-            EXPECT_EQ(call_with_work<T>(by_columns ? routine::geqrf : routine::gelqf, a.rows(), a.columns(),
-                                        a.data(), a.ld(), tau.data()),
+            EXPECT_EQ(call_with_work<T>(by_columns ? routine::geqrf : routine::gelqf, a.rows(),
+                                        a.columns(), a.data(), a.ld(), tau.data()),
                       0);
         else
-            EXPECT_EQ(call(by_columns ? routine::geqr2 : routine::gelq2, a.rows(), a.columns(), a.data(),
-                           a.ld(), tau.data(), work.data()),
+            EXPECT_EQ(call(by_columns ? routine::geqr2 : routine::gelq2, a.rows(), a.columns(),
+                           a.data(), a.ld(), tau.data(), work.data()),
                       0);
         EXPECT_TRUE(a.nothing_between_was_touched());
         return {by_columns, std::move(a), std::move(tau)};
@@ -81,8 +81,8 @@ class Qr : public ::testing::Test {
 
     // Q's first vectors, as orgqr and orglq give them.
     static void expect_q(int order, int count, int k, bool by_columns, bool blocked) {
-        SCOPED_TRACE(testing::Message() << order << ' ' << count << ' ' << k << ' ' << by_columns
-                                        << ' ' << blocked);
+        SCOPED_TRACE(testing::Message()
+                     << order << ' ' << count << ' ' << k << ' ' << by_columns << ' ' << blocked);
         const auto shape = [&](int n) {
             return by_columns ? random_matrix<T>(order, n, 5, 1) : random_matrix<T>(n, order, 5, 1);
         };
@@ -92,12 +92,12 @@ class Qr : public ::testing::Test {
             std::copy_n(given.a.column(j), given.a.rows(), q.column(j));
         std::vector<T> work(size_t(count), T{});
         if (blocked)
-            EXPECT_EQ(call_with_work<T>(by_columns ? routine::orgqr : routine::orglq, q.rows(), q.columns(), k,
-                                        q.data(), q.ld(), given.tau.data()),
+            EXPECT_EQ(call_with_work<T>(by_columns ? routine::orgqr : routine::orglq, q.rows(),
+                                        q.columns(), k, q.data(), q.ld(), given.tau.data()),
                       0);
         else
-            EXPECT_EQ(call(by_columns ? routine::org2r : routine::orgl2, q.rows(), q.columns(), k, q.data(),
-                           q.ld(), given.tau.data(), work.data()),
+            EXPECT_EQ(call(by_columns ? routine::org2r : routine::orgl2, q.rows(), q.columns(), k,
+                           q.data(), q.ld(), given.tau.data(), work.data()),
                       0);
         EXPECT_TRUE(q.nothing_between_was_touched());
         matrix<E> expected(order, count);
@@ -106,16 +106,16 @@ class Qr : public ::testing::Test {
         given.q().apply_left(false, expected);
         const matrix<E> got = by_columns ? exactly(q) : adjoint(exactly(q));
         EXPECT_LE(scaled<T>(one_norm(minus(got, expected)), order, 1), threshold);
-        EXPECT_LE(scaled<T>(one_norm(minus_product(identity<E>(count), adjoint(got), got)), order,
-                            1),
-                  threshold);
+        EXPECT_LE(
+            scaled<T>(one_norm(minus_product(identity<E>(count), adjoint(got), got)), order, 1),
+            threshold);
     }
 
     // op(Q) C or C op(Q) with k reflectors in columns or rows.
     static void expect_products(int order, int others, int k, bool by_columns, bool blocked) {
-        const factored given =
-            factor(by_columns, true,
-                   by_columns ? random_matrix<T>(order, k, 7, 2) : random_matrix<T>(k, order, 7, 2));
+        const factored given = factor(by_columns, true,
+                                      by_columns ? random_matrix<T>(order, k, 7, 2)
+                                                 : random_matrix<T>(k, order, 7, 2));
         const matrix<T> before = given.a;
         for (char side : {'L', 'R'})
             for (char trans : {'N', vox::is_complex<T> ? 'C' : 'T'}) {
@@ -127,15 +127,15 @@ class Qr : public ::testing::Test {
                 matrix<T> got = c;
                 std::vector<T> work(size_t(others), T{});
                 if (blocked)
-                    EXPECT_EQ(call_with_work<T>(by_columns ? routine::ormqr : routine::ormlq, side, trans,
-                                                c.rows(), c.columns(), k, given.a.data(),
+                    EXPECT_EQ(call_with_work<T>(by_columns ? routine::ormqr : routine::ormlq, side,
+                                                trans, c.rows(), c.columns(), k, given.a.data(),
                                                 given.a.ld(), given.tau.data(), got.data(),
                                                 got.ld()),
                               0);
                 else
-                    EXPECT_EQ(call(by_columns ? routine::orm2r : routine::orml2, side, trans, c.rows(),
-                                   c.columns(), k, given.a.data(), given.a.ld(), given.tau.data(),
-                                   got.data(), got.ld(), work.data()),
+                    EXPECT_EQ(call(by_columns ? routine::orm2r : routine::orml2, side, trans,
+                                   c.rows(), c.columns(), k, given.a.data(), given.a.ld(),
+                                   given.tau.data(), got.data(), got.ld(), work.data()),
                               0);
                 // C Q = (Q^H C^H)^H; the Q of LQ is the adjoint of its reflectors' product.
                 matrix<E> expected = left ? exactly(c) : adjoint(exactly(c));
@@ -172,8 +172,8 @@ TYPED_TEST_SUITE(Qr, types);
 
 // Around vectors, panels' parts and panels; long and wide.
 constexpr std::tuple<int, int> shapes[] = {
-    {1, 1},   {1, 5},   {5, 1},   {2, 2},    {3, 7},    {7, 3},    {8, 8},    {9, 10},
-    {16, 17}, {33, 31}, {48, 48}, {49, 49},  {50, 130}, {130, 50}, {65, 64},  {81, 80},
+    {1, 1},   {1, 5},   {5, 1},    {2, 2},    {3, 7},     {7, 3},    {8, 8},   {9, 10},
+    {16, 17}, {33, 31}, {48, 48},  {49, 49},  {50, 130},  {130, 50}, {65, 64}, {81, 80},
     {97, 65}, {65, 97}, {20, 200}, {200, 20}, {129, 128}, {230, 210}};
 
 TYPED_TEST(Qr, FactorsMultiplyToTheMatrix) {
@@ -191,18 +191,28 @@ TYPED_TEST(Qr, ThreadsFactorWhatOneDoes) {
 }
 
 TYPED_TEST(Qr, QHasOrthonormalVectors) {
-    for (const auto &[order, count, k] :
-         {std::tuple(1, 1, 1), {5, 3, 3}, {5, 5, 2}, {9, 9, 0}, {33, 20, 11}, {70, 70, 70},
-          {140, 130, 100}, {129, 129, 64}, {130, 70, 65}})
+    for (const auto &[order, count, k] : {std::tuple(1, 1, 1),
+                                          {5, 3, 3},
+                                          {5, 5, 2},
+                                          {9, 9, 0},
+                                          {33, 20, 11},
+                                          {70, 70, 70},
+                                          {140, 130, 100},
+                                          {129, 129, 64},
+                                          {130, 70, 65}})
         for (bool by_columns : {true, false})
             for (bool blocked : {true, false})
                 this->expect_q(order, count, k, by_columns, blocked);
 }
 
 TYPED_TEST(Qr, ProductsWithQ) {
-    for (const auto &[order, others, k] :
-         {std::tuple(1, 1, 1), {4, 3, 4}, {17, 1, 9}, {30, 7, 30}, {40, 9, 33}, {129, 5, 100},
-          {150, 33, 131}})
+    for (const auto &[order, others, k] : {std::tuple(1, 1, 1),
+                                           {4, 3, 4},
+                                           {17, 1, 9},
+                                           {30, 7, 30},
+                                           {40, 9, 33},
+                                           {129, 5, 100},
+                                           {150, 33, 131}})
         for (bool by_columns : {true, false})
             for (bool blocked : {true, false})
                 this->expect_products(order, others, k, by_columns, blocked);
@@ -227,8 +237,8 @@ TYPED_TEST(Qr, BlocksOfReflectors) {
          {std::tuple(1, 1, 2), {5, 5, 4}, {9, 1, 3}, {20, 7, 1}, {61, 33, 18}})
         for (bool forward : {true, false})
             for (bool by_columns : {true, false}) {
-                const matrix<T> v = by_columns ? random_matrix<T>(n, k, 3, 1)
-                                               : random_matrix<T>(k, n, 3, 1);
+                const matrix<T> v =
+                    by_columns ? random_matrix<T>(n, k, 3, 1) : random_matrix<T>(k, n, 3, 1);
                 std::vector<T> tau(size_t(k), T{});
                 reflectors<T> h = {by_columns, forward, n, k, v, tau};
                 for (int i = 0; i < k; ++i) { // some unitary ones, and an identity
@@ -291,7 +301,8 @@ TYPED_TEST(Qr, ReflectorsOfAnyLength) {
                     continue;
                 }
                 // Numbers that have no digits to lose carry them; subnormal ones have fewer.
-                const long double u = unit_roundoff<R>, tiny = limits::denorm_min() / (long double)(scale);
+                const long double u = unit_roundoff<R>,
+                                  tiny = limits::denorm_min() / (long double)(scale);
                 EXPECT_NEAR(std::fabs(beta) / scale, std::sqrt(square),
                             (8 + n) * (u * std::sqrt(square) + tiny));
                 EXPECT_LE(beta * vox::real(x(0, 0)), 0);
@@ -304,8 +315,9 @@ TYPED_TEST(Qr, ReflectorsOfAnyLength) {
                            (widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale));
                 sum *= conjugate(widen(tau));
                 for (int i = 1; i < n; ++i)
-                    worst = std::max(worst, std::abs(widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale) -
-                                                     sum * widen(got(1 + (i - 1) * inc, 0))));
+                    worst = std::max(
+                        worst, std::abs(widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale)-sum *
+                                        widen(got(1 + (i - 1) * inc, 0))));
                 EXPECT_LE(worst, 10 * (8 + n) * std::sqrt(square) * (u + tiny));
             }
 }
@@ -337,8 +349,8 @@ TYPED_TEST(Qr, BadlyScaledColumns) {
                                            std::complex<long double>(whole(i, j)));
                     norm += std::abs(std::complex<long double>(whole(i, j)));
                 }
-                EXPECT_LE(difference, threshold * n *
-                                          (norm * unit_roundoff<R> + limits::denorm_min()))
+                EXPECT_LE(difference,
+                          threshold * n * (norm * unit_roundoff<R> + limits::denorm_min()))
                     << n << ' ' << j;
             }
         }
@@ -407,7 +419,8 @@ struct pivoted {
                 for (int i = k; i <= std::min(j, a.rows() - 1); ++i)
                     square += std::norm(widen(a(i, j)));
                 const long double first = std::abs(widen(a(k, k)));
-                EXPECT_LE(std::sqrt(square), first * (1 + 100 * std::sqrt(unit_roundoff<vox::real_of<T>>)))
+                EXPECT_LE(std::sqrt(square),
+                          first * (1 + 100 * std::sqrt(unit_roundoff<vox::real_of<T>>)))
                     << k << ' ' << j;
             }
     }
@@ -470,7 +483,8 @@ TYPED_TEST(Qr, EmptyMatricesAndQueries) {
     for (const auto &[m, n] : {std::tuple(0, 0), {0, 3}, {3, 0}}) {
         EXPECT_EQ(call_with_work<T>(f::geqrf, m, n, nothing, 3, nothing), 0);
         EXPECT_EQ(call_with_work<T>(f::gelqf, m, n, nothing, 3, nothing), 0);
-        EXPECT_EQ(call_with_work<T>(f::ormqr, 'L', 'N', m, n, 0, nothing, 3, nothing, nothing, 3), 0);
+        EXPECT_EQ(call_with_work<T>(f::ormqr, 'L', 'N', m, n, 0, nothing, 3, nothing, nothing, 3),
+                  0);
     }
     for (const auto &[m, n] : {std::tuple(100, 30), {30, 100}}) { // nothing but work is looked at
         EXPECT_EQ(call(f::geqrf, m, n, nothing, m, nothing, &work, -1), 0);

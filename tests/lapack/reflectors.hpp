@@ -13,7 +13,7 @@ struct fortran;
 #define FORTRAN(T, p, q)                                                                           \
     template <>                                                                                    \
     struct fortran<T> {                                                                            \
-        static constexpr auto geqrf = p##geqrf_;                                                     \
+        static constexpr auto geqrf = p##geqrf_;                                                   \
         static constexpr auto geqr2 = p##geqr2_, gelq2 = p##gelq2_;                                \
         static constexpr auto gelqf = p##gelqf_;                                                   \
         static constexpr auto geqp3 = p##geqp3_;                                                   \
@@ -38,10 +38,7 @@ X *address(X *p) {
     return p;
 }
 template <class X>
-    requires(!std::is_pointer_v<X>)
-const X *address(const X &x) {
-    return &x;
-}
+requires(!std::is_pointer_v<X>) const X *address(const X &x) { return &x; }
 template <class Routine, class... X>
 void call_quiet(Routine *routine, const X &...x) {
     routine(address(x)...);

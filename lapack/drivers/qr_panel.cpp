@@ -1,6 +1,6 @@
-// panel.cpp - a panel of columns by halves (Elmroth and Gustavson, IBM J. Res. Develop. 44(4),
+// qr_panel.cpp - a panel of columns by halves (Elmroth and Gustavson, IBM J. Res. Develop. 44(4),
 // 2000).
-#include "lapack/drivers/panel.hpp"
+#include "lapack/drivers/qr_panel.hpp"
 
 #include "lapack/drivers/block_reflector.hpp"
 #include "lapack/drivers/reflections.hpp"

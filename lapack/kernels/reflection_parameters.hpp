@@ -1,4 +1,4 @@
-// parameters.hpp - the kernels of LAPACK as drivers and kernels both see them.
+// reflection_parameters.hpp - the kernels of reflectors as drivers and kernels both see them.
 #pragma once
 
 #include "serv/scalar.hpp"

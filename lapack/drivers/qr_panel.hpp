@@ -1,4 +1,4 @@
-// panel.hpp - what the factorisations and the products with their Q have in common: panels of
+// qr_panel.hpp - what the factorisations and the products with their Q have in common: panels of
 // columns, and copies of rows that are to be one.
 #pragma once
 
