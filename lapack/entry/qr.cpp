@@ -1,6 +1,5 @@
 // qr.cpp - the forms of QR and LQ factorisation and of the orthogonal factors.
 #include "lapack/drivers/qr.hpp"
-#include "lapack/drivers/lq.hpp"
 #include "lapack/drivers/orthogonal.hpp"
 #include "lapack/drivers/pivoted_qr.hpp"
 #include "lapack/entry/forms.hpp"

@@ -1,0 +1,135 @@
+// least_squares_test.cpp - ?gels: least squares and minimum norms, from every side, scaled and not.
+#include <gtest/gtest.h>
+#include <tuple>
+
+#include "tests/lapack/reflectors.hpp"
+
+namespace {
+
+using namespace test;
+
+template <class T>
+class Gels : public ::testing::Test {
+  protected:
+    using E = exact<T>;
+
+    static matrix<T> scaled_by(matrix<T> a, long double scale) {
+        for (int j = 0; j < a.columns(); ++j)
+            for (int i = 0; i < a.rows(); ++i)
+                a(i, j) = vox::make<T>(vox::real_of<T>(vox::real(a(i, j)) * scale),
+                                       vox::real_of<T>(vox::imag(a(i, j)) * scale));
+        return a;
+    }
+    static matrix<T> top(const matrix<T> &a, int rows) {
+        matrix<T> t(rows, a.columns());
+        for (int j = 0; j < a.columns(); ++j)
+            std::copy_n(a.column(j), rows, t.column(j));
+        return t;
+    }
+
+    // A and B of ordinary size; gels gets multiples of them, and X is that multiple of theirs.
+    static void expect_solution(int m, int n, int nrhs, char trans, long double a_scale = 1,
+                                long double b_scale = 1) {
+        SCOPED_TRACE(testing::Message() << m << " x " << n << ", " << nrhs << ' ' << trans << ' '
+                                        << a_scale << ' ' << b_scale);
+        const int rows = trans == 'N' ? m : n, unknowns = trans == 'N' ? n : m;
+        const matrix<T> a = random_matrix<T>(m, n, 1, 2);
+        const matrix<T> b = random_matrix<T>(std::max(m, n), nrhs, 2, 1);
+        matrix<T> factors = scaled_by(a, a_scale), x = scaled_by(b, b_scale);
+        ASSERT_EQ(call_with_work<T>(fortran<T>::gels, trans, m, n, nrhs, factors.data(),
+                                    factors.ld(), x.data(), x.ld()),
+                  0);
+        EXPECT_TRUE(x.nothing_between_was_touched());
+        const auto op = exactly(a, trans);
+        const auto solution = exactly(top(scaled_by(x, a_scale / b_scale), unknowns));
+        const auto rest = minus_product(exactly(top(b, rows)), op, solution);
+        const int size = std::max({m, n, nrhs});
+        const long double x_norm = one_norm(solution), op_norm = one_norm(op);
+        if (rows >= unknowns) { // what is left is orthogonal to A
+            EXPECT_LE(scaled<T>(one_norm(times(adjoint(op), rest)), size,
+                                op_norm * (op_norm * x_norm + one_norm(rest))),
+                      threshold);
+        } else { // nothing is left, and X is a combination of A's rows
+            EXPECT_LE(scaled<T>(one_norm(rest), size, op_norm * x_norm), threshold);
+            EXPECT_LE(scaled<T>(one_norm(beside_rows(op, solution)), size, x_norm), threshold);
+        }
+    }
+    // X less its projection on A's rows, made orthonormal by Gram and Schmidt, twice. Few enough rows
+    // are well conditioned, and so is what the solution may have beside them.
+    static matrix<E> beside_rows(const matrix<E> &a, matrix<E> x) {
+        matrix<E> q = adjoint(a);
+        const auto subtract = [&](E *v, int columns) {
+            for (int k = 0; k < columns; ++k) {
+                E sum{};
+                for (int i = 0; i < q.rows(); ++i)
+                    add_product(sum, reflectors<T>::conjugated(q(i, k)), v[i]);
+                for (int i = 0; i < q.rows(); ++i)
+                    add_product(v[i], q(i, k), -sum);
+            }
+        };
+        for (int j = 0; j < q.columns(); ++j) {
+            subtract(q.column(j), j);
+            subtract(q.column(j), j);
+            exact_part<T> square = 0;
+            for (int i = 0; i < q.rows(); ++i)
+                square += std::norm(q(i, j));
+            for (int i = 0; i < q.rows(); ++i)
+                q(i, j) /= std::sqrt(square);
+        }
+        for (int j = 0; j < x.columns(); ++j)
+            subtract(x.column(j), q.columns());
+        return x;
+    }
+    static constexpr char adjoined = vox::is_complex<T> ? 'C' : 'T';
+};
+using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
+TYPED_TEST_SUITE(Gels, types);
+
+TYPED_TEST(Gels, SolvesFromEverySide) {
+    for (const auto &[m, n] :
+         {std::tuple(1, 1), {5, 3}, {3, 5}, {20, 20}, {60, 33}, {33, 60}, {130, 80}, {80, 130}})
+        for (int nrhs : {1, 5, 20})
+            for (char trans : {'N', this->adjoined})
+                this->expect_solution(m, n, nrhs, trans);
+}
+
+TYPED_TEST(Gels, ScalesWhatIsTooLargeOrTooSmall) {
+    using limits = std::numeric_limits<vox::real_of<TypeParam>>;
+    const long double small = limits::min() * 4, large = limits::max() / 4, ordinary = 1;
+    for (const auto &[a, b] : {std::tuple(small, small),
+                               {large, large},
+                               {ordinary, small * 16},
+                               {small, small * ordinary},
+                               {ordinary, large / 64}})
+        for (const auto &[m, n] : {std::tuple(9, 6), {6, 9}})
+            for (char trans : {'N', this->adjoined})
+                this->expect_solution(m, n, 2, trans, a, b);
+}
+
+TYPED_TEST(Gels, TellsTheColumnThatDepends) {
+    using T = TypeParam;
+    for (const auto &[m, n] : {std::tuple(9, 6), {6, 9}})
+        for (char trans : {'N', this->adjoined}) {
+            matrix<T> a = random_matrix<T>(m, n, 1), b = random_matrix<T>(9, 1, 2);
+            for (int i = 0; i < std::max(m, n); ++i)
+                (m > n ? a(i, 3) : a(3, i)) = T{};
+            EXPECT_EQ(call_with_work<T>(fortran<T>::gels, trans, m, n, 1, a.data(), a.ld(),
+                                        b.data(), b.ld()),
+                      4);
+        }
+}
+
+TYPED_TEST(Gels, ZeroMatricesHaveTheSolutionZero) {
+    using T = TypeParam;
+    matrix<T> a(5, 3), b = random_matrix<T>(5, 2, 1, 2);
+    EXPECT_EQ(call_with_work<T>(fortran<T>::gels, 'N', 5, 3, 2, a.data(), a.ld(), b.data(), b.ld()),
+              0);
+    EXPECT_EQ(one_norm(exactly(b)), 0);
+    b = random_matrix<T>(5, 2, 1, 2);
+    EXPECT_EQ(call_with_work<T>(fortran<T>::gels, 'N', 5, 0, 2, a.data(), a.ld(), b.data(), b.ld()),
+              0);
+    EXPECT_EQ(one_norm(exactly(b)), 0);
+    EXPECT_TRUE(b.nothing_between_was_touched());
+}
+
+} // namespace

@@ -1,0 +1,497 @@
+// qr_test.cpp - QR and LQ factors, their Q and products with it, reflectors one by one and in blocks,
+// and QR with pivoting.
+#include <gtest/gtest.h>
+#include <tuple>
+
+#include "tests/lapack/reflectors.hpp"
+#include "tests/support/failing_memory.hpp"
+#include "tests/support/thread_counts.hpp"
+
+namespace {
+
+using namespace test;
+
+template <class T>
+class Qr : public ::testing::Test {
+  protected:
+    using E = exact<T>;
+    using routine = fortran<T>;
+
+    // What geqrf and gelqf leave, with their reflectors.
+    struct factored {
+        bool by_columns;
+        matrix<T> a;
+        std::vector<T> tau;
+        int order() const { return by_columns ? a.rows() : a.columns(); }
+        int k() const { return std::min(a.rows(), a.columns()); }
+        reflectors<T> q() const { return {by_columns, true, order(), k(), a, tau}; }
+        matrix<E> triangle() const {
+            matrix<E> r(a.rows(), a.columns());
+            for (int j = 0; j < a.columns(); ++j)
+                for (int i = 0; i < a.rows(); ++i)
+                    if (by_columns ? i <= j : i >= j)
+                        r(i, j) = to_exact(a(i, j));
+            return r;
+        }
+    };
+    static factored factor(bool by_columns, bool blocked, matrix<T> a) {
+        std::vector<T> tau(size_t(std::min(a.rows(), a.columns())));
+        std::vector<T> work(size_t(std::max(a.rows(), a.columns())));
+        if (blocked)
+            EXPECT_EQ(call_with_work<T>(by_columns ? routine::geqrf : routine::gelqf, a.rows(),
+                                        a.columns(), a.data(), a.ld(), tau.data()),
+                      0);
+        else
+            EXPECT_EQ(call(by_columns ? routine::geqr2 : routine::gelq2, a.rows(), a.columns(),
+                           a.data(), a.ld(), tau.data(), work.data()),
+                      0);
+        EXPECT_TRUE(a.nothing_between_was_touched());
+        return {by_columns, std::move(a), std::move(tau)};
+    }
+
+    // || A - Q R || / (n || A || u): Q as the product of the computed reflectors.
+    static long double residual(const matrix<T> &a, const factored &got) {
+        matrix<E> qr = got.by_columns ? got.triangle() : adjoint(got.triangle());
+        got.q().apply_left(false, qr);
+        const matrix<E> whole = got.by_columns ? exactly(a) : adjoint(exactly(a));
+        return scaled<T>(one_norm(minus(qr, whole)), got.order(), one_norm(whole));
+    }
+    // Reflectors are unitary, 2 re(tau) = |tau|^2 |v|^2, and take columns to real numbers, as they
+    // are defined.
+    static void expect_reflectors(const factored &got) {
+        const reflectors<T> q = got.q();
+        for (int i = 0; i < got.k(); ++i) {
+            const E tau = to_exact(got.tau[size_t(i)]);
+            exact_part<T> square = 0;
+            for (int row = 0; row < got.order(); ++row)
+                square += std::norm(q.element(row, i));
+            EXPECT_LE(std::abs(2 * std::real(tau) - std::norm(tau) * square),
+                      2 * threshold * got.order() * unit_roundoff<vox::real_of<T>>);
+            EXPECT_EQ(vox::imag(got.a(i, i)), 0);
+        }
+    }
+    static void expect_factors(int m, int n, bool by_columns, bool blocked) {
+        SCOPED_TRACE(testing::Message() << m << " x " << n << (by_columns ? " QR" : " LQ")
+                                        << (blocked ? "" : " unblocked"));
+        const matrix<T> a = random_matrix<T>(m, n, unsigned(m * 1000 + n), 3);
+        const factored got = factor(by_columns, blocked, a);
+        EXPECT_LE(residual(a, got), threshold);
+        expect_reflectors(got);
+    }
+
+    // Q's first vectors, as orgqr and orglq give them.
+    static void expect_q(int order, int count, int k, bool by_columns, bool blocked) {
+        SCOPED_TRACE(testing::Message()
+                     << order << ' ' << count << ' ' << k << ' ' << by_columns << ' ' << blocked);
+        const auto shape = [&](int n) {
+            return by_columns ? random_matrix<T>(order, n, 5, 1) : random_matrix<T>(n, order, 5, 1);
+        };
+        factored given = factor(by_columns, true, shape(k));
+        matrix<T> q = shape(count);
+        for (int j = 0; j < given.a.columns(); ++j)
+            std::copy_n(given.a.column(j), given.a.rows(), q.column(j));
+        std::vector<T> work(size_t(count), T{});
+        if (blocked)
+            EXPECT_EQ(call_with_work<T>(by_columns ? routine::orgqr : routine::orglq, q.rows(),
+                                        q.columns(), k, q.data(), q.ld(), given.tau.data()),
+                      0);
+        else
+            EXPECT_EQ(call(by_columns ? routine::org2r : routine::orgl2, q.rows(), q.columns(), k,
+                           q.data(), q.ld(), given.tau.data(), work.data()),
+                      0);
+        EXPECT_TRUE(q.nothing_between_was_touched());
+        matrix<E> expected(order, count);
+        for (int i = 0; i < count; ++i)
+            expected(i, i) = E(1);
+        given.q().apply_left(false, expected);
+        const matrix<E> got = by_columns ? exactly(q) : adjoint(exactly(q));
+        EXPECT_LE(scaled<T>(one_norm(minus(got, expected)), order, 1), threshold);
+        EXPECT_LE(
+            scaled<T>(one_norm(minus_product(identity<E>(count), adjoint(got), got)), order, 1),
+            threshold);
+    }
+
+    // op(Q) C or C op(Q) with k reflectors in columns or rows.
+    static void expect_products(int order, int others, int k, bool by_columns, bool blocked) {
+        const factored given = factor(by_columns, true,
+                                      by_columns ? random_matrix<T>(order, k, 7, 2)
+                                                 : random_matrix<T>(k, order, 7, 2));
+        const matrix<T> before = given.a;
+        for (char side : {'L', 'R'})
+            for (char trans : {'N', vox::is_complex<T> ? 'C' : 'T'}) {
+                SCOPED_TRACE(testing::Message() << order << ' ' << others << ' ' << k << ' '
+                                                << by_columns << ' ' << blocked << side << trans);
+                const bool left = side == 'L';
+                const matrix<T> c =
+                    random_matrix<T>(left ? order : others, left ? others : order, 9, 1);
+                matrix<T> got = c;
+                std::vector<T> work(size_t(others), T{});
+                if (blocked)
+                    EXPECT_EQ(call_with_work<T>(by_columns ? routine::ormqr : routine::ormlq, side,
+                                                trans, c.rows(), c.columns(), k, given.a.data(),
+                                                given.a.ld(), given.tau.data(), got.data(),
+                                                got.ld()),
+                              0);
+                else
+                    EXPECT_EQ(call(by_columns ? routine::orm2r : routine::orml2, side, trans,
+                                   c.rows(), c.columns(), k, given.a.data(), given.a.ld(),
+                                   given.tau.data(), got.data(), got.ld(), work.data()),
+                              0);
+                // C Q = (Q^H C^H)^H; the Q of LQ is the adjoint of its reflectors' product.
+                matrix<E> expected = left ? exactly(c) : adjoint(exactly(c));
+                given.q().apply_left(((trans != 'N') == left) == by_columns, expected);
+                const matrix<E> is = left ? exactly(got) : adjoint(exactly(got));
+                EXPECT_LE(scaled<T>(one_norm(minus(is, expected)), order, one_norm(expected)),
+                          threshold);
+                EXPECT_TRUE(got.nothing_between_was_touched());
+            }
+        EXPECT_TRUE(before.same_bits(given.a));
+    }
+
+    // Every refusal of memory in turn, and of all of it, leaves what `expect` checks right.
+    template <class Expect>
+    static void without_memory(const Expect &expect) {
+        const auto run = [&](int failing) {
+            SCOPED_TRACE(testing::Message() << "without allocation " << failing);
+            vox_free_buffers();
+            memory_requests = 0;
+            refused_request = failing;
+            expect();
+            refused_request = 0;
+            return int(memory_requests);
+        };
+        const int wanted = run(0);
+        EXPECT_GT(wanted, 0);
+        for (int failing = 1; failing <= wanted; ++failing)
+            run(failing);
+        run(every_request);
+    }
+};
+using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
+TYPED_TEST_SUITE(Qr, types);
+
+// Around vectors, panels' parts and panels; long and wide.
+constexpr std::tuple<int, int> shapes[] = {
+    {1, 1},   {1, 5},   {5, 1},    {2, 2},    {3, 7},     {7, 3},    {8, 8},   {9, 10},
+    {16, 17}, {33, 31}, {48, 48},  {49, 49},  {50, 130},  {130, 50}, {65, 64}, {81, 80},
+    {97, 65}, {65, 97}, {20, 200}, {200, 20}, {129, 128}, {230, 210}};
+
+TYPED_TEST(Qr, FactorsMultiplyToTheMatrix) {
+    for (const auto &[m, n] : shapes)
+        for (bool by_columns : {true, false})
+            for (bool blocked : {true, false})
+                this->expect_factors(m, n, by_columns, blocked);
+}
+
+TYPED_TEST(Qr, ThreadsFactorWhatOneDoes) {
+    const thread_counts counts;
+    counts.set(3);
+    for (bool by_columns : {true, false})
+        this->expect_factors(331, 333, by_columns, true);
+}
+
+TYPED_TEST(Qr, QHasOrthonormalVectors) {
+    for (const auto &[order, count, k] : {std::tuple(1, 1, 1),
+                                          {5, 3, 3},
+                                          {5, 5, 2},
+                                          {9, 9, 0},
+                                          {33, 20, 11},
+                                          {70, 70, 70},
+                                          {140, 130, 100},
+                                          {129, 129, 64},
+                                          {130, 70, 65}})
+        for (bool by_columns : {true, false})
+            for (bool blocked : {true, false})
+                this->expect_q(order, count, k, by_columns, blocked);
+}
+
+TYPED_TEST(Qr, ProductsWithQ) {
+    for (const auto &[order, others, k] : {std::tuple(1, 1, 1),
+                                           {4, 3, 4},
+                                           {17, 1, 9},
+                                           {30, 7, 30},
+                                           {40, 9, 33},
+                                           {129, 5, 100},
+                                           {150, 33, 131}})
+        for (bool by_columns : {true, false})
+            for (bool blocked : {true, false})
+                this->expect_products(order, others, k, by_columns, blocked);
+}
+
+TYPED_TEST(Qr, NoMemoryIsNeeded) {
+    this->without_memory([&] {
+        for (bool by_columns : {true, false}) {
+            this->expect_factors(70, 66, by_columns, true);
+            this->expect_q(70, 60, 50, by_columns, true);
+            this->expect_products(70, 3, 60, by_columns, true);
+            this->expect_products(70, 20, 60, by_columns, true);
+        }
+    });
+}
+
+// T and H of every kind: H(1) .. H(k) or H(k) .. H(1), in columns or in rows.
+TYPED_TEST(Qr, BlocksOfReflectors) {
+    using T = TypeParam;
+    using f = fortran<T>;
+    for (const auto &[n, k, others] :
+         {std::tuple(1, 1, 2), {5, 5, 4}, {9, 1, 3}, {20, 7, 1}, {61, 33, 18}})
+        for (bool forward : {true, false})
+            for (bool by_columns : {true, false}) {
+                const matrix<T> v =
+                    by_columns ? random_matrix<T>(n, k, 3, 1) : random_matrix<T>(k, n, 3, 1);
+                std::vector<T> tau(size_t(k), T{});
+                reflectors<T> h = {by_columns, forward, n, k, v, tau};
+                for (int i = 0; i < k; ++i) { // some unitary ones, and an identity
+                    exact_part<T> square = 0;
+                    for (int row = 0; row < n; ++row)
+                        square += std::norm(h.element(row, i));
+                    tau[size_t(i)] = i == 2 ? T{} : vox::make<T>(vox::real_of<T>(2 / square));
+                }
+                const char direct = forward ? 'F' : 'B', storev = by_columns ? 'C' : 'R';
+                matrix<T> t(k, k, 1);
+                call_quiet(f::larft, direct, storev, n, k, v.data(), v.ld(), tau.data(), t.data(),
+                           t.ld());
+                for (char side : {'L', 'R'})
+                    for (char trans : {'N', vox::is_complex<T> ? 'C' : 'T'}) {
+                        const bool left = side == 'L';
+                        const matrix<T> c =
+                            random_matrix<T>(left ? n : others, left ? others : n, 4, 1);
+                        matrix<T> got = c;
+                        const int ldwork = others + 1;
+                        std::vector<T> work(size_t(ldwork * k));
+                        call_quiet(f::larfb, side, trans, direct, storev, c.rows(), c.columns(), k,
+                                   v.data(), v.ld(), t.data(), t.ld(), got.data(), got.ld(),
+                                   work.data(), ldwork);
+                        auto expected = left ? exactly(c) : adjoint(exactly(c));
+                        h.apply_left((trans != 'N') == left, expected);
+                        const auto is = left ? exactly(got) : adjoint(exactly(got));
+                        EXPECT_LE(scaled<T>(one_norm(minus(is, expected)), n, one_norm(expected)),
+                                  threshold)
+                            << n << ' ' << k << direct << storev << side << trans;
+                        EXPECT_TRUE(got.nothing_between_was_touched());
+                    }
+            }
+}
+
+// One reflector from (alpha, x): its beta has their length, wherever that lies in the range.
+TYPED_TEST(Qr, ReflectorsOfAnyLength) {
+    using T = TypeParam;
+    using R = vox::real_of<T>;
+    using limits = std::numeric_limits<R>;
+    for (R scale : {R(1), limits::min() * 8, limits::denorm_min() * 4096, limits::max() / 64,
+                    R(std::sqrt(limits::min())), R(std::sqrt(limits::max()))})
+        for (int n : {1, 2, 3, 20})
+            for (vox_int inc : {1, 3}) {
+                matrix<T> x = random_matrix<T>(1 + n * inc, 1, unsigned(n));
+                for (int i = 0; i < x.rows(); ++i)
+                    x(i, 0) = vox::make<T>(vox::real(x(i, 0)) * scale, vox::imag(x(i, 0)) * scale);
+                matrix<T> got = x;
+                T tau{};
+                call_quiet(fortran<T>::larfg, n, got.data(), got.data() + 1, inc, &tau);
+                long double square = 0, v = 1, worst = 0;
+                for (int i = 0; i < n; ++i) {
+                    const int at = i ? 1 + (i - 1) * inc : 0;
+                    square += std::norm(widen(x(at, 0)) / (long double)(scale));
+                    if (i)
+                        v += std::norm(widen(got(at, 0)));
+                }
+                const long double beta = vox::real(got(0, 0));
+                if (n == 1 && !vox::is_complex<T>) {
+                    EXPECT_EQ(vox::real(tau), 0);
+                    continue;
+                }
+                // Numbers that have no digits to lose carry them; subnormal ones have fewer.
+                const long double u = unit_roundoff<R>,
+                                  tiny = limits::denorm_min() / (long double)(scale);
+                EXPECT_NEAR(std::fabs(beta) / scale, std::sqrt(square),
+                            (8 + n) * (u * std::sqrt(square) + tiny));
+                EXPECT_LE(beta * vox::real(x(0, 0)), 0);
+                const long double re = vox::real(tau), im = vox::imag(tau);
+                EXPECT_NEAR(2 * re, (re * re + im * im) * v, 10 * (8 + n) * (u + tiny));
+                // H^H x = (beta, 0): x_i = v_i conj(tau) (v^H x) for all but the first.
+                wide<T> sum = widen(x(0, 0)) / (long double)(scale);
+                for (int i = 1; i < n; ++i)
+                    sum += conjugate(widen(got(1 + (i - 1) * inc, 0))) *
+                           (widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale));
+                sum *= conjugate(widen(tau));
+                for (int i = 1; i < n; ++i)
+                    worst = std::max(
+                        worst, std::abs(widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale)-sum *
+                                        widen(got(1 + (i - 1) * inc, 0))));
+                EXPECT_LE(worst, 10 * (8 + n) * std::sqrt(square) * (u + tiny));
+            }
+}
+
+// Columns of zeros, lone elements, the ends of the range: the careful way takes over inside a panel.
+TYPED_TEST(Qr, BadlyScaledColumns) {
+    using T = TypeParam;
+    using R = vox::real_of<T>;
+    using limits = std::numeric_limits<R>;
+    for (int n : {12, 70})
+        for (bool by_columns : {true, false}) {
+            matrix<T> a = random_matrix<T>(n, n, 11);
+            const R scales[] = {1, 0, limits::min() * 4, 1, limits::max() / 512};
+            for (int j = 0; j < n; ++j)
+                for (int i = 0; i < n; ++i) {
+                    const R s = scales[(by_columns ? j : i) % 5];
+                    a(i, j) = vox::make<T>(vox::real(a(i, j)) * s, vox::imag(a(i, j)) * s);
+                }
+            const auto got = this->factor(by_columns, true, a);
+            this->expect_reflectors(got);
+            // Column by column: the bound is each column's own.
+            auto qr = by_columns ? got.triangle() : adjoint(got.triangle());
+            got.q().apply_left(false, qr);
+            const auto whole = by_columns ? exactly(a) : adjoint(exactly(a));
+            for (int j = 0; j < n; ++j) {
+                long double difference = 0, norm = 0;
+                for (int i = 0; i < n; ++i) {
+                    difference += std::abs(std::complex<long double>(qr(i, j)) -
+                                           std::complex<long double>(whole(i, j)));
+                    norm += std::abs(std::complex<long double>(whole(i, j)));
+                }
+                EXPECT_LE(difference,
+                          threshold * n * (norm * unit_roundoff<R> + limits::denorm_min()))
+                    << n << ' ' << j;
+            }
+        }
+}
+
+TYPED_TEST(Qr, NanAndInfinityTerminate) {
+    using T = TypeParam;
+    using R = vox::real_of<T>;
+    for (R bad : {std::numeric_limits<R>::quiet_NaN(), std::numeric_limits<R>::infinity()})
+        for (int n : {3, 9, 60, 100})
+            for (bool by_columns : {true, false})
+                for (int at : {0, n / 2, n - 1}) {
+                    matrix<T> a = random_matrix<T>(n, n, 2);
+                    a(at, at / 2) = vox::make<T>(bad);
+                    const auto got = this->factor(by_columns, true, a);
+                    bool seen = false;
+                    for (int j = 0; j < n; ++j)
+                        for (int i = 0; i < n; ++i)
+                            seen |= !std::isfinite(vox::real(got.a(i, j)));
+                    EXPECT_TRUE(seen);
+                }
+}
+
+// A P = Q R.
+template <class T>
+struct pivoted {
+    matrix<T> a;
+    std::vector<vox_int> jpvt;
+    std::vector<T> tau;
+
+    pivoted(const matrix<T> &given, std::vector<vox_int> fixed)
+        : a(given), jpvt(std::move(fixed)), tau(size_t(std::min(a.rows(), a.columns()))) {
+        const int n = a.columns();
+        std::vector<vox::real_of<T>> rwork(size_t(2 * n));
+        T best{};
+        const auto run = [&](T *work, vox_int lwork) {
+            if constexpr (vox::is_complex<T>)
+                return call(fortran<T>::geqp3, a.rows(), n, a.data(), a.ld(), jpvt.data(),
+                            tau.data(), work, lwork, rwork.data());
+            else
+                return call(fortran<T>::geqp3, a.rows(), n, a.data(), a.ld(), jpvt.data(),
+                            tau.data(), work, lwork);
+        };
+        EXPECT_EQ(run(&best, -1), 0);
+        std::vector<T> work(size_t(vox::real(best)));
+        EXPECT_EQ(run(work.data(), vox_int(work.size())), 0);
+        EXPECT_TRUE(a.nothing_between_was_touched());
+    }
+    long double residual(const matrix<T> &given) const {
+        matrix<exact<T>> qr(a.rows(), a.columns()), permuted = qr;
+        for (int j = 0; j < a.columns(); ++j)
+            for (int i = 0; i < a.rows(); ++i) {
+                permuted(i, j) = to_exact(given(i, jpvt[size_t(j)] - 1));
+                if (i <= j)
+                    qr(i, j) = to_exact(a(i, j));
+            }
+        reflectors<T>{true, true, a.rows(), int(tau.size()), a, tau}.apply_left(false, qr);
+        return scaled<T>(one_norm(minus(qr, permuted)), std::max(a.rows(), a.columns()),
+                         one_norm(permuted));
+    }
+    // Of what is left, the longest column stands first: |r_kk|^2 >= sum_{k <= i <= j} |r_ij|^2.
+    void expect_longest_first(int from) const {
+        for (int k = from; k < int(tau.size()); ++k)
+            for (int j = k; j < a.columns(); ++j) {
+                long double square = 0;
+                for (int i = k; i <= std::min(j, a.rows() - 1); ++i)
+                    square += std::norm(widen(a(i, j)));
+                const long double first = std::abs(widen(a(k, k)));
+                EXPECT_LE(std::sqrt(square),
+                          first * (1 + 100 * std::sqrt(unit_roundoff<vox::real_of<T>>)))
+                    << k << ' ' << j;
+            }
+    }
+};
+
+TYPED_TEST(Qr, PivotingPutsTheLongestColumnFirst) {
+    using T = TypeParam;
+    for (const auto &[m, n] : shapes) {
+        SCOPED_TRACE(testing::Message() << m << " x " << n);
+        const matrix<T> a = random_matrix<T>(m, n, unsigned(n), 1);
+        const pivoted<T> got(a, std::vector<vox_int>(size_t(n), 0));
+        EXPECT_LE(got.residual(a), threshold);
+        got.expect_longest_first(0);
+    }
+}
+
+TYPED_TEST(Qr, PivotingLeavesFixedColumnsInFront) {
+    using T = TypeParam;
+    for (const auto &[m, n] : {std::tuple(6, 9), {9, 6}, {120, 110}, {10, 40}}) {
+        const matrix<T> a = random_matrix<T>(m, n, 21);
+        std::vector<vox_int> fixed(size_t(n), 0);
+        fixed[1] = 5, fixed[4] = -1, fixed[size_t(n) - 1] = 1;
+        const pivoted<T> got(a, fixed);
+        EXPECT_LE(got.residual(a), threshold);
+        EXPECT_EQ(got.jpvt[0], 2);
+        EXPECT_EQ(got.jpvt[1], 5);
+        EXPECT_EQ(got.jpvt[2], n);
+        got.expect_longest_first(3);
+    }
+}
+
+// Columns that nearly depend on each other: norms that are brought up to date lose all digits here, and
+// the rank shows only if they are computed anew.
+TYPED_TEST(Qr, PivotingShowsTheRank) {
+    using T = TypeParam;
+    using R = vox::real_of<T>;
+    for (int n : {30, 150}) {
+        const int rank = n / 3;
+        const matrix<T> x = random_matrix<T>(n, rank, 1), y = random_matrix<T>(rank, n, 2);
+        const auto product = times(exactly(x), exactly(y));
+        matrix<T> a(n, n);
+        for (int j = 0; j < n; ++j)
+            for (int i = 0; i < n; ++i)
+                a(i, j) = vox::make<T>(R(std::real(product(i, j))), R(std::imag(product(i, j))));
+        const pivoted<T> got(a, std::vector<vox_int>(size_t(n), 0));
+        EXPECT_LE(got.residual(a), threshold);
+        const long double first = std::abs(widen(got.a(0, 0)));
+        EXPECT_GT(std::abs(widen(got.a(rank - 1, rank - 1))), 1e-4L * first);
+        for (int i = rank; i < n; ++i)
+            EXPECT_LE(std::abs(widen(got.a(i, i))), threshold * n * unit_roundoff<R> * first) << i;
+        // and among the rest, which is noise, too
+        got.expect_longest_first(0);
+    }
+}
+
+TYPED_TEST(Qr, EmptyMatricesAndQueries) {
+    using T = TypeParam;
+    using f = fortran<T>;
+    T work{}, memory[4] = {}, *const nothing = memory;
+    for (const auto &[m, n] : {std::tuple(0, 0), {0, 3}, {3, 0}}) {
+        EXPECT_EQ(call_with_work<T>(f::geqrf, m, n, nothing, 3, nothing), 0);
+        EXPECT_EQ(call_with_work<T>(f::gelqf, m, n, nothing, 3, nothing), 0);
+        EXPECT_EQ(call_with_work<T>(f::ormqr, 'L', 'N', m, n, 0, nothing, 3, nothing, nothing, 3),
+                  0);
+    }
+    for (const auto &[m, n] : {std::tuple(100, 30), {30, 100}}) { // nothing but work is looked at
+        EXPECT_EQ(call(f::geqrf, m, n, nothing, m, nothing, &work, -1), 0);
+        EXPECT_GE(vox::real(work), n);
+        EXPECT_EQ(call(f::gelqf, m, n, nothing, m, nothing, &work, -1), 0);
+        EXPECT_GE(vox::real(work), m);
+    }
+}
+
+} // namespace
