@@ -17,7 +17,7 @@ CMAKE_ARGS ?=
 
 # Run by `make run` and `make bench`, in this order: <folder>/<CMake target>.
 RUN := tools/vox-info examples/first_dot
-BENCH ?= bench/peers/peers_blas bench/peers/peers_trans bench/blas/bench_gemm_relatives bench/serv/bench_startup \
+BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives bench/serv/bench_startup \
          bench/serv/bench_pool
 
 RELEASE := cmake --build build -j $(JOBS)

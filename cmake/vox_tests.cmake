@@ -1,6 +1,7 @@
 # vox_register_test(<test> <command> [labels...]), and vox_register_test_per_path: the same once per code
 # path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that this machine
-# can run, all are tested; def and the last, which is the best, by what is labelled "slow". Sanitizers
+# can run, all are tested; def and the last, which is the best, by what is labelled "slow", or "driver" for
+# code that is the same on all paths and calls kernels with tests of their own. Sanitizers
 # take their time: with one, it is those that it looks at (cmake/code_paths.cmake), and the best alone for
 # what is slow.
 #
@@ -83,7 +84,7 @@ function(vox_register_test test command)
 endfunction()
 
 function(vox_register_test_per_path test command)
-  if("slow" IN_LIST ARGN)
+  if("slow" IN_LIST ARGN OR "driver" IN_LIST ARGN)
     set(paths ${VOX_SLOWLY_TESTED_PATHS})
   else()
     set(paths ${VOX_TESTED_PATHS})

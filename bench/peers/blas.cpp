@@ -30,15 +30,14 @@
 #include "bench/peers/operands.hpp"
 #include "bench/peers/peak.hpp"
 #include "bench/peers/peers.hpp"
+#include "bench/peers/report.hpp"
 #include "bench/peers/routines.hpp"
-#include "bench/peers/summary.hpp"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <sstream>
 
 namespace {
 
@@ -71,14 +70,6 @@ struct options {
     std::exit(2);
 }
 
-std::vector<std::string> split(const std::string &list) {
-    std::vector<std::string> words;
-    std::istringstream text(list);
-    for (std::string word; std::getline(text, word, ',');)
-        words.push_back(word);
-    return words;
-}
-
 bool chosen(const options &o, const peers::routine &r) {
     if (o.level && r.level() != o.level)
         return false;
@@ -108,15 +99,15 @@ options parse(int argc, char **argv) {
             return argv[i];
         };
         if (name == "--routine")
-            o.names = split(value());
+            o.names = peers::split(value());
         else if (name == "--types")
             o.types = value();
         else if (name == "--n")
-            for (const std::string &n : split(value()))
+            for (const std::string &n : peers::split(value()))
                 o.sizes.push_back(std::max(1L, std::atol(n.c_str())));
         else if (name == "--shapes") {
             const std::string list = value();
-            for (const std::string &shape : split(list == "default" ? default_shapes : list))
+            for (const std::string &shape : peers::split(list == "default" ? default_shapes : list))
                 o.shapes.push_back(shape_of(shape));
             o.level = 3;
         } else if (name == "--level")
@@ -236,72 +227,36 @@ std::string disagreement(const peers::test_case &c, const std::vector<peers::lib
     return differences;
 }
 
-// What one case comes to: a time for each library, 0 where it takes no part, and the operations per
-// second that the processor can do (level 3).
-struct result {
-    std::vector<double> times;
-    double peak = 0;
-
-    double ratio() const {
-        double best = 1e300;
-        for (size_t i = 1; i < times.size(); ++i)
-            if (times[i] > 0)
-                best = std::min(best, times[i]);
-        return best / times[0];
-    }
-    double share(const peers::test_case &c) const {
-        return peak > 0 ? 100 * c.what->flops(c.type, c.size) / times[0] / peak : 0;
-    }
-};
-
-result measure(const peers::test_case &c, const std::vector<peers::library> &libraries,
-               peers::memory &operands, const options &o) {
+peers::measured measure(const peers::test_case &c, const std::vector<peers::library> &libraries,
+                        peers::memory &operands, const options &o) {
     const peers::effort effort = o.quick ? peers::effort{0.015, 0.1} : peers::effort{0.06, 0.5};
+    const bool arithmetic = c.what->level() == 3;
     std::vector<void *> functions;
     for (const peers::library &l : libraries)
         if (has(l, c))
             functions.push_back(l.find(symbol_of(c)));
     const auto peak = [&] {
-        if (c.what->level() < 3)
-            return 0.0;
-        return o.threads * peers::peak_flops(peers::path_of(libraries[0]), c.type % 2 == 1);
+        return arithmetic
+                   ? o.threads * peers::peak_flops(peers::path_of(libraries[0]), c.type % 2 == 1)
+                   : 0.0;
     };
-    result r;
-    r.peak = peak();
+    const double peak_before = peak();
     const std::vector<double> times = peers::seconds(c, functions, operands, effort);
-    r.peak = std::max(r.peak, peak());
+    const double peak_now = std::max(peak_before, peak());
+    peers::measured m{
+        c.what->name, peers::case_name(*c.what, c.type), c.type, c.size.text(), 0, {}};
     auto next = times.begin();
     for (const peers::library &l : libraries)
-        r.times.push_back(has(l, c) ? *next++ : 0);
-    return r;
-}
-
-void print_header(const peers::test_case &c, const std::vector<peers::library> &libraries) {
-    std::printf("\n%-14s", peers::case_name(*c.what, c.type).c_str());
-    for (const peers::library &l : libraries)
-        std::printf("%21s", l.name.c_str());
-    if (c.what->level() < 3)
-        std::printf("%10s%8s   times in ns\n", "GB/s", "ratio");
-    else
-        std::printf("%10s%8s%8s   times in ns\n", "Gflop/s", "ratio", "peak%");
-}
-
-void print_line(const peers::test_case &c, const result &r) {
-    std::printf("%14s", c.size.text().c_str());
-    for (double t : r.times)
-        if (t > 0)
-            std::printf("%21.1f", t * 1e9);
-        else
-            std::printf("%21s", "-");
-    if (c.what->level() < 3)
-        std::printf("%10.1f%8.2f\n",
-                    peers::traffic(*c.what, c.size) * double(element_sizes[c.type]) / r.times[0] *
-                        1e-9,
-                    r.ratio());
-    else
-        std::printf("%10.1f%8.2f%8.1f\n", c.what->flops(c.type, c.size) / r.times[0] * 1e-9,
-                    r.ratio(), r.share(c));
-    std::fflush(stdout);
+        m.times.push_back(has(l, c) ? *next++ : 0);
+    const double work = arithmetic
+                            ? c.what->flops(c.type, c.size)
+                            : peers::traffic(*c.what, c.size) * double(element_sizes[c.type]);
+    m.rate = work / m.times[0] * 1e-9;
+    if (arithmetic) {
+        m.share = 100 * work / m.times[0] / peak_now;
+        m.large = c.what->operations(c.size) >= c.what->operations({500, 500, 500});
+    }
+    return m;
 }
 
 } // namespace
@@ -343,15 +298,15 @@ int main(int argc, char **argv) {
             continue;
         }
         if (!o.summary)
-            print_header(group[0], libraries);
+            peers::print_header(name, libraries, group[0].what->level() < 3 ? "GB/s" : "Gflop/s",
+                                group[0].what->level() == 3);
         for (const peers::test_case &c : group) {
             if (const std::string why = disagreement(c, libraries, reference, memories);
                 !why.empty())
                 fail(name + ", n = " + c.size.text(), why);
-            const result r = measure(c, libraries, operands, o);
-            all.push_back({c.what, c.type, c.size, r.ratio(), r.share(c)});
+            all.push_back(measure(c, libraries, operands, o));
             if (!o.summary)
-                print_line(c, r);
+                peers::print_line(all.back());
         }
     }
     if (!all.empty()) {

@@ -1,45 +1,26 @@
 // operands.cpp - see operands.hpp.
 #include "bench/peers/operands.hpp"
 
+#include "bench/peers/types.hpp"
+
 #include <cmath>
-#include <complex>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <type_traits>
 #include <utility>
 
 namespace {
 
 using peers::arg;
+using peers::is_complex;
+using peers::make;
+using peers::real_of;
 using peers::returned;
 using peers::storage;
 using peers::test_case;
 
-template <class T>
-struct real_part {
-    using type = T;
-};
-template <class T>
-struct real_part<std::complex<T>> {
-    using type = T;
-};
-template <class T>
-using real_of = typename real_part<T>::type;
-template <class T>
-constexpr bool is_complex = !std::is_same_v<T, real_of<T>>;
-
-template <class T>
-T make(double re, double im) {
-    if constexpr (is_complex<T>)
-        return {real_of<T>(re), real_of<T>(im)};
-    else
-        return T(re);
-}
-
 // Reproducible and of one sign, so that sums do not cancel: from 1/4 to 5/4.
-double value(uint64_t i) { return 0.25 + double(uint32_t(i * 2654435761U + 12345) >> 8) * 0x1p-24; }
+double value(uint64_t i) { return 0.25 + peers::fraction(i); }
 template <class T>
 T element(uint64_t i) {
     return make<T>(value(2 * i), value(2 * i + 1) / 2);
@@ -303,20 +284,6 @@ bool agree_in(const test_case &c, void *const functions[2], peers::memory *const
             return false;
         }
     return true;
-}
-
-template <class Body>
-auto with_type(size_t type, const Body &body) {
-    switch (type) {
-    case 0:
-        return body(float());
-    case 1:
-        return body(double());
-    case 2:
-        return body(std::complex<float>());
-    default:
-        return body(std::complex<double>());
-    }
 }
 
 // Blocks begin at a page. At the same offset in their pages, a store to one would delay a load from

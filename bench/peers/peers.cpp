@@ -7,6 +7,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <immintrin.h>
+#include <sstream>
 #include <thread>
 #include <unistd.h>
 
@@ -91,7 +92,8 @@ peers::library open_vox(std::string name, const code_path &path, int threads) {
         setenv("VOX_CPU_VENDOR", "ANY", 1);
     else
         setenv("VOX_DEBUG_CPU_TYPE", std::to_string(path.type).c_str(), 1);
-    peers::library vox(std::move(name), open_copy(VOX_LIBRARY));
+    const char *const file = std::getenv("PEERS_VOX");
+    peers::library vox(std::move(name), open_copy(file ? file : VOX_LIBRARY));
     if (path.type >= 0 && peers::path_of(vox) != path.type)
         fail(std::string("this machine does not run the code path ") + path.name);
     const int available = function<int()>(vox, "vox_get_max_threads")();
@@ -127,6 +129,14 @@ __attribute__((target("avx2"))) double sum_of(const double *p, size_t n) {
 
 void *peers::library::find(const std::string &symbol) const {
     return dlsym(handle_, symbol.c_str());
+}
+
+std::vector<std::string> peers::split(const std::string &list) {
+    std::vector<std::string> words;
+    std::istringstream text(list);
+    for (std::string word; std::getline(text, word, ',');)
+        words.push_back(word);
+    return words;
 }
 
 std::vector<peers::library> peers::open_libraries(const std::string &name, int threads) {

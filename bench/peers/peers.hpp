@@ -28,7 +28,11 @@ class library {
     void *handle_;
 };
 
-// This library first, on the named code path ("best": the machine's), then each peer that is
+// The letters that begin the names of routines in single, double, complex and double complex.
+constexpr char type_letters[] = "sdcz";
+
+// This library first, on the named code path ("best": the machine's), as it was built here or as the
+// environment variable PEERS_VOX names its file; then each peer that is
 // installed, held to the same instructions. Ends the process with a message if that cannot be had.
 std::vector<library> open_libraries(const std::string &path, int threads);
 
@@ -40,6 +44,9 @@ std::vector<library> open_thread_counts(const std::string &path, int threads);
 
 // The reference implementation, if it is installed: not to be raced, but to ask when results differ.
 std::vector<library> open_reference();
+
+// The words of a list with commas.
+std::vector<std::string> split(const std::string &list);
 
 // Seconds spent on one case: at least `enough`; then until each candidate has come three times
 // within 2% of its best, at most `limit`. At least five rounds, or two if they take more than four
@@ -69,21 +76,21 @@ struct shortest {
     bool settled() const { return times[2] <= 1.02 * times[0]; }
 };
 
-// Best seconds per call of each candidate; call(c) makes one call of candidate c. The machine may
-// be shared and noisy: the candidates take turns, round after round, and each one's best round
-// counts, for noise only ever adds time.
-template <class Call>
-std::vector<double> best_times(size_t candidates, effort allowed, const Call &call) {
+// Best seconds per call of each candidate; timed(count, c) makes count calls of candidate c and gives
+// the seconds per call. The machine may be shared and noisy: the candidates take turns, round after
+// round, and each one's best round counts, for noise only ever adds time.
+template <class Timed>
+std::vector<double> best_rounds(size_t candidates, effort allowed, const Timed &timed) {
     using clock = std::chrono::steady_clock;
     const auto start = clock::now();
     long count = 1;
-    while (seconds_per_call(count, [&] { call(0); }) * double(count) < 2e-4)
+    while (timed(count, 0) * double(count) < 2e-4)
         count *= 2;
     std::vector<shortest> found(candidates);
     for (size_t round = 0;; ++round) {
         for (size_t turn = 0; turn < candidates; ++turn) {
             const size_t c = (round + turn) % candidates;
-            found[c].add(seconds_per_call(count, [&] { call(c); }));
+            found[c].add(timed(count, c));
         }
         const double spent = std::chrono::duration<double>(clock::now() - start).count();
         const bool settled =
@@ -96,6 +103,14 @@ std::vector<double> best_times(size_t candidates, effort allowed, const Call &ca
     for (const shortest &s : found)
         best.push_back(s.times[0]);
     return best;
+}
+
+// The same of call(c), which may be repeated on its own results.
+template <class Call>
+std::vector<double> best_times(size_t candidates, effort allowed, const Call &call) {
+    return best_rounds(candidates, allowed, [&](long count, size_t c) {
+        return seconds_per_call(count, [&] { call(c); });
+    });
 }
 
 // Bytes per second of a loop that only reads, over a block of this size, by so many threads.

@@ -129,3 +129,9 @@ double peers::traffic(const routine &r, const extents &size) {
                                                                    : double(r.elements(a, size));
     return r.passes * read_or_written;
 }
+
+std::string peers::case_name(const routine &r, size_t type) {
+    const std::string symbol = r.symbols[type], name = r.name;
+    const size_t mark = name.find('_');
+    return mark == std::string::npos ? symbol : symbol + name.substr(mark);
+}

@@ -77,9 +77,10 @@ struct routine {
     double flops(size_t type, const extents &size) const;
 };
 
-constexpr char type_letters[] = "sdcz";
-
 std::span<const routine> routines();
+
+// The name in one type, as "dgemv_n".
+std::string case_name(const routine &r, size_t type);
 
 // Elements that a call reads and writes, operands of lower order neglected.
 double traffic(const routine &r, const extents &size);

@@ -16,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <sstream>
 
 namespace {
 
@@ -166,11 +165,10 @@ options parse(int argc, char **argv) {
             o.path = argv[++i];
         else if (name == "--threads" && !last)
             o.threads = std::atoi(argv[++i]);
-        else if (name == "--n" && !last) {
-            std::istringstream list(argv[++i]);
-            for (std::string n; std::getline(list, n, ',');)
+        else if (name == "--n" && !last)
+            for (const std::string &n : peers::split(argv[++i]))
                 o.squares.push_back(std::max(1, std::atoi(n.c_str())));
-        } else {
+        else {
             std::fprintf(stderr, "see the first lines of bench/peers/trans.cpp for the options\n");
             std::exit(2);
         }
