@@ -32,7 +32,8 @@ template <class T>
 class argument_check {
   public:
     int bad() const { return bad_; }
-    const caller_pivots &pivots() const { return pivots_; }
+    // None for a query, which looks at nothing.
+    caller_pivots pivots() const { return is_query_ ? caller_pivots{} : pivots_; }
 
 #define VOX_ELEMENT [[gnu::always_inline]] void
 
@@ -105,7 +106,8 @@ class argument_check {
 
     VOX_ELEMENT queried(const void *, index_t length, index_t least) {
         next(false);
-        next(length < least && length != -1);
+        is_query_ = length == -1;
+        next(length < least && !is_query_);
     }
     VOX_ELEMENT space(const void *, index_t) { next(false); }
     VOX_ELEMENT real_space(const void *, index_t) { next(false); }
@@ -132,6 +134,7 @@ class argument_check {
 
     int position_ = 0, bad_ = 0;
     caller_pivots pivots_{};
+    bool is_query_ = false;
 };
 
 } // namespace vox::lapack

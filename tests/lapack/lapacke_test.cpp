@@ -427,6 +427,25 @@ TYPED_TEST(LapackeForms, WithoutMemoryTheyReportAndTouchNothing) {
     }
 }
 
+// More than 16 pivots have a list of their own inside.
+TEST(LapackeErrors, WithoutMemoryForPivotsNothingIsTouched) {
+    std::vector<double> a(n * n, 1), untouched = a;
+    vox_int pivots[n] = {77};
+    for (int layout : {LAPACK_COL_MAJOR, LAPACK_ROW_MAJOR}) {
+        vox_thread_free_buffers();
+        test::memory_requests = 0;
+        test::refused_request = layout == LAPACK_ROW_MAJOR ? 2 : 1;
+        ::testing::internal::CaptureStdout();
+        const vox_int info = LAPACKE_dgetrf(layout, n, n, a.data(), n, pivots);
+        const std::string text = ::testing::internal::GetCapturedStdout();
+        test::refused_request = 0;
+        EXPECT_EQ(info, LAPACK_WORK_MEMORY_ERROR);
+        EXPECT_NE(text.find("DGETRF"), std::string::npos) << text;
+        EXPECT_EQ(a, untouched);
+        EXPECT_EQ(pivots[0], 77);
+    }
+}
+
 // Errors that the Fortran form finds: its number and one for the layout.
 TEST(LapackeErrors, NumbersCountTheLayout) {
     double a[4] = {1, 0, 0, 1}, b[2] = {1, 1};
