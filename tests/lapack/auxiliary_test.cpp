@@ -153,6 +153,38 @@ TYPED_TEST(Auxiliary, ScalesWithoutOverflowOnTheWay) {
         }
 }
 
+// The first bad argument in the order in which LAPACK looks at them: widths of bands and the leading
+// dimension, whose least depends on the type, come last.
+TEST(Scaling, RefusesWrongArguments) {
+    static vox_int reported;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        char type;
+        vox_int kl, ku;
+        double from, to;
+        vox_int m, n, lda, info;
+    } cases[] = {
+        {'X', 0, 0, 0, nan, -1, -1, 0, -1}, {'G', 0, 0, 0, nan, -1, -1, 0, -4},
+        {'G', 0, 0, nan, 1, 2, 2, 2, -4},   {'G', 0, 0, 1, nan, -1, -1, 0, -5},
+        {'G', 0, 0, 1, 1, -1, -1, 0, -6},   {'G', 0, 0, 1, 1, 0, -1, 0, -7},
+        {'B', -1, 0, 1, 1, 3, 2, 0, -7},    {'Q', 0, 0, 1, 1, 2, 3, 3, -7},
+        {'H', -1, -1, 1, 1, 2, 3, 1, -9},   {'L', 0, 0, 1, 1, 0, 0, 0, -9},
+        {'B', -1, 9, 1, 1, 3, 3, 0, -2},    {'Z', 3, -1, 1, 1, 3, 5, 0, -2},
+        {'Q', 1, 2, 1, 1, 3, 3, 0, -3},     {'Z', 1, 5, 1, 1, 3, 5, 0, -3},
+        {'B', 2, 2, 1, 1, 3, 3, 2, -9},     {'Q', 2, 2, 1, 1, 3, 3, 2, -9},
+        {'Z', 2, 1, 1, 1, 3, 5, 5, -9},     {'Z', 2, 1, 1, 2, 3, 5, 6, 0},
+    };
+    vox_set_xerbla([](const char *, const vox_int *code, int) { reported = *code; });
+    for (const auto &c : cases) {
+        std::vector<double> a(30, 1.0);
+        reported = 0;
+        EXPECT_EQ(lascl(c.type, c.kl, c.ku, c.from, c.to, c.m, c.n, a.data(), c.lda), c.info);
+        EXPECT_EQ(reported, -c.info) << c.type;
+        EXPECT_EQ(a == std::vector<double>(30, 1.0), c.info != 0);
+    }
+    vox_set_xerbla(nullptr);
+}
+
 // Numbers of all sizes, of both signs, complex ones with parts of different size.
 template <class T>
 std::vector<T> numbers() {
