@@ -14,11 +14,15 @@ struct interchanges {
     index_t pivot_step;
 };
 
-template <int Columns, class T>
+// Ahead: so many columns further on, what will be exchanged there is fetched meanwhile.
+template <int Columns, int Ahead, class T>
 void exchange(const interchanges &all, T *a, index_t lda) {
     const index_t *pivot = all.pivots;
     for (index_t i = all.first; i != all.last; i += all.step, pivot += all.pivot_step) {
         T *const x = a + i, *const y = a + *pivot - 1;
+        if (Ahead > 0)
+            for (int c = 0; c < Columns; ++c)
+                __builtin_prefetch(y + (c + Ahead) * lda, 0, 2);
         if (x != y)
             for (int c = 0; c < Columns; ++c) {
                 const T kept = x[c * lda];
@@ -28,12 +32,19 @@ void exchange(const interchanges &all, T *a, index_t lda) {
     }
 }
 
+// Beyond the second-level cache columns are fetched ahead.
+constexpr index_t far_bytes = 512 * 1024;
+
 template <class T>
 void exchange(const interchanges &all, index_t n, T *a, index_t lda) {
+    const index_t rows = (all.last - all.first) * all.step;
+    if (rows * n * index_t(sizeof(T)) >= far_bytes)
+        for (; n >= 6; n -= 2, a += 2 * lda)
+            exchange<2, 4>(all, a, lda);
     for (; n >= 4; n -= 4, a += 4 * lda)
-        exchange<4>(all, a, lda);
+        exchange<4, 0>(all, a, lda);
     for (; n > 0; --n, a += lda)
-        exchange<1>(all, a, lda);
+        exchange<1, 0>(all, a, lda);
 }
 
 } // namespace
