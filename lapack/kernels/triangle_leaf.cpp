@@ -32,7 +32,8 @@ struct planes {
     using R = real_of<T>;
     static constexpr index_t most = vox::lapack::triangle_leaf<T>;
     // A strip: the rows whose sums for `width` columns are in registers.
-    static constexpr int vectors = is_complex<T> || vector_bytes == 64 ? 1 : 2, strip = vectors * lanes<R>;
+    static constexpr int vectors = is_complex<T> || vector_bytes == 64 ? 1 : 2,
+                         strip = vectors * lanes<R>;
     static_assert(most % strip == 0 && most % width == 0);
 
     alignas(64) R re[most * most];
@@ -214,7 +215,8 @@ VOX_INLINE index_t strip_of(index_t j) {
 // minor of the corner that is not positive, or 0; what precedes it is then in the planes.
 //
 // From one pivot d to the next leads a division only: x being a column of L times the root of d, the
-// products of L's elements are those of x and x / d. A subnormal d has no reciprocal.
+// products of L's elements are those of x and x / d. A subnormal d has no reciprocal, and infinity's
+// does not give the root's.
 template <class T>
 VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &c,
                              real_of<T> (&diagonal)[width]) {
@@ -227,6 +229,7 @@ VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &
         });
     });
     int bad = 0;
+    R refused{};
     unroll<width>([&](auto q) VOX_INLINED {
         if (bad || j + q >= order) {
             c.reciprocal[q] = make<T>(1), diagonal[q] = 1;
@@ -235,12 +238,13 @@ VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &
         const R d = real(x[q][q]);
         if (!(d > 0)) { // or not a number
             bad = q + 1;
+            refused = d;
             return;
         }
         diagonal[q] = sizeof(d) == 4 ? __builtin_sqrtf(d) : __builtin_sqrt(d);
         const R inverse = 1 / d;
-        const bool subnormal = d < std::numeric_limits<R>::min();
-        const R reciprocal = subnormal ? 1 / diagonal[q] : diagonal[q] * inverse;
+        const bool extreme = !(d >= std::numeric_limits<R>::min() && inverse > 0);
+        const R reciprocal = extreme ? 1 / diagonal[q] : diagonal[q] * inverse;
         c.reciprocal[q] = make<T>(reciprocal);
         unroll<width>([&](auto i) VOX_INLINED {
             if constexpr (i > q) {
@@ -250,18 +254,21 @@ VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &
         });
         unroll<width>([&](auto k) VOX_INLINED {
             if constexpr (k > q) {
-                const T y = conj_if(true, subnormal ? l[k][q] : x[k][q] * inverse);
+                const T y = conj_if(true, extreme ? l[k][q] : x[k][q] * inverse);
                 unroll<width>([&](auto i) VOX_INLINED {
                     if constexpr (i >= k)
-                        x[i][k] -= (subnormal ? l[i][q] : x[i][q]) * y;
+                        x[i][k] -= (extreme ? l[i][q] : x[i][q]) * y;
                 });
             }
         });
     });
-    for (int k = 0; k < bad; ++k) {
-        for (int i = k + 1; i < width && k < bad - 1; ++i)
-            p.set(j + i, j + k, l[i][k]);
-        p.set(j + k, j + k, make<T>(k < bad - 1 ? diagonal[k] : real(x[k][k])));
+    if (VOX_UNLIKELY(bad)) {
+        for (int k = 0; k < bad - 1; ++k) {
+            p.set(j + k, j + k, make<T>(diagonal[k]));
+            for (int i = k + 1; i < width; ++i)
+                p.set(j + i, j + k, conj_if(true, c.above[k][i]));
+        }
+        p.set(j + bad - 1, j + bad - 1, make<T>(refused));
     }
     return bad;
 }
