@@ -6,6 +6,8 @@
 // of their rows lose the products of the columns before (or gain those after), in registers, and are
 // then divided by the corner of order four, which is scalar work. Orders that are no multiple of four
 // are filled up with the identity.
+#include <limits>
+
 #include "lapack/triangle_leaf.hpp"
 #include "serv/simd.hpp"
 
@@ -30,7 +32,8 @@ struct planes {
     using R = real_of<T>;
     static constexpr index_t most = vox::lapack::triangle_leaf<T>;
     // A strip: the rows whose sums for `width` columns are in registers.
-    static constexpr int vectors = is_complex<T> ? 1 : 2, strip = vectors * lanes<R>;
+    static constexpr int vectors = is_complex<T> || vector_bytes == 64 ? 1 : 2,
+                         strip = vectors * lanes<R>;
     static_assert(most % strip == 0 && most % width == 0);
 
     alignas(64) R re[most * most];
@@ -210,34 +213,64 @@ VOX_INLINE index_t strip_of(index_t j) {
 // Four columns of L from A's: the corner of A, from which the products of the columns before have
 // been taken, is factored, with conj(L) transposed above the diagonal of c. The order of the first
 // minor of the corner that is not positive, or 0; what precedes it is then in the planes.
+//
+// From one pivot d to the next leads a division only: x being a column of L times the root of d, the
+// products of L's elements are those of x and x / d. A subnormal d has no reciprocal, and infinity's
+// does not give the root's.
 template <class T>
-VOX_INLINE int factor_corner(planes<T> &p, index_t j, corner<T> &c, real_of<T> (&diagonal)[width]) {
-    T l[width][width];
-    for (int q = 0; q < width; ++q) {
-        real_of<T> d = p.re[j + q + (j + q) * p.ld];
-        for (int k = 0; k < q; ++k)
-            d -= real(l[q][k]) * real(l[q][k]) + imag(l[q][k]) * imag(l[q][k]);
+VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &c,
+                             real_of<T> (&diagonal)[width]) {
+    using R = real_of<T>;
+    T x[width][width], l[width][width];
+    unroll<width>([&](auto q) VOX_INLINED {
+        unroll<width>([&](auto i) VOX_INLINED {
+            if constexpr (i >= q)
+                x[i][q] = p.get(j + i, j + q);
+        });
+    });
+    int bad = 0;
+    R refused{};
+    unroll<width>([&](auto q) VOX_INLINED {
+        if (bad || j + q >= order) {
+            c.reciprocal[q] = make<T>(1), diagonal[q] = 1;
+            return;
+        }
+        const R d = real(x[q][q]);
         if (!(d > 0)) { // or not a number
-            for (int k = 0; k < q; ++k) {
-                for (int i = k + 1; i < width; ++i)
-                    p.set(j + i, j + k, l[i][k]);
-                p.set(j + k, j + k, make<T>(diagonal[k]));
-            }
-            p.set(j + q, j + q, make<T>(d));
-            return q + 1;
+            bad = q + 1;
+            refused = d;
+            return;
         }
         diagonal[q] = sizeof(d) == 4 ? __builtin_sqrtf(d) : __builtin_sqrt(d);
-        const real_of<T> reciprocal = 1 / diagonal[q];
+        const R inverse = 1 / d;
+        const bool extreme = !(d >= std::numeric_limits<R>::min() && inverse > 0);
+        const R reciprocal = extreme ? 1 / diagonal[q] : diagonal[q] * inverse;
         c.reciprocal[q] = make<T>(reciprocal);
-        for (int i = q + 1; i < width; ++i) {
-            T x = p.get(j + i, j + q);
-            for (int k = 0; k < q; ++k)
-                x -= l[i][k] * conj_if(true, l[q][k]);
-            l[i][q] = x * reciprocal;
-            c.above[q][i] = conj_if(true, l[i][q]);
+        unroll<width>([&](auto i) VOX_INLINED {
+            if constexpr (i > q) {
+                l[i][q] = x[i][q] * reciprocal;
+                c.above[q][i] = conj_if(true, l[i][q]);
+            }
+        });
+        unroll<width>([&](auto k) VOX_INLINED {
+            if constexpr (k > q) {
+                const T y = conj_if(true, extreme ? l[k][q] : x[k][q] * inverse);
+                unroll<width>([&](auto i) VOX_INLINED {
+                    if constexpr (i >= k)
+                        x[i][k] -= (extreme ? l[i][q] : x[i][q]) * y;
+                });
+            }
+        });
+    });
+    if (VOX_UNLIKELY(bad)) {
+        for (int k = 0; k < bad - 1; ++k) {
+            p.set(j + k, j + k, make<T>(diagonal[k]));
+            for (int i = k + 1; i < width; ++i)
+                p.set(j + i, j + k, conj_if(true, c.above[k][i]));
         }
+        p.set(j + bad - 1, j + bad - 1, make<T>(refused));
     }
-    return 0;
+    return bad;
 }
 
 template <class T>
@@ -258,9 +291,9 @@ VOX_INLINE index_t potrf(bool upper, index_t order, T *a, index_t lda) {
             lose_columns_before(i);
             t.template store<1>(p, i, j);
         }
-        corner<T> c;
+        corner<T> c{};
         real_of<T> diagonal[width];
-        const int at = factor_corner(p, j, c, diagonal);
+        const int at = factor_corner(p, j, order, c, diagonal);
         if (at) {
             info = j + at;
             break;
