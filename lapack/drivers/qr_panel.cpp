@@ -9,7 +9,7 @@ namespace vox::lapack {
 namespace {
 
 // As many columns at a time are factored one by one.
-constexpr index_t leaf = 8;
+constexpr index_t leaf = 16;
 
 // The upper triangle of the first n rows moves to R; ones and zeros take its place.
 template <class T>
