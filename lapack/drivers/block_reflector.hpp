@@ -60,58 +60,68 @@ struct block_reflector {
     index_t rest_row, rest_rows;
     factor<T> t;
 
-    // C := H C or H^H C, C having n columns; w: k x n elements.
-    void apply_left(bool adjoined, index_t n, T *c, index_t ldc, T *w) const {
+    // C := H C or H^H C, C having n columns; w: C^H V, n x k.
+    void apply_left(bool adjoined, index_t n, T *c, index_t ldc, T *w, index_t ldw) const {
         T *const at_tip = c + tip_row, *const at_rest = c + rest_row;
         const T minus = -one<T>;
         if (tip.data) {
-            for (index_t j = 0; j < n; ++j)
-                for (index_t i = 0; i < k; ++i)
-                    w[i + j * k] = at_tip[i + j * ldc];
-            triangle_multiply<T>({true, k, n, one<T>, adjoint(tip), w, k});
+            for (index_t i = 0; i < k; ++i)
+                for (index_t j = 0; j < n; ++j)
+                    w[j + i * ldw] = conj_if(true, at_tip[i + j * ldc]);
+            triangle_multiply<T>({false, n, k, one<T>, tip, w, ldw});
         }
         if (rest_rows || !tip.data)
-            product_of(k, n, rest_rows, one<T>, adjoint(rest), {at_rest, ldc},
-                       tip.data ? one<T> : T{}, w, k);
-        triangle_multiply<T>({true, k, n, one<T>, adjoint_if(adjoined, t), w, k});
-        product_of(rest_rows, n, k, minus, rest, {w, k}, one<T>, at_rest, ldc);
+            product_of(n, k, rest_rows, one<T>, adjoint<T>({at_rest, ldc}), rest,
+                       tip.data ? one<T> : T{}, w, ldw);
+        triangle_multiply<T>({false, n, k, one<T>, adjoint_if(!adjoined, t), w, ldw});
+        product_of(rest_rows, n, k, minus, rest, adjoint<T>({w, ldw}), one<T>, at_rest, ldc);
         if (tip.data) {
-            triangle_multiply<T>({true, k, n, one<T>, tip, w, k});
-            for (index_t j = 0; j < n; ++j)
-                for (index_t i = 0; i < k; ++i)
-                    at_tip[i + j * ldc] -= w[i + j * k];
+            triangle_multiply<T>({false, n, k, one<T>, adjoint(tip), w, ldw});
+            for (index_t i = 0; i < k; ++i)
+                for (index_t j = 0; j < n; ++j)
+                    at_tip[i + j * ldc] -= conj_if(true, w[j + i * ldw]);
         }
     }
 
-    // C := C H or C H^H, C having m rows; w: m x k elements.
-    void apply_right(bool adjoined, index_t m, T *c, index_t ldc, T *w) const {
+    // C := C H or C H^H, C having m rows; w: C V, m x k.
+    void apply_right(bool adjoined, index_t m, T *c, index_t ldc, T *w, index_t ldw) const {
         T *const at_tip = c + tip_row * ldc, *const at_rest = c + rest_row * ldc;
         const T minus = -one<T>;
         if (tip.data) {
             for (index_t j = 0; j < k; ++j)
                 for (index_t i = 0; i < m; ++i)
-                    w[i + j * m] = at_tip[i + j * ldc];
-            triangle_multiply<T>({false, m, k, one<T>, tip, w, m});
+                    w[i + j * ldw] = at_tip[i + j * ldc];
+            triangle_multiply<T>({false, m, k, one<T>, tip, w, ldw});
         }
         if (rest_rows || !tip.data)
             product_of(m, k, rest_rows, one<T>, {at_rest, ldc}, rest, tip.data ? one<T> : T{}, w,
-                       m);
-        triangle_multiply<T>({false, m, k, one<T>, adjoint_if(adjoined, t), w, m});
-        product_of(m, rest_rows, k, minus, {w, m}, adjoint(rest), one<T>, at_rest, ldc);
+                       ldw);
+        triangle_multiply<T>({false, m, k, one<T>, adjoint_if(adjoined, t), w, ldw});
+        product_of(m, rest_rows, k, minus, {w, ldw}, adjoint(rest), one<T>, at_rest, ldc);
         if (tip.data) {
-            triangle_multiply<T>({false, m, k, one<T>, adjoint(tip), w, m});
+            triangle_multiply<T>({false, m, k, one<T>, adjoint(tip), w, ldw});
             for (index_t j = 0; j < k; ++j)
                 for (index_t i = 0; i < m; ++i)
-                    at_tip[i + j * ldc] -= w[i + j * m];
+                    at_tip[i + j * ldc] -= w[i + j * ldw];
         }
     }
+    void apply_left(bool adjoined, index_t n, T *c, index_t ldc, T *w) const {
+        apply_left(adjoined, n, c, ldc, w, n);
+    }
+    void apply_right(bool adjoined, index_t m, T *c, index_t ldc, T *w) const {
+        apply_right(adjoined, m, c, ldc, w, m);
+    }
 
-    // C is m x n.
-    void apply(bool left, bool adjoined, index_t m, index_t n, T *c, index_t ldc, T *w) const {
+    // C is m x n; w has n rows from the left and m from the right.
+    void apply(bool left, bool adjoined, index_t m, index_t n, T *c, index_t ldc, T *w,
+               index_t ldw) const {
         if (left)
-            apply_left(adjoined, n, c, ldc, w);
+            apply_left(adjoined, n, c, ldc, w, ldw);
         else
-            apply_right(adjoined, m, c, ldc, w);
+            apply_right(adjoined, m, c, ldc, w, ldw);
+    }
+    void apply(bool left, bool adjoined, index_t m, index_t n, T *c, index_t ldc, T *w) const {
+        apply(left, adjoined, m, n, c, ldc, w, left ? n : m);
     }
 };
 

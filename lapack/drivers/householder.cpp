@@ -117,12 +117,13 @@ void larft(char direct, char storev, index_t n, index_t k, const T *v, index_t l
 
 template <class T>
 void larfb(char side, char trans, char direct, char storev, index_t m, index_t n, index_t k,
-           const T *v, index_t ldv, const T *t, index_t ldt, T *c, index_t ldc, T *work, index_t) {
+           const T *v, index_t ldv, const T *t, index_t ldt, T *c, index_t ldc, T *work,
+           index_t ldwork) {
     if (m <= 0 || n <= 0 || k <= 0)
         return;
     const bool left = side == 'L';
     stored_reflectors(direct == 'F', storev == 'C', left ? m : n, k, v, ldv, t, ldt)
-        .apply(left, trans != 'N', m, n, c, ldc, work);
+        .apply(left, trans != 'N', m, n, c, ldc, work, ldwork);
 }
 
 #define INSTANCES(p, P, T)                                                                         \
