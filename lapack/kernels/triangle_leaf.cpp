@@ -63,7 +63,9 @@ struct planes {
         n = (order + width - 1) / width * width;
         ld = (n + strip - 1) / strip * strip;
         constexpr vec<R> zero{};
-        for (index_t i = 0; i < n * ld; i += lanes<R>) {
+        const index_t size =
+            n * ld; // the stores could reach n and ld for all that the compiler knows
+        for (index_t i = 0; i < size; i += lanes<R>) {
             store(re + i, zero);
             if constexpr (is_complex<T>)
                 store(im + i, zero);
@@ -210,6 +212,16 @@ VOX_INLINE index_t strip_of(index_t j) {
     return j / planes<T>::strip * planes<T>::strip;
 }
 
+// a - b c, part by part in two steps.
+template <class T>
+VOX_INLINE T minus_product(T a, T b, T c) {
+    if constexpr (is_complex<T>)
+        return {a.real - b.real * c.real + b.imag * c.imag,
+                a.imag - b.real * c.imag - b.imag * c.real};
+    else
+        return a - b * c;
+}
+
 // Four columns of L from A's: the corner of A, from which the products of the columns before have
 // been taken, is factored, with conj(L) transposed above the diagonal of c. The order of the first
 // minor of the corner that is not positive, or 0; what precedes it is then in the planes.
@@ -257,7 +269,7 @@ VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &
                 const T y = conj_if(true, extreme ? l[k][q] : x[k][q] * inverse);
                 unroll<width>([&](auto i) VOX_INLINED {
                     if constexpr (i >= k)
-                        x[i][k] -= (extreme ? l[i][q] : x[i][q]) * y;
+                        x[i][k] = minus_product(x[i][k], extreme ? l[i][q] : x[i][q], y);
                 });
             }
         });
