@@ -15,8 +15,12 @@ set(VOX_CODE_PATH_TABLE
   "avx512     | ${_vox_avx2_flags} -mavx512f -mavx512cd -mavx512dq -mavx512bw -mavx512vl  | ${_vox_avx2_words} avx512f avx512cd avx512dq avx512bw avx512vl"
 )
 
+file(READ /proc/cpuinfo _vox_cpuinfo LIMIT 16384)
+string(REGEX MATCH "flags[^\n]*" _vox_cpuinfo "${_vox_cpuinfo}")
+separate_arguments(_vox_cpuinfo UNIX_COMMAND "${_vox_cpuinfo}")
+
 set(VOX_CODE_PATHS "")
-set(_vox_path_list "")
+set(VOX_RUNNABLE_PATHS "")
 foreach(row IN LISTS VOX_CODE_PATH_TABLE)
   string(REGEX REPLACE " *\\| *" ";" cells "${row}")
   list(GET cells 0 name)
@@ -27,33 +31,60 @@ foreach(row IN LISTS VOX_CODE_PATH_TABLE)
   separate_arguments(words UNIX_COMMAND "${words}")
   list(APPEND VOX_CODE_PATHS ${name})
   set(VOX_PATH_FLAGS_${name} ${flags})
-  set(VOX_PATH_WORDS_${name} ${words})
-  string(APPEND _vox_path_list " \\\n    X(${name}, __VA_ARGS__)")
+  list(REMOVE_ITEM words ${_vox_cpuinfo})
+  if(NOT words)
+    list(APPEND VOX_RUNNABLE_PATHS ${name})
+  endif()
 endforeach()
+
+# VOX_PATHS of these are built, def always. A path that is not built runs the kernels of the next lower one
+# that is; its name, its processor type and its thread counts stay its own.
+set(_vox_wanted def ${VOX_PATHS})
+if("best" IN_LIST _vox_wanted)
+  list(REMOVE_ITEM _vox_wanted best)
+  list(GET VOX_RUNNABLE_PATHS -1 best)
+  list(APPEND _vox_wanted ${best})
+endif()
+set(unknown ${_vox_wanted})
+list(REMOVE_ITEM unknown ${VOX_CODE_PATHS})
+if(unknown)
+  message(FATAL_ERROR "VOX_PATHS: no code path is named ${unknown}")
+endif()
+set(_vox_path_list "")
+set(VOX_BUILT_PATHS "")
+foreach(path IN LISTS VOX_CODE_PATHS)
+  if(NOT VOX_PATHS OR path IN_LIST _vox_wanted)
+    list(APPEND VOX_BUILT_PATHS ${path})
+    set(copy ${path})
+  endif()
+  string(APPEND _vox_path_list " \\\n    X(${path}, ${copy}, __VA_ARGS__)")
+endforeach()
+message(STATUS "Code paths: ${VOX_BUILT_PATHS}; this machine can run: ${VOX_RUNNABLE_PATHS}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/code_path_list.hpp.in
                ${PROJECT_BINARY_DIR}/generated/serv/code_path_list.hpp @ONLY)
 
-# Checked kernels take minutes to compile: a sanitizer looks at those of two paths. Addresses are checked on
-# one, by calls, undefined behaviour on the other, but for alignment and null in every element's access;
-# both are the same templates. Tests run these paths alone. A family's VOX_UNCHECKED_KERNELS leaves its
-# kernels out: those whose tests put every operand beside protected pages, and that take minutes each.
-set(VOX_SANITIZED_PATHS def avx512)
+# Checked kernels take minutes to compile, and all paths' are the same templates. So def's are checked for
+# undefined behaviour, but for alignment and null in every element's access, and others for addresses, by
+# calls. A family's VOX_UNCHECKED_KERNELS leaves its kernels out: those whose tests put every operand beside
+# protected pages, and that take minutes each.
+set(_vox_checked -O1 -fno-sanitize=undefined --param=asan-instrumentation-with-call-threshold=0)
 set(_vox_checked_def -O1 -fno-sanitize=address,alignment,null)
-set(_vox_checked_avx512 -O1 -fno-sanitize=undefined --param=asan-instrumentation-with-call-threshold=0)
 set(_vox_unchecked -O1 -g0 -fno-sanitize=all)
 
-# vox_add_kernels(<family> <sources...>): compiles each kernel source once per code path and adds the
+# vox_add_kernels(<family> <sources...>): compiles each kernel source once per path that is built and adds the
 # objects to the library. In the source, VOX_KERNEL(<family>, <routine>) names the copy.
 function(vox_add_kernels family)
-  foreach(path IN LISTS VOX_CODE_PATHS)
+  foreach(path IN LISTS VOX_BUILT_PATHS)
     set(target ${family}_kernels_${path})
     add_library(${target} OBJECT ${ARGN})
     target_link_libraries(${target} PRIVATE vox_options)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}})
-    if(VOX_SANITIZE AND path IN_LIST VOX_SANITIZED_PATHS AND NOT VOX_UNCHECKED_KERNELS)
-      target_compile_options(${target} PRIVATE ${_vox_checked_${path}})
-    elseif(VOX_SANITIZE)
+    if(VOX_UNCHECKED_KERNELS AND VOX_SANITIZE MATCHES "address|undefined")
       target_compile_options(${target} PRIVATE ${_vox_unchecked})
+    elseif(VOX_SANITIZE AND path STREQUAL "def")
+      target_compile_options(${target} PRIVATE ${_vox_checked_def})
+    elseif(VOX_SANITIZE)
+      target_compile_options(${target} PRIVATE ${_vox_checked})
     endif()
     target_compile_definitions(${target} PRIVATE VOX_PATH=${path})
     set_property(GLOBAL APPEND PROPERTY VOX_OBJECTS ${target})

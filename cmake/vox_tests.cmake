@@ -1,9 +1,8 @@
 # vox_register_test(<test> <command> [labels...]), and vox_register_test_per_path: the same once per code
-# path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that this machine
-# can run, all are tested; def and the last, which is the best, by what is labelled "slow", or "driver" for
-# code that is the same on all paths and calls kernels with tests of their own. Sanitizers
-# take their time: with one, it is those that it looks at (cmake/code_paths.cmake), and the best alone for
-# what is slow.
+# path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that are built, all
+# are tested that this machine can run; def and the last, which is the best, by what is labelled "slow", or
+# "driver" for code that is the same on all paths and calls kernels with tests of their own. Sanitizers take
+# their time: with one, it is the best alone for what is slow.
 #
 # vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
 #
@@ -14,37 +13,16 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-file(READ /proc/cpuinfo vox_cpuinfo LIMIT 16384)
-string(REGEX MATCH "flags[^\n]*" vox_cpuinfo "${vox_cpuinfo}")
-string(APPEND vox_cpuinfo " ")
-set(VOX_RUNNABLE_PATHS "")
-foreach(path IN LISTS VOX_CODE_PATHS)
-  set(runnable TRUE)
-  foreach(word IN LISTS VOX_PATH_WORDS_${path})
-    if(NOT vox_cpuinfo MATCHES " ${word} ")
-      set(runnable FALSE)
-    endif()
-  endforeach()
-  if(runnable)
-    list(APPEND VOX_RUNNABLE_PATHS ${path})
+set(VOX_TESTED_PATHS "")
+foreach(path IN LISTS VOX_BUILT_PATHS)
+  if(path IN_LIST VOX_RUNNABLE_PATHS)
+    list(APPEND VOX_TESTED_PATHS ${path})
   endif()
 endforeach()
-message(STATUS "Code paths this machine can run: ${VOX_RUNNABLE_PATHS}")
-
-set(VOX_TESTED_PATHS ${VOX_RUNNABLE_PATHS})
-if(VOX_SANITIZE)
-  string(REPLACE ";" "|" names "${VOX_SANITIZED_PATHS}")
-  list(FILTER VOX_TESTED_PATHS INCLUDE REGEX "^(${names})$")
-endif()
-if(VOX_SANITIZE STREQUAL "thread") # races are the drivers', which all paths share
-  list(GET VOX_TESTED_PATHS -1 VOX_TESTED_PATHS)
-endif()
-if(CMAKE_CXX_COMPILER_ID MATCHES Clang) # the second compiler: the lowest path and the best
-  list(GET VOX_TESTED_PATHS 0 -1 VOX_TESTED_PATHS)
-  list(REMOVE_DUPLICATES VOX_TESTED_PATHS)
-endif()
 list(GET VOX_TESTED_PATHS -1 VOX_SLOWLY_TESTED_PATHS)
-if(NOT VOX_SANITIZE)
+if(VOX_SANITIZE STREQUAL "thread") # races are the drivers', which all paths share
+  set(VOX_TESTED_PATHS ${VOX_SLOWLY_TESTED_PATHS})
+elseif(NOT VOX_SANITIZE)
   list(PREPEND VOX_SLOWLY_TESTED_PATHS def)
   list(REMOVE_DUPLICATES VOX_SLOWLY_TESTED_PATHS)
 endif()

@@ -34,11 +34,11 @@ inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(code_path)) {
 
 } // namespace vox
 
-#define VOX_COPY_DECLARE(path, family, name, result, parameters)                                   \
-    extern "C" result vox_##family##_##path##_##name parameters;
-#define VOX_COPY_CASE(path, family, name)                                                          \
+#define VOX_COPY_DECLARE(path, copy, family, name, result, parameters)                             \
+    extern "C" result vox_##family##_##copy##_##name parameters;
+#define VOX_COPY_CASE(path, copy, family, name)                                                    \
     case vox::code_path::path:                                                                     \
-        return vox_##family##_##path##_##name;
+        return vox_##family##_##copy##_##name;
 
 #define VOX_DISPATCH(family, routine, result, parameters, arguments)                               \
     VOX_DISPATCH_NAMED(family, x##routine, x##routine, result, parameters, arguments)

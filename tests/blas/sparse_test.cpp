@@ -2,6 +2,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <random>
 
 #include "tests/blas/level1.hpp"
 

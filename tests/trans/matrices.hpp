@@ -43,11 +43,12 @@ struct layout {
 // Any bits at all, so that most kinds of numbers and NaN occur.
 template <class T>
 std::vector<T> any_bits(int64_t n, unsigned seed) {
-    std::mt19937_64 bits(seed);
+    random_bits bits(seed);
     std::vector<T> v(static_cast<size_t>(n));
-    unsigned char *const bytes = reinterpret_cast<unsigned char *>(v.data());
-    for (size_t i = 0; i < v.size() * sizeof(T); ++i)
-        bytes[i] = static_cast<unsigned char>(bits() >> 32);
+    for (T &x : v) {
+        const uint64_t some[2] = {bits(), bits()};
+        std::memcpy(&x, some, sizeof(T));
+    }
     return v;
 }
 

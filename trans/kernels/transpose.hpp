@@ -30,6 +30,12 @@ struct problem {
     index_t ldb;
 };
 
+// Rows i0 .. i1-1 and columns j0 .. j1-1 of A.
+template <class T>
+VOX_INLINE problem<T> part_of(const problem<T> &p, index_t i0, index_t i1, index_t j0, index_t j1) {
+    return {i1 - i0, j1 - j0, p.a + i0 * p.lda + j0, p.lda, p.b + j0 * p.ldb + i0, p.ldb};
+}
+
 // Tiles at row i of A over columns j0 .. j1-1, Count of them one below the other. put(i, j, v) takes
 // the vectors, before(j) is called first.
 template <int Lanes, int Count, class T, class Op, class Put, class Before>
@@ -108,6 +114,12 @@ VOX_INLINE void in_caches(const problem<T> &p, const Op &op) {
                      [&](index_t j0, index_t j1) VOX_INLINED { through_caches(p, op, j0, j1); });
 }
 
+// The same for edges and small blocks of what is walked in another way.
+template <class T, class Op>
+VOX_APART void piece(const problem<T> p, const Op op) {
+    in_caches(p, op);
+}
+
 // Where all rows of A have the same place in a cache, and all rows of B, too few lines of a column stay
 // there while others are fetched. So pieces of rows are copied to a block on the stack first, which
 // is written to B by several lines of a row at a time.
@@ -125,7 +137,7 @@ VOX_INLINE bool is_gathered(const problem<T> &p) {
 }
 
 template <class T, class Op>
-VOX_INLINE void gathered(const problem<T> &p, const Op &op) {
+VOX_APART void gathered(const problem<T> p, const Op op) {
     constexpr int m = gathered_rows<T>, n = gathered_cols<T>, ld = n + per_line<T>;
     const index_t rows = p.outer / m * m, cols = p.inner / n * n;
     alignas(64) T block[m * ld];
@@ -138,9 +150,8 @@ VOX_INLINE void gathered(const problem<T> &p, const Op &op) {
                 tiles<lanes<T>, m / tile_rows<T>>(from_block, op, 0, j, j + per_lane<T>,
                                                   stored(from_block));
         }
-    in_caches(problem<T>{rows, p.inner - cols, p.a + cols, p.lda, p.b + cols * p.ldb, p.ldb}, op);
-    in_caches(problem<T>{p.outer - rows, p.inner, p.a + rows * p.lda, p.lda, p.b + rows, p.ldb},
-              op);
+    piece(part_of(p, 0, rows, cols, p.inner), op);
+    piece(part_of(p, rows, p.outer, 0, p.inner), op);
 }
 
 // Fetches the lines of A that will be needed after this walk along row i: those of some rows for each
@@ -159,8 +170,7 @@ template <class T, class Op>
 VOX_INLINE void past_caches(const problem<T> &p, const Op &op, index_t j0, index_t j1,
                             index_t skip) {
     constexpr int wide = vector_bytes / 16, line = per_line<T>;
-    for (index_t i = 0; i < skip; i += tile_rows<T>)
-        tiles<lanes<T>, 1>(p, op, i, j0, j1, stored(p));
+    piece(part_of(p, 0, skip, j0, j1), op);
     index_t i = skip;
     for (; i + line <= p.outer; i += line)
         tiles<wide, line / (wide * per_lane<T>)>(
@@ -168,7 +178,7 @@ VOX_INLINE void past_caches(const problem<T> &p, const Op &op, index_t j0, index
             [&](index_t row, index_t j, auto v)
                 VOX_INLINED { stream_vector(flat(p.b + j * p.ldb + row), v); },
             fetching(p, i));
-    some_rows<lanes<T>>(p, op, i, p.outer, j0, j1);
+    piece(part_of(p, i, p.outer, j0, j1), op);
 }
 
 // The rows of B begin anywhere in a line: what a tile has beyond the last whole line of a row is kept
@@ -203,7 +213,7 @@ VOX_INLINE void past_caches_carried(const problem<T> &p, const Op &op, index_t j
     for (index_t j = 0; j < j1 - j0; ++j)
         for (int e = 0; e < place[j]; ++e)
             p.b[(j0 + j) * p.ldb + i - place[j] + e] = ends[j].begun[e];
-    some_rows<lanes<T>>(p, op, i, p.outer, j0, j1);
+    piece(part_of(p, i, p.outer, j0, j1), op);
 }
 
 // Short rows of B that follow each other without a gap are one long row: blocks of it are put together on
@@ -219,7 +229,7 @@ VOX_INLINE void past_caches_joined(const problem<T> &p, const Op &op, index_t co
     alignas(64) T block[joined_bytes / int(sizeof(T))];
     for (index_t j = 0; j < p.inner; j += columns) {
         const index_t n = p.inner - j < columns ? p.inner - j : columns;
-        in_caches(problem<T>{p.outer, n, p.a + j, p.lda, block, p.outer}, op);
+        piece(problem<T>{p.outer, n, p.a + j, p.lda, block, p.outer}, op);
         for (index_t i = 0; i < p.outer; ++i)
             for (index_t k = 0; k < columns; k += per_line<T>)
                 __builtin_prefetch(p.a + i * p.lda + j + columns + k, 0, 2);
@@ -234,7 +244,7 @@ VOX_INLINE bool goes_past_caches(const problem<T> &p) {
 }
 
 template <class T, class Op>
-VOX_INLINE void past_all_caches(const problem<T> &p, const Op &op) {
+VOX_APART void past_all_caches(const problem<T> p, const Op op) {
     if (const index_t columns = joined_columns(p); columns > 0)
         past_caches_joined(p, op, columns);
     else if (p.ldb % per_line<T> == 0)
