@@ -25,7 +25,21 @@ struct routine_name {
     bool has(size_t place, const char *part) const {
         return memcmp(letters + place, part, strlen(part)) == 0;
     }
-    bool has_precision() const { return letters[0] && strchr("SDCZ", letters[0]); }
+    // Of the precision that it begins with; 1 if that is none.
+    size_t element_bytes() const {
+        switch (letters[0]) {
+        case 'S':
+            return sizeof(float);
+        case 'D':
+            return sizeof(double);
+        case 'C':
+            return sizeof(vox_complex_float);
+        case 'Z':
+            return sizeof(vox_complex_double);
+        default:
+            return 1;
+        }
+    }
 };
 
 // By the five letters behind the one for the precision.
@@ -51,7 +65,7 @@ algorithm algorithm_of(const routine_name &name) {
         {"ORMLQ", algorithm::apply_q},
         {"UNMLQ", algorithm::apply_q},
     };
-    if (name.has_precision())
+    if (name.element_bytes() > 1)
         for (const auto &row : table)
             if (name.has(1, row.stem))
                 return row.which;
@@ -94,7 +108,7 @@ extern "C" index_t vox_lapack_ilaenv(const index_t *ispec, const char *name, con
     const index_t active = *n3 - *n2 + 1; // rows n2 to n3 of a Hessenberg matrix
     switch (*ispec) {
     case 1:
-        return block_size(algorithm_of(routine), *n1, *n2);
+        return block_size(algorithm_of(routine), *n1, *n2, routine.element_bytes());
     case 2:
         return blocking_of(algorithm_of(routine)).minimum;
     case 3:

@@ -2,10 +2,12 @@
 // programs that ask (ilaenv).
 //
 // A block is as many columns (rows of an LQ) as are done by an unblocked or a recursive way before the
-// rest of the matrix is updated by products. How the sizes were found: for each algorithm and element type,
-// square matrices of order 100 to 3000 were timed with blocks of 8 to 256, one thread on the paths avx2
-// and avx512; a size stands here if no other was faster by more than the scatter. A recursive algorithm's
-// block is where a program's blocks should begin to pay.
+// rest of the matrix is updated by products. Narrow ones are faster while the matrix is in caches, and
+// waste less on small matrices; wide ones read a matrix in memory less often. To measure: each algorithm and
+// type on square matrices of order 64 to 2000 and on strips of ten squares, blocks of 8 to 128, rounds of all
+// sizes in turn, best of each, one thread. These were so on a processor with 1 MB of cache for each core,
+// path avx512: no other size was faster in general by more than the scatter of a few percent. Recursive
+// algorithms (64 everywhere) have no block; theirs is one for programs that do their own blocking.
 #pragma once
 
 #include "serv/base.hpp"
@@ -25,31 +27,35 @@ enum class algorithm {
 };
 
 struct blocking {
-    index_t narrow, wide, wide_from; // the wide ones from this order on
-    index_t minimum;                 // with less, because memory is short, unblocked is faster
-    index_t crossover;               // up to this order unblocked is faster
+    index_t narrow, wide;
+    index_t minimum;   // with less, because memory is short, unblocked is faster
+    index_t crossover; // up to this order unblocked is faster
 };
 
 constexpr blocking blocking_of(algorithm which) {
     constexpr blocking table[] = {
-        {64, 64, 0, 2, 0},    // lu
-        {64, 64, 0, 2, 0},    // inverse
-        {64, 64, 0, 2, 0},    // cholesky
-        {64, 64, 0, 2, 0},    // triangle_inverse
-        {64, 64, 0, 2, 0},    // triangle_square
-        {16, 32, 400, 2, 72}, // qr
-        {32, 64, 200, 2, 48}, // make_q
-        {64, 64, 0, 2, 0},    // apply_q
-        {1, 1, 0, 2, 0},      // none
+        {64, 64, 2, 0},  // lu
+        {32, 128, 2, 0}, // inverse
+        {64, 64, 2, 0},  // cholesky
+        {64, 64, 2, 0},  // triangle_inverse
+        {64, 64, 2, 0},  // triangle_square
+        {16, 32, 2, 72}, // qr
+        {16, 64, 2, 64}, // make_q
+        {16, 64, 2, 0},  // apply_q
+        {1, 1, 2, 0},    // none
     };
     return table[int(which)];
 }
 
-// For an m x n operand; negative: not known.
-constexpr index_t block_size(algorithm which, index_t m = -1, index_t n = -1) {
-    const blocking b = blocking_of(which);
-    const index_t order = m < n ? m : n;
-    return order >= 0 && order < b.wide_from ? b.narrow : b.wide;
+// For an m x n operand of such elements; of unknown size if either is negative.
+constexpr index_t block_size(algorithm which, index_t m, index_t n, size_t element_bytes) {
+    constexpr index_t in_caches = 2'500'000; // bytes
+    const bool small = m >= 0 && n >= 0 && m * n <= in_caches / index_t(element_bytes);
+    return small ? blocking_of(which).narrow : blocking_of(which).wide;
+}
+template <class T>
+constexpr index_t block_size(algorithm which, index_t m, index_t n) {
+    return block_size(which, m, n, sizeof(T));
 }
 
 } // namespace vox::lapack

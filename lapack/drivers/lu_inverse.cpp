@@ -5,13 +5,12 @@
 // own triangle.
 #include "blas/drivers/team.hpp"
 #include "lapack/blas.hpp"
+#include "lapack/block_sizes.hpp"
 #include "lapack/drivers/lu.hpp"
 #include "serv/scratch.hpp"
 
 namespace vox::lapack {
 namespace {
-
-constexpr index_t best_block = 64; // columns
 
 // U := U^-1 by halves.
 template <class T>
@@ -81,7 +80,7 @@ void divide_by_lower(index_t n, T *a, index_t lda, index_t block, T *work) {
 
 template <class T>
 index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_t lwork) {
-    const index_t best = n > 1 ? n * best_block : 1;
+    const index_t block = block_size<T>(algorithm::inverse, n, n), best = n > 1 ? n * block : 1;
     work[0] = make<T>(real_of<T>(best));
     if (lwork == -1 || n <= 0)
         return 0;
@@ -90,7 +89,7 @@ index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_
             return i + 1;
     invert_upper(n, a, lda);
     // A caller's small workspace is not a reason to be slow.
-    const index_t most = n < best_block ? n : best_block;
+    const index_t most = n < block ? n : block;
     const scratch<T> own(lwork < n * most ? n * most : 0);
     if (own.empty())
         divide_by_lower(n, a, lda, lwork / n < most ? lwork / n : most, work);

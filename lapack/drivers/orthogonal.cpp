@@ -33,8 +33,8 @@ class q_blocks {
   public:
     // others: rows or columns of what the reflectors are applied to.
     q_blocks(const stored_q<T> &q, index_t others)
-        : q_(q), nb_(least(q.k, block_size(algorithm::apply_q))), ld_(padded<T>(q.order)),
-          memory_(nb_ * (ld_ + nb_ + most(nb_, others))) {}
+        : q_(q), nb_(least(q.k, block_size<T>(algorithm::apply_q, q.order, others))),
+          ld_(padded<T>(q.order)), memory_(nb_ * (ld_ + nb_ + most(nb_, others))) {}
 
     bool empty() const { return memory_.empty(); }
     index_t width() const { return nb_; }

@@ -103,7 +103,7 @@ struct lq_steps {
 
 template <class T>
 bool qr_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
-    const index_t nb = block_size(algorithm::qr, m, n), each = nb * (2 * nb + m);
+    const index_t nb = block_size<T>(algorithm::qr, m, n), each = nb * (2 * nb + m);
     const look_ahead<T> plan(m, n, nb);
     const scratch<T> memory(2 * each + plan.work());
     if (memory.empty())
@@ -119,7 +119,7 @@ bool qr_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
 
 template <class T>
 bool lq_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
-    const index_t nb = block_size(algorithm::qr, m, n), ldv = padded<T>(n);
+    const index_t nb = block_size<T>(algorithm::qr, m, n), ldv = padded<T>(n);
     const index_t each = 2 * nb * (nb + ldv);
     const look_ahead<T> plan(n, m, nb);
     const scratch<T> memory(2 * each + plan.work());
