@@ -9,6 +9,7 @@
 
 #include "lapack/blas.hpp"
 #include "lapack/drivers/laswp.hpp"
+#include "lapack/drivers/triangular.hpp"
 #include "lapack/panel.hpp"
 #include "serv/dispatch.hpp"
 
@@ -65,10 +66,7 @@ index_t getrs(char trans, index_t n, index_t nrhs, const T *a, index_t lda, cons
     if (n <= 0 || nrhs <= 0)
         return 0;
     const auto solve = [&](char uplo, char diag) {
-        if (nrhs == 1)
-            blas::trsv(uplo, trans, diag, n, a, lda, b, 1);
-        else
-            blas::trsm('L', uplo, trans, diag, n, nrhs, one<T>, a, lda, b, ldb);
+        solve_triangle(uplo, trans, diag, n, nrhs, a, lda, b, ldb);
     };
     if (trans == 'N') {
         laswp(nrhs, b, ldb, 1, n, ipiv, 1);

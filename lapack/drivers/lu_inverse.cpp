@@ -7,34 +7,11 @@
 #include "lapack/blas.hpp"
 #include "lapack/block_sizes.hpp"
 #include "lapack/drivers/lu.hpp"
+#include "lapack/drivers/triangular.hpp"
 #include "serv/scratch.hpp"
 
 namespace vox::lapack {
 namespace {
-
-// U := U^-1 by halves.
-template <class T>
-void invert_upper(index_t n, T *a, index_t lda) {
-    if (n <= 8) {
-        for (index_t j = 0; j < n; ++j) {
-            T *const x = a + j * lda;
-            x[j] = divide(one<T>, x[j]);
-            for (index_t i = 0; i < j; ++i) {
-                T s = a[i + i * lda] * x[i];
-                for (index_t k = i + 1; k < j; ++k)
-                    s += a[i + k * lda] * x[k];
-                x[i] = -x[j] * s;
-            }
-        }
-        return;
-    }
-    const index_t k = n / 2;
-    T *const d = a + k + k * lda, *const b = a + k * lda;
-    invert_upper(k, a, lda);
-    invert_upper(n - k, d, lda);
-    blas::trmm('L', 'U', 'N', 'N', k, n - k, -one<T>, a, lda, b, lda);
-    blas::trmm('R', 'U', 'N', 'N', k, n - k, one<T>, d, lda, b, lda);
-}
 
 // Columns j .. j + count - 1 of L leave a for `to`, whose rows are a's; zeros are left.
 template <class T>
@@ -84,10 +61,8 @@ index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_
     work[0] = make<T>(real_of<T>(best));
     if (lwork == -1 || n <= 0)
         return 0;
-    for (index_t i = 0; i < n; ++i)
-        if (is_zero(a[i + i * lda]))
-            return i + 1;
-    invert_upper(n, a, lda);
+    if (const index_t info = trtri('U', 'N', n, a, lda))
+        return info;
     // A caller's small workspace is not a reason to be slow.
     const index_t most = n < block ? n : block;
     const scratch<T> own(lwork < n * most ? n * most : 0);
