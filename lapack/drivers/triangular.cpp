@@ -76,8 +76,10 @@ void solve_triangle(char uplo, char trans, char diag, index_t n, index_t nrhs, c
                     index_t lda, T *b, index_t ldb) {
     if (n <= 0 || nrhs <= 0)
         return;
-    if (nrhs == 1)
-        trsv(uplo, trans, diag, n, a, lda, b, 1);
+    const index_t few = n < 64 ? 3 : 5; // level 3 takes its time for tiles that it does not fill
+    if (nrhs <= few)
+        for (index_t j = 0; j < nrhs; ++j)
+            trsv(uplo, trans, diag, n, a, lda, b + j * ldb, 1);
     else
         trsm('L', uplo, trans, diag, n, nrhs, one<T>, a, lda, b, ldb);
 }

@@ -18,7 +18,7 @@ index_t trti2(char uplo, char diag, index_t n, T *a, index_t lda);
 template <class T>
 index_t trtrs(char uplo, char trans, char diag, index_t n, index_t nrhs, const T *a, index_t lda,
               T *b, index_t ldb);
-// The same without a look for zeros, and for one right-hand side without level 3.
+// The same without a look for zeros; a few right-hand sides are solved for one by one.
 template <class T>
 void solve_triangle(char uplo, char trans, char diag, index_t n, index_t nrhs, const T *a,
                     index_t lda, T *b, index_t ldb);
