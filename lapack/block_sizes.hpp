@@ -38,8 +38,8 @@ constexpr blocking blocking_of(algorithm which) {
         {64, 64, 0, 2, 0},    // triangle_inverse
         {64, 64, 0, 2, 0},    // triangle_square
         {16, 32, 400, 2, 72}, // qr
-        {32, 64, 200, 2, 48}, // make_q
-        {64, 64, 0, 2, 0},    // apply_q
+        {32, 32, 0, 2, 0},    // make_q
+        {32, 32, 0, 2, 0},    // apply_q
         {1, 1, 0, 2, 0},      // none
     };
     return table[int(which)];
