@@ -40,8 +40,8 @@ constexpr blocking blocking_of(algorithm which) {
         {64, 64, 2, 0},  // triangle_inverse
         {64, 64, 2, 0},  // triangle_square
         {16, 32, 2, 72}, // qr
-        {16, 64, 2, 64}, // make_q
-        {16, 64, 2, 0},  // apply_q
+        {32, 32, 2, 0},  // make_q
+        {32, 32, 2, 0},  // apply_q
         {1, 1, 2, 0},    // none
     };
     return table[int(which)];

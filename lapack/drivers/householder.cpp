@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "lapack/drivers/block_reflector.hpp"
+#include "lapack/drivers/reflections.hpp"
 
 namespace vox::lapack {
 namespace {
@@ -83,11 +84,13 @@ void larft(char direct, char storev, index_t n, index_t k, const T *v, index_t l
            T *t, index_t ldt) {
     if (n <= 0 || k <= 0)
         return;
+    const bool forward = direct == 'F', by_columns = storev == 'C';
+    if (forward && by_columns && k <= few_reflectors)
+        return triangular_factor(n, k, v, ldv, tau, t, ldt);
     if (k == 1) {
         *t = *tau;
         return;
     }
-    const bool forward = direct == 'F', by_columns = storev == 'C';
     const factor<T> all = {v, ldv, !by_columns, !by_columns};
     const index_t k1 = k / 2, k2 = k - k1; // columns of the halves
     T *const t2 = t + k1 + k1 * ldt;

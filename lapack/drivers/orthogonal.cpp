@@ -31,10 +31,11 @@ struct stored_q {
 template <class T>
 class q_blocks {
   public:
-    // others: rows or columns of what the reflectors are applied to.
+    // others: rows or columns of what the reflectors are applied to; 0 if nothing is to be copied.
     q_blocks(const stored_q<T> &q, index_t others)
         : q_(q), nb_(least(q.k, block_size<T>(algorithm::apply_q, q.order, others))),
-          ld_(padded<T>(q.order)), memory_(nb_ * (ld_ + nb_ + most(nb_, others))) {}
+          ld_(padded<T>(q.order)),
+          memory_(others ? nb_ * (ld_ + nb_ + most(nb_, others)) : 0) {}
 
     bool empty() const { return memory_.empty(); }
     index_t width() const { return nb_; }
@@ -95,27 +96,48 @@ struct q_product {
         }
     }
 
-    // Fewer columns than this are passed by the kernel sooner than T is formed.
-    static constexpr index_t few_columns = 8;
+    // Fewer vectors than this are passed by the kernel sooner than T is formed.
+    static constexpr index_t few_vectors = is_complex<T> ? 96 : 48;
+
+    bool by_kernel() const {
+        if (left)
+            return by_kernel(adjoined, n, c, ldc);
+        const index_t ld = padded<T>(n); // (C H)^H = H^H C^H
+        const scratch<T> copy(ld * m);
+        if (copy.empty())
+            return false;
+        copy_adjoint(m, n, c, ldc, copy.data(), ld);
+        if (!by_kernel(!adjoined, m, copy.data(), ld))
+            return false;
+        copy_adjoint(n, m, copy.data(), ld, c, ldc);
+        return true;
+    }
+    // A block at a time, which stays in the caches while columns of X pass.
+    bool by_kernel(bool adjoint, index_t columns, T *x, index_t ldx) const {
+        const bool in_place = q.by_columns;
+        const q_blocks<T> blocks(q, in_place ? 0 : 1);
+        if (!in_place && blocks.empty())
+            return false;
+        for (index_t s = 0; s < q.k; s += blocks.width()) {
+            const index_t i = adjoint ? s : blocks.last() - s;
+            if (!in_place)
+                blocks.copy(i);
+            apply_reflectors(q.order - i, columns, blocks.width(i),
+                             in_place ? q.from(i) : blocks.v(), in_place ? q.lda : blocks.ldv(),
+                             q.tau + i, adjoint, adjoint, x + i, ldx);
+        }
+        return true;
+    }
 
     bool by_blocks() const {
-        const bool few = left && n < few_columns;
-        if (few && q.by_columns) {
-            apply_reflectors(m, n, q.k, q.a, q.lda, q.tau, adjoined, ascending(), c, ldc);
+        if ((left ? n : m) < few_vectors && by_kernel())
             return true;
-        }
         const q_blocks<T> blocks(q, left ? n : m);
         if (blocks.empty())
             return false;
         for (index_t s = 0; s < q.k; s += blocks.width()) {
             const index_t i = ascending() ? s : blocks.last() - s;
-            if (few) {
-                blocks.copy(i);
-                apply_reflectors(m - i, n, blocks.width(i), blocks.v(), blocks.ldv(), q.tau + i,
-                                 adjoined, ascending(), at(i), ldc);
-            } else {
-                blocks.load(i).apply(left, adjoined, rows(i), columns(i), at(i), ldc, blocks.w());
-            }
+            blocks.load(i).apply(left, adjoined, rows(i), columns(i), at(i), ldc, blocks.w());
         }
         return true;
     }
@@ -190,6 +212,38 @@ struct q_in_place {
         }
     }
 
+    static constexpr index_t small_bytes = 96 * 1024;
+
+    // H(1) .. H(k) times four columns of the unit matrix at a time, of which those beyond j leave
+    // column j alone.
+    bool by_kernel() const {
+        constexpr index_t group = 4;
+        const index_t ld = padded<T>(length), vectors = by_columns ? k : k + count;
+        if (ld * vectors * index_t(sizeof(T)) > small_bytes)
+            return false;
+        const scratch<T> memory(ld * vectors);
+        if (memory.empty())
+            return false;
+        T *const v = memory.data(), *const x = by_columns ? a : v + k * ld;
+        const index_t ldx = by_columns ? lda : ld;
+        if (by_columns)
+            for (index_t j = 0; j < k; ++j)
+                blas::copy(length, a + j * lda, 1, v + j * ld, 1);
+        else
+            copy_adjoint(k, length, a, lda, v, ld);
+        for (index_t j = 0; j < count; j += group) {
+            const index_t n = least(group, count - j);
+            for (index_t c = j; c < j + n; ++c)
+                for (index_t i = 0; i < length; ++i)
+                    x[i + c * ldx] = i == c ? one<T> : T{};
+            apply_reflectors(length, n, least(k, j + n), v, ld, tau, false, false, x + j * ldx,
+                             ldx);
+        }
+        if (!by_columns)
+            copy_adjoint(length, count, x, ld, a, lda);
+        return true;
+    }
+
     // The first columns of I - V T V^H are those of I - V (T V1^H), V1 being the first rows of V.
     bool by_blocks() const {
         const stored_q<T> reflectors = q();
@@ -220,7 +274,7 @@ struct q_in_place {
 
 template <class T>
 index_t generate_q(const q_in_place<T> &job, T *work, index_t lwork) {
-    if (lwork != -1 && job.count && !job.by_blocks())
+    if (lwork != -1 && job.count && !job.by_kernel() && !job.by_blocks())
         job.one_by_one(work);
     *work = best_work<T>(algorithm::make_q, job.count);
     return 0;

@@ -9,6 +9,7 @@
 #include "lapack/drivers/householder.hpp"
 #include "lapack/drivers/orthogonal.hpp"
 #include "lapack/drivers/qr.hpp"
+#include "lapack/drivers/reflections.hpp"
 #include "lapack/drivers/workspace.hpp"
 #include "serv/scratch.hpp"
 
@@ -80,16 +81,14 @@ struct remainder {
                 norms[j] = exact[j] = row < m ? blas::nrm2(m - row, a + row + j * lda, 1) : R(0);
     }
 
-    // One column after the other; w: n elements.
-    void factor(T *w) const {
+    // One column after the other.
+    void factor() const {
         for (index_t k = 0; k < least(m - done, n); ++k) {
             const index_t row = done + k;
             pivot(k);
             T *const x = a + row + k * lda;
             larfg(m - row, x, x + (row + 1 < m), 1, tau + k);
-            if (k + 1 < n && !is_zero(tau[k]))
-                stored_reflectors(true, true, m - row, 1, x, lda, tau + k, 1)
-                    .apply_left(true, n - k - 1, x + lda, lda, w);
+            apply_reflectors(m - row, n - k - 1, 1, x, lda, tau + k, true, true, x + lda, lda);
             if (!update_norms(k + 1, row))
                 compute_norms(k + 1, row + 1);
         }
@@ -180,11 +179,8 @@ index_t geqp3(index_t m, index_t n, T *a, index_t lda, index_t *jpvt, T *tau, T 
                       lwork);
         }
         if (fixed < k) {
-            T *w = work;
-            if constexpr (!is_complex<T>) {
+            if constexpr (!is_complex<T>)
                 rwork = work;
-                w = work + 2 * n;
-            }
             remainder<T> rest = {m,
                                  n - fixed,
                                  fixed,
@@ -202,7 +198,7 @@ index_t geqp3(index_t m, index_t n, T *a, index_t lda, index_t *jpvt, T *tau, T 
                 while (k - rest.done > crossover)
                     rest.skip(
                         rest.factor_block(block, memory.data(), memory.data() + rest.n * block));
-            rest.factor(w);
+            rest.factor();
         }
     }
     *work = optimum;

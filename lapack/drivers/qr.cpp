@@ -134,15 +134,19 @@ bool lq_by_panels(index_t m, index_t n, T *a, index_t lda, T *tau) {
     return true;
 }
 
-// A small matrix, by its adjoint.
+// So much memory is spent on the adjoint of a matrix, whose columns are faster than rows.
+constexpr index_t copy_bytes = 32 << 20;
+
 template <class T>
-bool lq_at_once(index_t m, index_t n, T *a, index_t lda, T *tau, T *work) {
+bool lq_of_copy(index_t m, index_t n, T *a, index_t lda, T *tau, T *work) {
     const index_t ld = padded<T>(n);
+    if (ld > copy_bytes / index_t(sizeof(T)) / m)
+        return false;
     const scratch<T> copy(ld * m);
     if (copy.empty())
         return false;
     copy_adjoint(m, n, a, lda, copy.data(), ld);
-    factor_columns(n, m, copy.data(), ld, tau, work);
+    geqrf(n, m, copy.data(), ld, tau, work, m);
     copy_adjoint(n, m, copy.data(), ld, a, lda);
     return true;
 }
@@ -184,10 +188,8 @@ index_t geqrf(index_t m, index_t n, T *a, index_t lda, T *tau, T *work, index_t 
 
 template <class T>
 index_t gelqf(index_t m, index_t n, T *a, index_t lda, T *tau, T *work, index_t lwork) {
-    const index_t k = least(m, n);
-    if (lwork != -1 && k > 0 &&
-        !(k <= unblocked<T> ? lq_at_once(m, n, a, lda, tau, work)
-                            : lq_by_panels(m, n, a, lda, tau)))
+    if (lwork != -1 && least(m, n) > 0 && !lq_of_copy(m, n, a, lda, tau, work) &&
+        !lq_by_panels(m, n, a, lda, tau))
         gelq2(m, n, a, lda, tau, work);
     *work = best_work<T>(algorithm::qr, m);
     return 0;

@@ -8,9 +8,6 @@
 namespace vox::lapack {
 namespace {
 
-// As many columns at a time are factored one by one.
-constexpr index_t leaf = 16;
-
 // The upper triangle of the first n rows moves to R; ones and zeros take its place.
 template <class T>
 void take_r(index_t n, T *a, index_t lda, T *r, index_t ldr) {
@@ -26,11 +23,11 @@ void take_r(index_t n, T *a, index_t lda, T *r, index_t ldr) {
 template <class T>
 void factor_panel(index_t m, index_t n, T *a, index_t lda, T *r, index_t ldr, T *tau, T *t,
                   index_t ldt, T *w) {
-    if (n <= leaf) {
+    if (n <= few_reflectors) {
         factor_columns(m, n, a, lda, tau, w, t, ldt);
         return take_r(n, a, lda, r, ldr);
     }
-    const index_t n1 = (n / 2 + leaf - 1) / leaf * leaf, n2 = n - n1;
+    const index_t n1 = (n / 2 + few_reflectors - 1) / few_reflectors * few_reflectors, n2 = n - n1;
     T *const right = a + n1 * lda, *const v2 = right + n1;
     T *const t2 = t + n1 + n1 * ldt, *const corner = t + n1 * ldt;
     factor_panel(m, n1, a, lda, r, ldr, tau, t, ldt, w);

@@ -9,7 +9,9 @@
     VOX_DISPATCH_NAMED(lapack, p##factor_columns, p##factor_columns, void,                         \
                        VOX_FACTOR_COLUMNS_PARAMETERS(T), VOX_FACTOR_COLUMNS_ARGUMENTS)             \
     VOX_DISPATCH_NAMED(lapack, p##apply_reflectors, p##apply_reflectors, void,                     \
-                       VOX_APPLY_REFLECTORS_PARAMETERS(T), VOX_APPLY_REFLECTORS_ARGUMENTS)
+                       VOX_APPLY_REFLECTORS_PARAMETERS(T), VOX_APPLY_REFLECTORS_ARGUMENTS)         \
+    VOX_DISPATCH_NAMED(lapack, p##triangular_factor, p##triangular_factor, void,                   \
+                       VOX_TRIANGULAR_FACTOR_PARAMETERS(T), VOX_TRIANGULAR_FACTOR_ARGUMENTS)
 VOX_PRECISIONS(DISPATCH)
 
 namespace vox::lapack {
@@ -32,6 +34,11 @@ void careful_reflector(index_t n, T *alpha, T *x, T *tau) {
     void apply_reflectors<T>(index_t m, index_t n, index_t k, const T *v, index_t ldv,             \
                              const T *tau, bool adjoint, bool ascending, T *c, index_t ldc) {      \
         p##apply_reflectors(m, n, k, v, ldv, tau, adjoint, ascending, c, ldc);                     \
+    }                                                                                              \
+    template <>                                                                                    \
+    void triangular_factor<T>(index_t m, index_t k, const T *v, index_t ldv, const T *tau, T *t,   \
+                              index_t ldt) {                                                       \
+        p##triangular_factor(m, k, v, ldv, tau, t, ldt);                                           \
     }
 VOX_PRECISIONS(INSTANCES)
 

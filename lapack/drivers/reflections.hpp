@@ -17,4 +17,12 @@ template <class T>
 void apply_reflectors(index_t m, index_t n, index_t k, const T *v, index_t ldv, const T *tau,
                       bool adjoint, bool ascending, T *c, index_t ldc);
 
+// The triangular factor of H(1) .. H(k), of such vectors.
+template <class T>
+void triangular_factor(index_t m, index_t k, const T *v, index_t ldv, const T *tau, T *t,
+                       index_t ldt);
+
+// As many columns at a time are worth no recursion.
+constexpr index_t few_reflectors = 16;
+
 } // namespace vox::lapack

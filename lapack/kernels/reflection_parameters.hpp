@@ -20,3 +20,8 @@ using reflector_maker = void(index_t n, T *alpha, T *x, T *tau);
     (vox::index_t m, vox::index_t n, vox::index_t k, const T *v, vox::index_t ldv, const T *tau,   \
      bool adjoint, bool ascending, T *c, vox::index_t ldc)
 #define VOX_APPLY_REFLECTORS_ARGUMENTS (m, n, k, v, ldv, tau, adjoint, ascending, c, ldc)
+
+#define VOX_TRIANGULAR_FACTOR_PARAMETERS(T)                                                        \
+    (vox::index_t m, vox::index_t k, const T *v, vox::index_t ldv, const T *tau, T *t,             \
+     vox::index_t ldt)
+#define VOX_TRIANGULAR_FACTOR_ARGUMENTS (m, k, v, ldv, tau, t, ldt)

@@ -8,5 +8,9 @@
     extern "C" void VOX_KERNEL_NAMED(lapack, p##apply_reflectors)                                  \
         VOX_APPLY_REFLECTORS_PARAMETERS(T) {                                                       \
         apply_reflectors(m, n, k, v, ldv, tau, adjoint, ascending, c, ldc);                        \
+    }                                                                                              \
+    extern "C" void VOX_KERNEL_NAMED(lapack, p##triangular_factor)                                 \
+        VOX_TRIANGULAR_FACTOR_PARAMETERS(T) {                                                      \
+        triangular_factor(m, k, v, ldv, tau, t, ldt);                                              \
     }
 VOX_PRECISIONS(KERNELS)

@@ -23,9 +23,9 @@ struct reflector {
 };
 
 // What the rows below `from` give: c_k += v w_k, unless there is no v, then sums_k = next^H c_k.
-template <bool updated, int C, class T>
+template <bool updated, int C, class T, class Column>
 VOX_INLINE void sweep_rows(index_t from, index_t m, const T *v, const T *w, const T *next,
-                           T *const (&c)[C], T *sums) {
+                           Column *const (&c)[C], T *sums) {
     const factors<C, T> f(w);
     column_sums<C, T, 1> along;
     for_rows<1, T>(m - from, [&](auto u, index_t i, auto access) VOX_INLINED {
@@ -50,21 +50,27 @@ VOX_INLINE void sweep_rows(index_t from, index_t m, const T *v, const T *w, cons
     unroll<C>([&](auto k) VOX_INLINED { sums[k] = conj_if(true, sums[k]); });
 }
 
+// w_k = v^H c_k.
+template <int C, class T>
+__attribute__((noinline)) void multiply(index_t m, reflector<T> h, const T *c, index_t ldc, T *w) {
+    const T *columns[C];
+    T none[C] = {}, sums[C];
+    unroll<C>([&](auto k) VOX_INLINED { columns[k] = c + k * ldc; });
+    sweep_rows<false>(h.head + 1, m, h.v, none, h.v, columns, sums);
+    unroll<C>([&](auto k) VOX_INLINED { w[k] = columns[k][h.head] + sums[k]; });
+}
+
 // c_k -= v w_k, then w_k = next^H c_k. Either may be missing (null): there was none before, or there
 // is none to come. The heads are neighbours.
 template <int C, class T>
 __attribute__((noinline)) void sweep(index_t m, reflector<T> last, reflector<T> next, T *c,
                                      index_t ldc, T *w) {
+    if (!last.v)
+        return multiply<C>(m, next, c, ldc, w);
     T *columns[C];
-    T minus[C] = {}, top[C], sums[C];
-    unroll<C>([&](auto k) VOX_INLINED { columns[k] = c + k * ldc; });
-    if (!last.v) {
-        unroll<C>([&](auto k) VOX_INLINED { top[k] = columns[k][next.head]; });
-        sweep_rows<false>(next.head + 1, m, last.v, minus, next.v, columns, sums);
-        unroll<C>([&](auto k) VOX_INLINED { w[k] = top[k] + sums[k]; });
-        return;
-    }
+    T minus[C], top[C], sums[C];
     unroll<C>([&](auto k) VOX_INLINED {
+        columns[k] = c + k * ldc;
         columns[k][last.head] -= w[k];
         minus[k] = -w[k];
     });
@@ -168,6 +174,30 @@ VOX_INLINE bool make_reflector(real_of<T> squares, index_t rows, T &alpha, T *x,
     return true;
 }
 
+// Column j of the triangular factor of H(0) .. H(j), whose first columns are there; v is that of H(j).
+template <class T>
+VOX_INLINE void extend_factor(index_t m, index_t j, const T *v, index_t ldv, T tau, T *t,
+                              index_t ldt) {
+    T *const column = t + j * ldt;
+    for_columns(j, [&](auto group, index_t c) VOX_INLINED {
+        multiply<group>(m, {v + j * ldv, j}, v + c * ldv, ldv, column + c);
+    });
+    for (index_t i = 0; i < j; ++i) {
+        T sum{};
+        for (index_t c = i; c < j; ++c) // column[c] is still v_j^H v_c
+            sum += t[i + c * ldt] * conj_if(true, column[c]);
+        column[i] = -(tau * sum);
+    }
+    column[j] = tau;
+}
+
+template <class T>
+void triangular_factor(index_t m, index_t k, const T *v, index_t ldv, const T *tau, T *t,
+                       index_t ldt) {
+    for (index_t j = 0; j < k; ++j)
+        extend_factor(m, j, v, ldv, tau[j], t, ldt);
+}
+
 // A := its QR factors, w: n elements. With t, the triangular factor of the block reflector as well.
 template <class T>
 void factor_columns(index_t m, index_t n, T *a, index_t lda, T *tau, T *w, T *t, index_t ldt,
@@ -194,19 +224,8 @@ void factor_columns(index_t m, index_t n, T *a, index_t lda, T *tau, T *w, T *t,
         for (index_t c = j + 1; c < n; ++c)
             w[c] = nothing ? T{} : conj_if(true, tau[j]) * w[c];
         last = next;
-        if (!t)
-            continue;
-        T *const column = t + j * ldt;
-        for_columns(j, [&](auto group, index_t c) VOX_INLINED {
-            sweep<group>(m, {nullptr, 0}, next, a + c * lda, lda, column + c);
-        });
-        for (index_t i = 0; i < j; ++i) {
-            T sum{};
-            for (index_t c = i; c < j; ++c) // column[c] is still v_j^H v_c
-                sum += t[i + c * ldt] * conj_if(true, column[c]);
-            column[i] = -(tau[j] * sum);
-        }
-        column[j] = tau[j];
+        if (t)
+            extend_factor(m, j, a, lda, tau[j], t, ldt);
     }
     if (last.v)
         for_columns(n - k, [&](auto group, index_t c) VOX_INLINED {

@@ -174,7 +174,7 @@ TYPED_TEST_SUITE(Qr, types);
 constexpr std::tuple<int, int> shapes[] = {
     {1, 1},   {1, 5},   {5, 1},    {2, 2},    {3, 7},     {7, 3},    {8, 8},   {9, 10},
     {16, 17}, {33, 31}, {48, 48},  {49, 49},  {50, 130},  {130, 50}, {65, 64}, {81, 80},
-    {97, 65}, {65, 97}, {20, 200}, {200, 20}, {129, 128}, {230, 210}};
+    {97, 65}, {65, 97}, {20, 200}, {200, 20}, {129, 128}, {150, 161}};
 
 TYPED_TEST(Qr, FactorsMultiplyToTheMatrix) {
     for (const auto &[m, n] : shapes)
@@ -187,7 +187,7 @@ TYPED_TEST(Qr, ThreadsFactorWhatOneDoes) {
     const thread_counts counts;
     counts.set(3);
     for (bool by_columns : {true, false})
-        this->expect_factors(331, 333, by_columns, true);
+        this->expect_factors(250, 241, by_columns, true);
 }
 
 TYPED_TEST(Qr, QHasOrthonormalVectors) {
