@@ -34,8 +34,7 @@ class q_blocks {
     // others: rows or columns of what the reflectors are applied to; 0 if nothing is to be copied.
     q_blocks(const stored_q<T> &q, index_t others)
         : q_(q), nb_(least(q.k, block_size<T>(algorithm::apply_q, q.order, others))),
-          ld_(padded<T>(q.order)),
-          memory_(others ? nb_ * (ld_ + nb_ + most(nb_, others)) : 0) {}
+          ld_(padded<T>(q.order)), memory_(others ? nb_ * (ld_ + nb_ + most(nb_, others)) : 0) {}
 
     bool empty() const { return memory_.empty(); }
     index_t width() const { return nb_; }

@@ -24,20 +24,23 @@ void careful_reflector(index_t n, T *alpha, T *x, T *tau) {
 
 } // namespace
 
+// With standard types for arguments, gcc takes a specialisation for a public one.
+#define VOX_HIDDEN __attribute__((visibility("hidden")))
 #define INSTANCES(p, P, T)                                                                         \
     template <>                                                                                    \
-    void factor_columns<T>(index_t m, index_t n, T * a, index_t lda, T * tau, T * w, T * t,        \
-                           index_t ldt) {                                                          \
+    VOX_HIDDEN void factor_columns<T>(index_t m, index_t n, T * a, index_t lda, T * tau, T * w,    \
+                                      T * t, index_t ldt) {                                        \
         p##factor_columns(m, n, a, lda, tau, w, t, ldt, careful_reflector<T>);                     \
     }                                                                                              \
     template <>                                                                                    \
-    void apply_reflectors<T>(index_t m, index_t n, index_t k, const T *v, index_t ldv,             \
-                             const T *tau, bool adjoint, bool ascending, T *c, index_t ldc) {      \
+    VOX_HIDDEN void apply_reflectors<T>(index_t m, index_t n, index_t k, const T *v, index_t ldv,  \
+                                        const T *tau, bool adjoint, bool ascending, T *c,          \
+                                        index_t ldc) {                                             \
         p##apply_reflectors(m, n, k, v, ldv, tau, adjoint, ascending, c, ldc);                     \
     }                                                                                              \
     template <>                                                                                    \
-    void triangular_factor<T>(index_t m, index_t k, const T *v, index_t ldv, const T *tau, T *t,   \
-                              index_t ldt) {                                                       \
+    VOX_HIDDEN void triangular_factor<T>(index_t m, index_t k, const T *v, index_t ldv,            \
+                                         const T *tau, T *t, index_t ldt) {                        \
         p##triangular_factor(m, k, v, ldv, tau, t, ldt);                                           \
     }
 VOX_PRECISIONS(INSTANCES)
