@@ -44,6 +44,10 @@ add_library(vox_test_support STATIC
   ${PROJECT_SOURCE_DIR}/tests/support/main.cpp
   ${PROJECT_SOURCE_DIR}/tests/support/child.cpp)
 target_link_libraries(vox_test_support PUBLIC vox_host_options GTest::gtest)
+# What is checked for undefined behaviour is the library: tests would take five times as long to compile.
+if(VOX_SANITIZE)
+  target_compile_options(vox_test_support PUBLIC -O1 -g1 -fno-sanitize=undefined)
+endif()
 
 set(VOX_TEST_ENVIRONMENT
   "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
