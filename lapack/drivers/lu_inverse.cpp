@@ -2,13 +2,25 @@
 //
 // L lies where X comes to be, so its columns move to the workspace a block at a time, from the right;
 // a block of X is U^-1's less what the columns on the right have a part in, divided by the block's
-// own triangle.
+// own triangle. Small inverses are a kernel's.
 #include "blas/drivers/team.hpp"
 #include "lapack/blas.hpp"
 #include "lapack/block_sizes.hpp"
 #include "lapack/drivers/lu.hpp"
 #include "lapack/drivers/triangular.hpp"
+#include "lapack/panel.hpp"
+#include "serv/dispatch.hpp"
 #include "serv/scratch.hpp"
+
+#define GETRI(p, P, T)                                                                             \
+    VOX_DISPATCH(lapack, p##getri, void,                                                           \
+                 (vox::index_t n, T * a, vox::index_t lda, const vox::index_t *ipiv),              \
+                 (n, a, lda, ipiv))                                                                \
+    static inline void finish_inverse(vox::index_t n, T *a, vox::index_t lda,                      \
+                                      const vox::index_t *ipiv) {                                  \
+        x##p##getri(n, a, lda, ipiv);                                                              \
+    }
+VOX_PRECISIONS(GETRI)
 
 namespace vox::lapack {
 namespace {
@@ -75,6 +87,10 @@ index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_
         return 0;
     if (const index_t info = trtri('U', 'N', n, a, lda))
         return info;
+    if (n <= small_inverse) {
+        finish_inverse(n, a, lda, ipiv);
+        return 0;
+    }
     // A caller's small workspace is not a reason to be slow.
     const index_t block = best_block<T>(n, told), room = lwork / n;
     const scratch<T> own(room < block ? n * block : 0);
