@@ -1,6 +1,7 @@
 // lu_test.cpp - LU factorisation, solutions and inverses: backward errors over shapes that straddle
 // every block edge, pivots, singular and extreme matrices, NaN and infinities, workspaces, threads.
 #include <cmath>
+#include <random>
 
 #include <gtest/gtest.h>
 
