@@ -5,7 +5,10 @@
 
 namespace vox::lapack {
 
-// The most columns of a panel that a kernel factors.
-constexpr index_t panel_width = 16;
+// The columns of the panels that a matrix is divided into, and the most that a kernel factors.
+constexpr index_t panel_width = 16, widest_panel = 24;
+
+// The largest order of an inverse that a kernel completes.
+constexpr index_t small_inverse = 32;
 
 } // namespace vox::lapack

@@ -35,7 +35,7 @@ index_t left_columns(index_t n) {
 template <class T>
 index_t factor_columns(index_t m, index_t n, T *a, index_t lda, index_t *ipiv) {
     const index_t steps = m < n ? m : n;
-    if (n <= panel_width)
+    if (n <= panel_width || (n <= widest_panel && m <= widest_panel && !is_complex<T>))
         return factor_panel(m, n, a, lda, ipiv);
     const index_t left = steps <= panel_width ? steps : left_columns(steps), right = n - left;
     T *const above = a + left * lda, *const below = above + left;

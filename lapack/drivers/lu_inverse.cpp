@@ -2,16 +2,39 @@
 //
 // L lies where X comes to be, so its columns move to the workspace a block at a time, from the right;
 // a block of X is U^-1's less what the columns on the right have a part in, divided by the block's
-// own triangle.
+// own triangle. Small inverses are a kernel's.
 #include "blas/drivers/team.hpp"
 #include "lapack/blas.hpp"
 #include "lapack/block_sizes.hpp"
 #include "lapack/drivers/lu.hpp"
 #include "lapack/drivers/triangular.hpp"
+#include "lapack/panel.hpp"
+#include "serv/dispatch.hpp"
 #include "serv/scratch.hpp"
+
+#define GETRI(p, P, T)                                                                             \
+    VOX_DISPATCH(lapack, p##getri, void,                                                           \
+                 (vox::index_t n, T * a, vox::index_t lda, const vox::index_t *ipiv),              \
+                 (n, a, lda, ipiv))                                                                \
+    static inline void finish_inverse(vox::index_t n, T *a, vox::index_t lda,                      \
+                                      const vox::index_t *ipiv) {                                  \
+        x##p##getri(n, a, lda, ipiv);                                                              \
+    }
+VOX_PRECISIONS(GETRI)
 
 namespace vox::lapack {
 namespace {
+
+// The columns of a block. A matrix beyond all caches is read from there once for each block, so its
+// blocks are wider than a program can be asked to bring room for.
+template <class T>
+index_t best_block(index_t n, index_t told) {
+    constexpr index_t far_bytes = 4 * 1024 * 1024, far_block = 512;
+    if (n * n * index_t(sizeof(T)) < far_bytes)
+        return n < told ? n : told;
+    const index_t blocks = (n + far_block - 1) / far_block;
+    return (n + blocks - 1) / blocks;
+}
 
 // Columns j .. j + count - 1 of L leave a for `to`, whose rows are a's; zeros are left.
 template <class T>
@@ -57,21 +80,26 @@ void divide_by_lower(index_t n, T *a, index_t lda, index_t block, T *work) {
 
 template <class T>
 index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_t lwork) {
-    const index_t block = block_size<T>(algorithm::inverse, n, n), best = n > 1 ? n * block : 1;
-    work[0] = make<T>(real_of<T>(best));
+    const index_t told = block_size<T>(algorithm::inverse, n, n);
+    const auto size = make<T>(real_of<T>(n > 1 ? n * told : 1));
+    work[0] = size;
     if (lwork == -1 || n <= 0)
         return 0;
     if (const index_t info = trtri('U', 'N', n, a, lda))
         return info;
+    if (n <= small_inverse) {
+        finish_inverse(n, a, lda, ipiv);
+        return 0;
+    }
     // A caller's small workspace is not a reason to be slow.
-    const index_t most = n < block ? n : block;
-    const scratch<T> own(lwork < n * most ? n * most : 0);
+    const index_t block = best_block<T>(n, told), room = lwork / n;
+    const scratch<T> own(room < block ? n * block : 0);
     if (own.empty())
-        divide_by_lower(n, a, lda, lwork / n < most ? lwork / n : most, work);
+        divide_by_lower(n, a, lda, room < block ? room : block, work);
     else
-        divide_by_lower(n, a, lda, most, own.data());
+        divide_by_lower(n, a, lda, block, own.data());
     exchange_columns(n, a, lda, ipiv);
-    work[0] = make<T>(real_of<T>(best));
+    work[0] = size;
     return 0;
 }
 
