@@ -16,9 +16,10 @@ namespace {
 template <class T>
 index_t place_of_largest(index_t n, const T *x) {
     index_t place = 0;
+    real_of<T> most = magnitude(x[0]);
     for (index_t i = 1; i < n; ++i)
-        if (magnitude(x[i]) > magnitude(x[place]))
-            place = i;
+        if (const real_of<T> here = magnitude(x[i]); here > most)
+            place = i, most = here;
     return place;
 }
 
