@@ -5,7 +5,6 @@
 
 #include <limits>
 
-#include "lapack/blas.hpp"
 #include "lapack/drivers/magnitudes.hpp"
 #include "lapack/drivers/norms.hpp"
 #include "lapack/drivers/scaled_solve.hpp"
@@ -181,7 +180,7 @@ bool norm_of_inverse(bool infinity, index_t n, const workspace<T> &w, real_of<T>
             return true;
         const real_of<T> scale = solve((kase == 2) != infinity, w.x, norms_known);
         if (scale != 1) {
-            if (scale == 0 || scale < size(w.x[largest(n, w.x)]) * threshold)
+            if (scale == 0 || scale < largest_size(n, w.x) * threshold)
                 return false;
             rscl(n, scale, w.x, 1);
         }

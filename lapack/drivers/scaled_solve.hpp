@@ -1,6 +1,7 @@
 // scaled_solve.hpp - triangular systems and divisions that do not overflow.
 #pragma once
 
+#include "lapack/blas.hpp"
 #include "serv/base.hpp"
 #include "serv/scalar.hpp"
 
@@ -25,14 +26,10 @@ template <class T>
 constexpr real_of<T> size(T a) {
     return __builtin_fabs(real(a)) + __builtin_fabs(imag(a));
 }
-// The place, from 0, of the entry of largest size; any NaN is taken for the largest. n > 0.
+// The size of the entry of largest size; n > 0. NaN may be passed over.
 template <class T>
-index_t largest(index_t n, const T *x) {
-    index_t place = 0;
-    for (index_t i = 1; i < n && size(x[place]) == size(x[place]); ++i)
-        if (!(size(x[i]) <= size(x[place])))
-            place = i;
-    return place;
+real_of<T> largest_size(index_t n, const T *x) {
+    return size(x[blas::iamax(n, x, 1) - 1]);
 }
 
 } // namespace vox::lapack
