@@ -140,10 +140,11 @@ class substitution {
                             : a_scale_ * conj_if(trans_ == 'C', a_[j + j * lda_]);
     }
 
-    // x_j := x_j / d. Where d is zero: x becomes a solution of the homogeneous system.
+    // x_j := x_j / d. Where d is zero, or not a number: x becomes a solution of the homogeneous
+    // system.
     void divide_entry(index_t j, T d) {
         const R xj = size(x_[j]), dj = size(d);
-        if (dj == 0) {
+        if (!(dj > 0)) {
             for (index_t i = 0; i < n_; ++i)
                 x_[i] = T{};
             x_[j] = one<T>;

@@ -8,8 +8,8 @@
 namespace vox::lapack {
 
 // Solves op(A) x = s b for x in b's place, with an s >= 0 such that no entry of x overflows, and
-// returns s: 1 in the ordinary case. Where A has a zero on its diagonal, s = 0 and x is not zero:
-// op(A) x = 0. A may be nearly singular and have entries close to overflow.
+// returns s: 1 in the ordinary case. Where A has a zero on its diagonal (or a NaN, if it is found),
+// s = 0 and x is not zero: op(A) x = 0. A may be nearly singular and have entries close to overflow.
 //
 // norms[j] is the sum of |re| + |im| of column j beside the diagonal, found here unless they are
 // known from a call before.

@@ -4,7 +4,6 @@
 
 #include "tests/lapack/support.hpp"
 #include "vox/lapack.h"
-#include "vox/lapacke.h"
 
 namespace {
 
@@ -51,9 +50,6 @@ struct lapack;
             const int n = a.columns(), nrhs = b.columns(), lda = a.ld(), ldb = b.ld();             \
             p##trtrs(&uplo, &trans, &diag, &n, &nrhs, a.data(), &lda, b.data(), &ldb, &info);      \
             return info;                                                                           \
-        }                                                                                          \
-        static int potrf_by_rows(char uplo, matrix<T> &a) {                                        \
-            return LAPACKE_##p##potrf(LAPACK_ROW_MAJOR, uplo, a.columns(), a.data(), a.ld());      \
         }                                                                                          \
     };
 VOX_PRECISIONS(ROUTINES)
@@ -184,7 +180,7 @@ TYPED_TEST(Cholesky, BackwardErrors) {
         }
 }
 
-// The recursive and the unblocked routines, and rows instead of columns.
+// The recursive and the unblocked routines.
 TYPED_TEST(Cholesky, Relatives) {
     using T = TypeParam;
     using routines = lapack<T>;
@@ -196,11 +192,6 @@ TYPED_TEST(Cholesky, Relatives) {
         EXPECT_EQ(routines::potrf2(uplo, g), 0);
         EXPECT_LE(factor_error(uplo, a, given(uplo, 'N', f)), threshold);
         EXPECT_LE(factor_error(uplo, a, given(uplo, 'N', g)), threshold);
-        // The array by rows is A^T = conj(A), whose factor comes back transposed: a factor of A.
-        matrix<T> by_rows = a;
-        const char other = uplo == 'U' ? 'L' : 'U';
-        EXPECT_EQ(routines::potrf_by_rows(uplo, by_rows), 0);
-        EXPECT_LE(factor_error(other, a, given(other, 'N', by_rows)), threshold);
     }
 }
 
