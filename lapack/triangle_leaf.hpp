@@ -9,9 +9,11 @@
 
 namespace vox::lapack {
 
-// The largest order of a leaf.
+// The largest order of a leaf: where halves and level 3 begin to be as fast as the kernels.
 template <class T>
-constexpr index_t triangle_leaf = 32;
+constexpr index_t triangle_leaf = sizeof(T) == 4   ? 64
+                                  : sizeof(T) == 8 ? 48
+                                                   : 32;
 
 } // namespace vox::lapack
 

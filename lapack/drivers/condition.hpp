@@ -27,10 +27,7 @@ using con_work = std::conditional_t<is_complex<T>, real_of<T>, vox_int>;
 // Reciprocal condition numbers in the 1-norm (norm is '1' or 'O') or the infinity norm ('I'): of A
 // from its LU factors, of A from its Cholesky factor, of a triangle. anorm is A's norm. work holds
 // 4 n entries in gecon, 3 n in the others; 2 n for complex types. The last holds n entries, 2 n in
-// complex gecon.
-//
-// gecon's info: -5 where anorm is NaN, which rcond becomes, or infinite, 1 where rcond is not finite
-// or the inverse's norm comes out as 0.
+// complex gecon. A triangle whose diagonal holds a zero or NaN has 0.
 template <class T>
 index_t gecon(char norm, index_t n, const T *a, index_t lda, real_of<T> anorm, real_of<T> *rcond,
               T *work, con_work<T> *last);

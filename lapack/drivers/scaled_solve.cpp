@@ -7,8 +7,6 @@
 
 #include <limits>
 
-#include "lapack/blas.hpp"
-
 namespace vox::lapack {
 namespace {
 
@@ -48,7 +46,7 @@ class substitution {
             plain();
             return 1;
         }
-        xmax_ = half_size(x_[largest(n_, x_)]);
+        xmax_ = half_size(x_[blas::iamax(n_, x_, 1) - 1]);
         if (a_scale_ == 1 && growth_is_harmless()) {
             plain();
         } else {
@@ -77,7 +75,7 @@ class substitution {
     // Chooses a_scale_ <= 1 such that the norms, times it, are at most huge; they are multiplied by
     // it. False if there is no such number.
     bool scale_matrix() {
-        const R top = norms_[largest(n_, norms_)], infinity = std::numeric_limits<R>::infinity();
+        const R top = largest_size(n_, norms_), infinity = std::numeric_limits<R>::infinity();
         if (top <= huge<R> / 2)
             return true;
         if (top < infinity) {
@@ -88,7 +86,7 @@ class substitution {
         R entry = 0; // sums overflow: from the entries
         for (index_t j = 0; j < n_; ++j)
             if (count(j) > 0) {
-                const R here = half_size(beside(j)[largest(count(j), beside(j))]);
+                const R here = half_size(beside(j)[blas::iamax(count(j), beside(j), 1) - 1]);
                 if (!(here < infinity))
                     return false;
                 entry = most(entry, here);
@@ -142,10 +140,11 @@ class substitution {
                             : a_scale_ * conj_if(trans_ == 'C', a_[j + j * lda_]);
     }
 
-    // x_j := x_j / d. Where d is zero: x becomes a solution of the homogeneous system.
+    // x_j := x_j / d. Where d is zero, or not a number: x becomes a solution of the homogeneous
+    // system.
     void divide_entry(index_t j, T d) {
         const R xj = size(x_[j]), dj = size(d);
-        if (dj == 0) {
+        if (!(dj > 0)) {
             for (index_t i = 0; i < n_; ++i)
                 x_[i] = T{};
             x_[j] = one<T>;
@@ -174,7 +173,7 @@ class substitution {
             return;
         T *const rest = x_ + first(j);
         blas::axpy(count(j), -(a_scale_ * x_[j]), beside(j), 1, rest, 1);
-        xmax_ = size(rest[largest(count(j), rest)]);
+        xmax_ = largest_size(count(j), rest);
     }
 
     void solve_along(index_t j) {

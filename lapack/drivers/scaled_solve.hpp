@@ -1,14 +1,15 @@
 // scaled_solve.hpp - triangular systems and divisions that do not overflow.
 #pragma once
 
+#include "lapack/blas.hpp"
 #include "serv/base.hpp"
 #include "serv/scalar.hpp"
 
 namespace vox::lapack {
 
 // Solves op(A) x = s b for x in b's place, with an s >= 0 such that no entry of x overflows, and
-// returns s: 1 in the ordinary case. Where A has a zero on its diagonal, s = 0 and x is not zero:
-// op(A) x = 0. A may be nearly singular and have entries close to overflow.
+// returns s: 1 in the ordinary case. Where A has a zero on its diagonal (or a NaN, if it is found),
+// s = 0 and x is not zero: op(A) x = 0. A may be nearly singular and have entries close to overflow.
 //
 // norms[j] is the sum of |re| + |im| of column j beside the diagonal, found here unless they are
 // known from a call before.
@@ -25,14 +26,10 @@ template <class T>
 constexpr real_of<T> size(T a) {
     return __builtin_fabs(real(a)) + __builtin_fabs(imag(a));
 }
-// The place, from 0, of the entry of largest size; any NaN is taken for the largest. n > 0.
+// The size of the entry of largest size; n > 0. NaN may be passed over.
 template <class T>
-index_t largest(index_t n, const T *x) {
-    index_t place = 0;
-    for (index_t i = 1; i < n && size(x[place]) == size(x[place]); ++i)
-        if (!(size(x[i]) <= size(x[place])))
-            place = i;
-    return place;
+real_of<T> largest_size(index_t n, const T *x) {
+    return size(x[blas::iamax(n, x, 1) - 1]);
 }
 
 } // namespace vox::lapack

@@ -64,7 +64,7 @@ struct planes {
         ld = (n + strip - 1) / strip * strip;
         constexpr vec<R> zero{};
         const index_t size =
-            n * ld; // the stores could reach n and ld for all that the compiler knows
+            n * ld; // which the stores could reach, for all that the compiler knows
         for (index_t i = 0; i < size; i += lanes<R>) {
             store(re + i, zero);
             if constexpr (is_complex<T>)
