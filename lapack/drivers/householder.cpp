@@ -60,13 +60,15 @@ void larf(char side, index_t m, index_t n, const T *v, index_t incv, T tau, T *c
     if (is_zero(tau))
         return;
     const bool left = side == 'L';
-    // Zeros at the end of v concern no row (column) of C; with a negative increment, the end is
-    // where v begins.
+    // Zeros at the end of v concern no row (column) of C. With a negative increment v begins with its
+    // end.
     index_t order = left ? m : n;
     for (const T *end = incv > 0 ? v + (order - 1) * incv : v; order > 0 && is_zero(*end);
-         end -= incv)
+         end -= incv) {
         --order;
-    if (order == 0)
+        v -= incv > 0 ? 0 : incv;
+    }
+    if (order <= 0)
         return;
     if (left) {
         blas::gemv('C', order, n, one<T>, c, ldc, v, incv, T{}, work, 1);

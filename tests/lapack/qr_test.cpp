@@ -273,6 +273,51 @@ TYPED_TEST(Qr, BlocksOfReflectors) {
             }
 }
 
+// H C and C H with v given whole, from either end; what its last zeros stand beside is not looked at.
+TYPED_TEST(Qr, OneReflectorTimesAMatrix) {
+    using T = TypeParam;
+    using R = vox::real_of<T>;
+    const int order = 9, zeros = 2, others = 5;
+    const R nan = std::numeric_limits<R>::quiet_NaN();
+    const T tau = random_matrix<T>(1, 1, 1)(0, 0);
+    for (vox_int inc : {1, 2, -1, -3})
+        for (char side : {'L', 'R'}) {
+            const bool left = side == 'L';
+            matrix<T> v = random_matrix<T>(1 + (order - 1) * std::abs(inc), 1, 2);
+            matrix<exact<T>> x(order, 1);
+            for (int i = 0; i < order; ++i) {
+                T &at = v((inc > 0 ? i : i - (order - 1)) * inc, 0);
+                if (i >= order - zeros)
+                    at = T{};
+                x(i, 0) = to_exact(at);
+            }
+            const matrix<T> c =
+                random_matrix<T>(left ? order : others, left ? others : order, 3, 1);
+            matrix<T> got = c;
+            for (int j = 0; j < others; ++j)
+                (left ? got(order - 1, j) : got(j, order - 1)) = vox::make<T>(nan);
+            std::vector<T> work(size_t(others), T{});
+            call_quiet(fortran<T>::larf, side, c.rows(), c.columns(), v.data(), inc, &tau,
+                       got.data(), got.ld(), work.data());
+            for (int j = 0; j < others; ++j) {
+                T &at = left ? got(order - 1, j) : got(j, order - 1);
+                EXPECT_TRUE(std::isnan(vox::real(at)));
+                at = left ? c(order - 1, j) : c(j, order - 1);
+            }
+            // C H = (H^H C^H)^H
+            const auto whole = left ? exactly(c) : adjoint(exactly(c));
+            auto row = times(adjoint(x), whole);
+            for (int j = 0; j < others; ++j)
+                row(0, j) *= to_exact(vox::conj_if(!left, tau));
+            const auto expected = minus_product(whole, x, row);
+            const auto is = left ? exactly(got) : adjoint(exactly(got));
+            EXPECT_LE(scaled<T>(one_norm(minus(is, expected)), order, one_norm(expected)),
+                      threshold)
+                << inc << side;
+            EXPECT_TRUE(got.nothing_between_was_touched());
+        }
+}
+
 // One reflector from (alpha, x): its beta has their length, wherever that lies in the range.
 TYPED_TEST(Qr, ReflectorsOfAnyLength) {
     using T = TypeParam;
