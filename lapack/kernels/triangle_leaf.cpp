@@ -116,9 +116,10 @@ struct tile {
         });
     }
     VOX_INLINE void load(const planes<T> &p, index_t i, index_t j) {
+        const index_t ld = p.ld;
         unroll<width>([&](auto q) VOX_INLINED {
             unroll<rows>([&](auto r) VOX_INLINED {
-                const index_t at = i + r * lanes<R> + (j + q) * p.ld;
+                const index_t at = i + r * lanes<R> + (j + q) * ld;
                 re[r][q] = simd::load(p.re + at);
                 if constexpr (is_complex<T>)
                     im[r][q] = simd::load(p.im + at);
@@ -128,9 +129,10 @@ struct tile {
     // Times `sign`.
     template <int sign>
     VOX_INLINE void store(planes<T> &p, index_t i, index_t j) const {
+        const index_t ld = p.ld;
         unroll<width>([&](auto q) VOX_INLINED {
             unroll<rows>([&](auto r) VOX_INLINED {
-                const index_t at = i + r * lanes<R> + (j + q) * p.ld;
+                const index_t at = i + r * lanes<R> + (j + q) * ld;
                 simd::store(p.re + at, sign > 0 ? re[r][q] : -re[r][q]);
                 if constexpr (is_complex<T>)
                     simd::store(p.im + at, sign > 0 ? im[r][q] : -im[r][q]);
@@ -224,14 +226,15 @@ VOX_INLINE T minus_product(T a, T b, T c) {
 
 // Four columns of L from A's: the corner of A, from which the products of the columns before have
 // been taken, is factored, with conj(L) transposed above the diagonal of c. The order of the first
-// minor of the corner that is not positive, or 0; what precedes it is then in the planes.
+// minor of the corner that is not positive, or 0; what precedes it is then in the planes, but for the
+// diagonal, which comes apart.
 //
 // From one pivot d to the next leads a division only: x being a column of L times the root of d, the
 // products of L's elements are those of x and x / d. A subnormal d has no reciprocal, and infinity's
 // does not give the root's.
 template <class T>
 VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &c,
-                             real_of<T> (&diagonal)[width]) {
+                             real_of<T> *diagonal) {
     using R = real_of<T>;
     T x[width][width], l[width][width];
     unroll<width>([&](auto q) VOX_INLINED {
@@ -241,16 +244,15 @@ VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &
         });
     });
     int bad = 0;
-    R refused{};
     unroll<width>([&](auto q) VOX_INLINED {
         if (bad || j + q >= order) {
-            c.reciprocal[q] = make<T>(1), diagonal[q] = 1;
+            c.reciprocal[q] = make<T>(1);
             return;
         }
         const R d = real(x[q][q]);
         if (!(d > 0)) { // or not a number
             bad = q + 1;
-            refused = d;
+            diagonal[q] = d;
             return;
         }
         diagonal[q] = sizeof(d) == 4 ? __builtin_sqrtf(d) : __builtin_sqrt(d);
@@ -274,14 +276,9 @@ VOX_INLINE int factor_corner(planes<T> &p, index_t j, index_t order, corner<T> &
             }
         });
     });
-    if (VOX_UNLIKELY(bad)) {
-        for (int k = 0; k < bad - 1; ++k) {
-            p.set(j + k, j + k, make<T>(diagonal[k]));
-            for (int i = k + 1; i < width; ++i)
-                p.set(j + i, j + k, conj_if(true, c.above[k][i]));
-        }
-        p.set(j + bad - 1, j + bad - 1, make<T>(refused));
-    }
+    for (int k = 0; k < bad - 1; ++k)
+        for (int i = k + 1; i < width; ++i)
+            p.set(j + i, j + k, conj_if(true, c.above[k][i]));
     return bad;
 }
 
@@ -291,6 +288,7 @@ VOX_INLINE index_t potrf(bool upper, index_t order, T *a, index_t lda) {
     if constexpr (is_complex<T>)
         for (index_t j = 0; j < order; ++j)
             p.im[j + j * p.ld] = 0;
+    real_of<T> diagonal[planes<T>::most];
     index_t info = 0;
     for (index_t j = 0; j < p.n; j += width) {
         tile<T> t;
@@ -299,13 +297,12 @@ VOX_INLINE index_t potrf(bool upper, index_t order, T *a, index_t lda) {
             t.template subtract_all<true>(p, i, 0, j, j, p.ld, 1);
         };
         const index_t first = strip_of<T>(j);
-        for (index_t i = first; i < j + width; i += p.strip) {
+        for (index_t i = first; i < j + width && j > 0; i += p.strip) {
             lose_columns_before(i);
             t.template store<1>(p, i, j);
         }
         corner<T> c{};
-        real_of<T> diagonal[width];
-        const int at = factor_corner(p, j, order, c, diagonal);
+        const int at = factor_corner(p, j, order, c, diagonal + j);
         if (at) {
             info = j + at;
             break;
@@ -318,10 +315,10 @@ VOX_INLINE index_t potrf(bool upper, index_t order, T *a, index_t lda) {
             t.template divide_by<true>(c);
             t.template store<1>(p, i, j);
         }
-        for (int q = 0; q < width; ++q)
-            p.set(j + q, j + q, make<T>(diagonal[q]));
     }
     p.bring_home(upper, upper, order, a, lda);
+    for (index_t j = 0, end = info ? info : order; j < end; ++j)
+        a[j + j * lda] = make<T>(diagonal[j]);
     return info;
 }
 
