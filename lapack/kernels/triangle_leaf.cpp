@@ -31,10 +31,14 @@ template <class T>
 struct planes {
     using R = real_of<T>;
     static constexpr index_t most = vox::lapack::triangle_leaf<T>;
-    // A strip: the rows whose sums for `width` columns are in registers.
+    // A strip: the rows whose sums for `width` columns are in registers. Of the widest vectors, those
+    // of complex double are halves, which fit small triangles better.
+    static constexpr int bytes = vector_bytes == 64 && sizeof(T) == 16 ? 32 : vector_bytes;
+    static constexpr int lanes = bytes / int(sizeof(R));
     static constexpr int vectors = is_complex<T> || vector_bytes == 64 ? 1 : 2,
-                         strip = vectors * lanes<R>;
+                         strip = vectors * lanes;
     static_assert(most % strip == 0 && most % width == 0);
+    using V = typename vec_of<R, bytes>::type;
 
     alignas(64) R re[most * most];
     alignas(64) R im[is_complex<T> ? most * most : 1];
@@ -62,10 +66,9 @@ struct planes {
     VOX_INLINE planes(bool upper, bool transposed, index_t order, const T *a, index_t lda) {
         n = (order + width - 1) / width * width;
         ld = (n + strip - 1) / strip * strip;
-        constexpr vec<R> zero{};
-        const index_t size =
-            n * ld; // which the stores could reach, for all that the compiler knows
-        for (index_t i = 0; i < size; i += lanes<R>) {
+        constexpr V zero{};
+        const index_t size = n * ld; // both of which the stores could reach, for all that gcc knows
+        for (index_t i = 0; i < size; i += lanes) {
             store(re + i, zero);
             if constexpr (is_complex<T>)
                 store(im + i, zero);
@@ -102,7 +105,8 @@ struct corner {
 template <class T>
 struct tile {
     using R = real_of<T>;
-    using V = vec<R>;
+    using V = typename planes<T>::V;
+    static constexpr int bytes = planes<T>::bytes, lanes = planes<T>::lanes;
     static constexpr int rows = planes<T>::vectors, parts = is_complex<T> ? rows : 1;
     V re[rows][width], im[parts][width];
 
@@ -119,10 +123,10 @@ struct tile {
         const index_t ld = p.ld;
         unroll<width>([&](auto q) VOX_INLINED {
             unroll<rows>([&](auto r) VOX_INLINED {
-                const index_t at = i + r * lanes<R> + (j + q) * ld;
-                re[r][q] = simd::load(p.re + at);
+                const index_t at = i + r * lanes + (j + q) * ld;
+                re[r][q] = simd::load<bytes>(p.re + at);
                 if constexpr (is_complex<T>)
-                    im[r][q] = simd::load(p.im + at);
+                    im[r][q] = simd::load<bytes>(p.im + at);
             });
         });
     }
@@ -132,7 +136,7 @@ struct tile {
         const index_t ld = p.ld;
         unroll<width>([&](auto q) VOX_INLINED {
             unroll<rows>([&](auto r) VOX_INLINED {
-                const index_t at = i + r * lanes<R> + (j + q) * ld;
+                const index_t at = i + r * lanes + (j + q) * ld;
                 simd::store(p.re + at, sign > 0 ? re[r][q] : -re[r][q]);
                 if constexpr (is_complex<T>)
                     simd::store(p.im + at, sign > 0 ? im[r][q] : -im[r][q]);
@@ -142,10 +146,10 @@ struct tile {
     // Column q loses column x times y, or conj(y).
     template <bool conjugate, int q>
     VOX_INLINE void subtract(const V (&x_re)[rows], const V (&x_im)[parts], R y_re, R y_im) {
-        const V b = broadcast(y_re);
+        const V b = broadcast<bytes>(y_re);
         unroll<rows>([&](auto r) VOX_INLINED { re[r][q] -= x_re[r] * b; });
         if constexpr (is_complex<T>) {
-            const V c = broadcast(y_im);
+            const V c = broadcast<bytes>(y_im);
             unroll<rows>([&](auto r) VOX_INLINED {
                 im[r][q] -= x_im[r] * b;
                 if constexpr (conjugate) {
@@ -166,9 +170,9 @@ struct tile {
         for (index_t k = first; k < end; ++k) {
             V x_re[rows], x_im[parts];
             unroll<rows>([&](auto r) VOX_INLINED {
-                x_re[r] = simd::load(p.re + i + r * lanes<R> + k * p.ld);
+                x_re[r] = simd::load<bytes>(p.re + i + r * lanes + k * p.ld);
                 if constexpr (is_complex<T>)
-                    x_im[r] = simd::load(p.im + i + r * lanes<R> + k * p.ld);
+                    x_im[r] = simd::load<bytes>(p.im + i + r * lanes + k * p.ld);
             });
             unroll<width>([&](auto q) VOX_INLINED {
                 const index_t at = y + k * y_next + q * y_across;
@@ -189,7 +193,7 @@ struct tile {
                 });
                 subtract<false, q>(x_re, x_im, real(c.above[p][q]), imag(c.above[p][q]));
             });
-            const V b = broadcast(real(c.reciprocal[q]));
+            const V b = broadcast<bytes>(real(c.reciprocal[q]));
             unroll<rows>([&](auto r) VOX_INLINED {
                 if constexpr (!is_complex<T>) {
                     re[r][q] *= b;
@@ -198,7 +202,7 @@ struct tile {
                     re[r][q] = x * b;
                     im[r][q] = y * b;
                     if constexpr (!real_diagonal) {
-                        const V d = broadcast(imag(c.reciprocal[q]));
+                        const V d = broadcast<bytes>(imag(c.reciprocal[q]));
                         re[r][q] -= y * d;
                         im[r][q] += x * d;
                     }
