@@ -202,6 +202,17 @@ TYPED_TEST(Lu, PivotsAreTheFirstOfTheLargest) {
         }
 }
 
+// Row 0 is the last one when it and row 1 compete.
+TYPED_TEST(Lu, PivotsAreTheFirstAfterInterchanges) {
+    for (const int m : {4, 20, 100}) {
+        matrix<TypeParam> a(m, 2);
+        a(0, 0) = vox::make<TypeParam>(1);
+        a(m - 1, 0) = vox::make<TypeParam>(4);
+        a(0, 1) = a(1, 1) = vox::make<TypeParam>(5);
+        EXPECT_EQ(factor(a).pivots, (std::vector<int>{m, 2}));
+    }
+}
+
 // info is the first zero pivot's place; what can be factored is, and nothing is solved.
 TYPED_TEST(Lu, SingularMatricesAreFactoredToTheEnd) {
     for (const int n : {1, 2, 10, 17, 40, 90})
