@@ -9,6 +9,7 @@
 
 #include "lapack/blas.hpp"
 #include "lapack/drivers/laswp.hpp"
+#include "lapack/drivers/one_thread.hpp"
 #include "lapack/drivers/triangular.hpp"
 #include "lapack/panel.hpp"
 #include "serv/dispatch.hpp"
@@ -57,7 +58,10 @@ index_t factor_columns(index_t m, index_t n, T *a, index_t lda, index_t *ipiv) {
 
 template <class T>
 index_t getrf(index_t m, index_t n, T *a, index_t lda, index_t *ipiv) {
-    return m > 0 && n > 0 ? factor_columns(m, n, a, lda, ipiv) : 0;
+    if (m <= 0 || n <= 0)
+        return 0;
+    const one_thread_below scope(2.0 * double(m) * double(n) * double(m < n ? m : n));
+    return factor_columns(m, n, a, lda, ipiv);
 }
 
 template <class T>
