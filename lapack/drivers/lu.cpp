@@ -33,10 +33,14 @@ index_t left_columns(index_t n) {
                                 : (n / 2 + panel_width - 1) / panel_width * panel_width;
 }
 
+// Small real matrices are single panels; complex ones of that order are faster in halves.
+template <class T>
+constexpr index_t whole_order = is_complex<T> ? panel_width : widest_panel;
+
 template <class T>
 index_t factor_columns(index_t m, index_t n, T *a, index_t lda, index_t *ipiv) {
     const index_t steps = m < n ? m : n;
-    if (n <= panel_width || (n <= widest_panel && m <= widest_panel && !is_complex<T>))
+    if (n <= panel_width || (m <= whole_order<T> && n <= whole_order<T>))
         return factor_panel(m, n, a, lda, ipiv);
     const index_t left = steps <= panel_width ? steps : left_columns(steps), right = n - left;
     T *const above = a + left * lda, *const below = above + left;
