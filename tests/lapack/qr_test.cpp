@@ -186,8 +186,9 @@ TYPED_TEST(Qr, FactorsMultiplyToTheMatrix) {
 TYPED_TEST(Qr, ThreadsFactorWhatOneDoes) {
     const thread_counts counts;
     counts.set(3);
+    const int n = vox::is_complex<TypeParam> ? 241 : 375; // as small as it takes
     for (bool by_columns : {true, false})
-        this->expect_factors(250, 241, by_columns, true);
+        this->expect_factors(n + 4, n, by_columns, true);
 }
 
 TYPED_TEST(Qr, QHasOrthonormalVectors) {
