@@ -532,6 +532,7 @@ TYPED_TEST(Qr, EmptyMatricesAndQueries) {
         EXPECT_EQ(call_with_work<T>(f::ormqr, 'L', 'N', m, n, 0, nothing, 3, nothing, nothing, 3),
                   0);
     }
+    EXPECT_EQ(call(f::geqrf, 0, 3, nothing, 1, nothing, &work, 1), 0);
     for (const auto &[m, n] : {std::tuple(100, 30), {30, 100}}) { // nothing but work is looked at
         EXPECT_EQ(call(f::geqrf, m, n, nothing, m, nothing, &work, -1), 0);
         EXPECT_GE(vox::real(work), n);
