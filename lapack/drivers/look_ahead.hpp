@@ -10,6 +10,19 @@
 
 namespace vox::lapack {
 
+// The BLAS that the calling thread calls in this scope runs on that thread alone: what is shared out is
+// shared out already, and panels are too narrow for more.
+class serial_blas {
+  public:
+    serial_blas() : before_(vox_serv_set_num_threads_local(1)) {}
+    ~serial_blas() { vox_serv_set_num_threads_local(before_); }
+    serial_blas(const serial_blas &) = delete;
+    serial_blas &operator=(const serial_blas &) = delete;
+
+  private:
+    int before_;
+};
+
 // Of vectors (columns, say) of `length`, `count` of them, in panels of nb.
 template <class T>
 class look_ahead {
@@ -27,6 +40,7 @@ class look_ahead {
     //   finish(j, slot)                          after all updates
     template <class Steps>
     void run(const Steps &steps, T *work) const {
+        const serial_blas scope;
         steps.factor(0, 0);
         int slot = 0;
         for (index_t j = 0; j < panels_end_; j += nb_, slot = !slot) {
@@ -34,6 +48,7 @@ class look_ahead {
             const index_t ahead = least(nb_, panels_end_ - next);
             std::atomic<index_t> first = next + ahead;
             const auto part = [&](int rank, int) {
+                const serial_blas inside;
                 T *const mine = work + rank * each();
                 if (rank == 0 && ahead > 0) {
                     steps.update(j, slot, next, ahead, mine);
@@ -53,15 +68,16 @@ class look_ahead {
     }
 
   private:
-    // A chunk stays in the second-level cache from the first product to the second.
+    // A chunk stays in the second-level cache from the first product to the second, unless vectors are
+    // too long for that.
     static constexpr index_t chunk_bytes = 512 * 1024, least_chunk = 24, most_chunk = 96;
     static index_t chunk_of(index_t length) {
         const index_t fitting = chunk_bytes / index_t(sizeof(T)) / length / 8 * 8;
-        return least(most(fitting, least_chunk), most_chunk);
+        return fitting ? least(most(fitting, least_chunk), most_chunk) : most_chunk;
     }
     // Smaller problems are done before other threads have come.
     static int threads_for(index_t length, index_t count) {
-        constexpr double least_operations = 2e7;
+        constexpr double least_operations = 1e8;
         const double k = double(least(length, count));
         const double operations = 2 * double(length) * double(count) * k * (is_complex<T> ? 4 : 1);
         return operations < least_operations ? 1 : vox_serv_domain_get_max_threads(VOX_DOMAIN_BLAS);

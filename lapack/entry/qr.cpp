@@ -4,8 +4,9 @@
 #include "lapack/drivers/pivoted_qr.hpp"
 #include "lapack/entry/forms.hpp"
 
+// Without rows, the reference is content with one element for any number of columns, here alone.
 VOX_LAPACK(ALL, geqrf, geqrf, GEQRF, size(m), size(n), inout(a, lda, m, n),
-           vector_out(tau, smaller(m, n)), queried(work, lwork, larger(1, n)))
+           vector_out(tau, smaller(m, n)), queried(work, lwork, m > 0 ? larger(1, n) : 1))
 VOX_LAPACK(ALL, gelqf, gelqf, GELQF, size(m), size(n), inout(a, lda, m, n),
            vector_out(tau, smaller(m, n)), queried(work, lwork, larger(1, m)))
 VOX_LAPACK(ALL, geqr2, geqr2, GEQR2, size(m), size(n), inout(a, lda, m, n),
