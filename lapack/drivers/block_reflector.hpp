@@ -3,17 +3,9 @@
 #pragma once
 
 #include "lapack/blas.hpp"
+#include "lapack/extremes.hpp"
 
 namespace vox::lapack {
-
-template <class T>
-constexpr index_t least(T a, T b) {
-    return a < b ? a : b;
-}
-template <class T>
-constexpr index_t most(T a, T b) {
-    return a < b ? b : a;
-}
 
 template <class T>
 factor<T> adjoint(factor<T> f) {

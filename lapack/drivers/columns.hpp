@@ -2,7 +2,7 @@
 // each, begin <= end.
 #pragma once
 
-#include "serv/base.hpp"
+#include "lapack/extremes.hpp"
 
 namespace vox::lapack {
 
@@ -12,16 +12,13 @@ struct span {
     index_t length() const { return end - begin; }
 };
 
-inline index_t at_most(index_t limit, index_t x) { return x < limit ? x : limit; }
-inline index_t at_least(index_t limit, index_t x) { return x > limit ? x : limit; }
-
 // Column j of an m x n matrix: all of it, or its part in the triangle that begins at the diagonal or,
 // with off = 1, beside it.
 inline span column_of(char uplo, index_t m, index_t j, index_t off = 0) {
     if (uplo == 'U')
-        return {0, at_most(m, j + 1 - off)};
+        return {0, least(m, j + 1 - off)};
     if (uplo == 'L')
-        return {at_most(m, j + off), m};
+        return {least(m, j + off), m};
     return {0, m};
 }
 

@@ -5,23 +5,11 @@
 #include <atomic>
 
 #include "lapack/drivers/block_reflector.hpp"
+#include "lapack/drivers/one_thread.hpp"
 #include "serv/parallel.hpp"
 #include "vox/service.h"
 
 namespace vox::lapack {
-
-// The BLAS that the calling thread calls in this scope runs on that thread alone: what is shared out is
-// shared out already, and panels are too narrow for more.
-class serial_blas {
-  public:
-    serial_blas() : before_(vox_serv_set_num_threads_local(1)) {}
-    ~serial_blas() { vox_serv_set_num_threads_local(before_); }
-    serial_blas(const serial_blas &) = delete;
-    serial_blas &operator=(const serial_blas &) = delete;
-
-  private:
-    int before_;
-};
 
 // Of vectors (columns, say) of `length`, `count` of them, in panels of nb.
 template <class T>
@@ -40,7 +28,7 @@ class look_ahead {
     //   finish(j, slot)                          after all updates
     template <class Steps>
     void run(const Steps &steps, T *work) const {
-        const serial_blas scope;
+        const one_thread scope;
         steps.factor(0, 0);
         int slot = 0;
         for (index_t j = 0; j < panels_end_; j += nb_, slot = !slot) {
@@ -48,7 +36,7 @@ class look_ahead {
             const index_t ahead = least(nb_, panels_end_ - next);
             std::atomic<index_t> first = next + ahead;
             const auto part = [&](int rank, int) {
-                const serial_blas inside;
+                const one_thread inside;
                 T *const mine = work + rank * each();
                 if (rank == 0 && ahead > 0) {
                     steps.update(j, slot, next, ahead, mine);

@@ -64,7 +64,7 @@ template <class T>
 index_t getrf(index_t m, index_t n, T *a, index_t lda, index_t *ipiv) {
     if (m <= 0 || n <= 0)
         return 0;
-    const one_thread_below scope(2.0 * double(m) * double(n) * double(m < n ? m : n));
+    const one_thread scope(worth_one_thread(2.0 * double(m) * double(n) * double(m < n ? m : n)));
     return factor_columns(m, n, a, lda, ipiv);
 }
 

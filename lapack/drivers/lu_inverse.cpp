@@ -86,7 +86,7 @@ index_t getri(index_t n, T *a, index_t lda, const index_t *ipiv, T *work, index_
     work[0] = size;
     if (lwork == -1 || n <= 0)
         return 0;
-    const one_thread_below scope(2.0 * double(n) * double(n) * double(n));
+    const one_thread scope(worth_one_thread(2.0 * double(n) * double(n) * double(n)));
     if (const index_t info = trtri('U', 'N', n, a, lda))
         return info;
     if (n <= small_inverse) {

@@ -52,7 +52,7 @@ void for_pieces(index_t n, const T *x, const Body &body) {
         constexpr index_t most = 256;
         real_of<T> piece[most];
         for (index_t i = 0; i < n; i += most) {
-            const index_t length = at_most(most, n - i);
+            const index_t length = least(most, n - i);
             magnitudes_of(length, x + i, piece);
             body(i, length, piece);
         }

@@ -49,13 +49,13 @@ class factors {
 span stored(char type, index_t kl, index_t ku, index_t m, index_t n, index_t j) {
     switch (type) {
     case 'H':
-        return {0, at_most(m, j + 2)};
+        return {0, least(m, j + 2)};
     case 'B':
-        return {0, at_most(kl + 1, n - j)};
+        return {0, least(kl + 1, n - j)};
     case 'Q':
-        return {at_least(0, ku - j), ku + 1};
+        return {most(0, ku - j), ku + 1};
     case 'Z': // below kl rows that gbtrf fills
-        return {at_least(kl, kl + ku - j), at_most(2 * kl + ku + 1, kl + ku + m - j)};
+        return {most(kl, kl + ku - j), least(2 * kl + ku + 1, kl + ku + m - j)};
     default:
         return column_of(type, m, j);
     }

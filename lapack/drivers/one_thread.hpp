@@ -1,7 +1,8 @@
-// one_thread.hpp - small problems stay on the calling thread.
+// one_thread.hpp - a scope in which the BLAS that the calling thread calls runs on that thread alone.
 //
-// The pieces of a factorisation that are worth threads by themselves may not be worth them one after
-// another: what threads have shared must come back to one of them for the next panel.
+// For small problems: the pieces of a factorisation that are worth threads by themselves may not be
+// worth them one after another, as what threads have shared must come back to one of them for the
+// next panel. And for what is shared out already.
 #pragma once
 
 #include "serv/base.hpp"
@@ -9,26 +10,24 @@
 
 namespace vox::lapack {
 
-// In its scope the calling thread's products have no other threads, if so many multiplications and
-// additions in all are few.
-class one_thread_below {
+class one_thread {
   public:
-    explicit one_thread_below(double operations)
-        : previous_(operations > never_shared && operations < few
-                        ? vox_serv_set_num_threads_local(1)
-                        : unchanged) {}
-    ~one_thread_below() {
-        if (previous_ != unchanged)
-            vox_serv_set_num_threads_local(previous_);
+    explicit one_thread(bool wanted = true)
+        : before_(wanted ? vox_serv_set_num_threads_local(1) : unchanged) {}
+    ~one_thread() {
+        if (before_ != unchanged)
+            vox_serv_set_num_threads_local(before_);
     }
-    one_thread_below(const one_thread_below &) = delete;
-    one_thread_below &operator=(const one_thread_below &) = delete;
+    one_thread(const one_thread &) = delete;
+    one_thread &operator=(const one_thread &) = delete;
 
   private:
     static constexpr int unchanged = -1;
-    static constexpr double few = 2e8;
-    static constexpr double never_shared = 2e5; // products alone see to that
-    int previous_;
+    int before_;
 };
+
+// So many multiplications and additions in all are too few for threads; of very few the products
+// themselves know that.
+inline bool worth_one_thread(double operations) { return operations > 2e5 && operations < 2e8; }
 
 } // namespace vox::lapack

@@ -7,6 +7,8 @@
 
 #include <limits>
 
+#include "lapack/extremes.hpp"
+
 namespace vox::lapack {
 namespace {
 
@@ -16,15 +18,6 @@ template <class R>
 constexpr R tiny = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
 template <class R>
 constexpr R huge = 1 / tiny<R>;
-
-template <class R>
-constexpr R least(R a, R b) {
-    return a < b ? a : b;
-}
-template <class R>
-constexpr R most(R a, R b) {
-    return a > b ? a : b;
-}
 
 template <class T>
 class substitution {

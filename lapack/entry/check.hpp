@@ -4,6 +4,7 @@
 // It also notes the list of pivots, which has 64 bits inside.
 #pragma once
 
+#include "lapack/extremes.hpp"
 #include "serv/base.hpp"
 #include "serv/scalar.hpp"
 
@@ -16,10 +17,6 @@ namespace vox::lapack {
 [[gnu::always_inline]] inline bool is(char letter, char upper) {
     return upper_case(letter) == upper;
 }
-
-// For the expressions in descriptions, whose integers have 32 bits or 64.
-[[gnu::always_inline]] constexpr index_t smaller(index_t a, index_t b) { return a < b ? a : b; }
-[[gnu::always_inline]] constexpr index_t larger(index_t a, index_t b) { return a > b ? a : b; }
 
 // The caller's list of pivots: how many, and where they are read and written.
 struct caller_pivots {

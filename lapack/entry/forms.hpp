@@ -1,7 +1,7 @@
 // forms.hpp - from one description to every form of a routine.
 //
 //   VOX_LAPACK(ALL, getrf, getrf, GETRF, size(m), size(n), inout(a, lda, m, n),
-//              pivots_out(ipiv, smaller(m, n)))
+//              pivots_out(ipiv, least(m, n)))
 //
 // defines, for s, d, c and z, vox_lapack_dgetrf (internal, 64-bit integers) on the driver
 // vox::lapack::getrf<double>, vox_lapack_errchk_dgetrf, dgetrf_, dgetrf, DGETRF, LAPACKE_dgetrf and

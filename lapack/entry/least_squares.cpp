@@ -3,5 +3,5 @@
 #include "lapack/entry/forms.hpp"
 
 VOX_LAPACK(ALL, gels, gels, GELS, option(trans, "NT", "NC"), size(m), size(n), size(nrhs),
-           inout(a, lda, m, n), inout(b, ldb, larger(m, n), nrhs),
-           queried(work, lwork, larger(1, smaller(m, n) + larger(smaller(m, n), index_t(nrhs)))))
+           inout(a, lda, m, n), inout(b, ldb, most(m, n), nrhs),
+           queried(work, lwork, most(1, least(m, n) + most(least(m, n), index_t(nrhs)))))

@@ -13,10 +13,10 @@ index_t rows_scaled(char type, index_t kl, index_t ku, index_t m) {
     return is(type, 'B') ? kl + 1 : is(type, 'Q') ? ku + 1 : is(type, 'Z') ? 2 * kl + ku + 1 : m;
 }
 bool lower_fits(char type, index_t kl, index_t m) {
-    return !is_band(type) || (kl >= 0 && kl <= larger(m - 1, 0));
+    return !is_band(type) || (kl >= 0 && kl <= most(m - 1, 0));
 }
 bool upper_fits(char type, index_t kl, index_t ku, index_t n) {
-    return !is_band(type) || (ku >= 0 && ku <= larger(n - 1, 0) && (is(type, 'Z') || kl == ku));
+    return !is_band(type) || (ku >= 0 && ku <= most(n - 1, 0) && (is(type, 'Z') || kl == ku));
 }
 
 } // namespace

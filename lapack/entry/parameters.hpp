@@ -1,7 +1,7 @@
 // parameters.hpp - what a routine is called with, written once: a list of elements, from which every
 // form takes its parameter list, its arguments and what it does about them.
 //
-//   size(m), size(n), inout(a, lda, m, n), pivots_out(ipiv, smaller(m, n))
+//   size(m), size(n), inout(a, lda, m, n), pivots_out(ipiv, least(m, n))
 //
 // is the whole description of ?getrf. An element names one parameter of the Fortran form or two, in
 // its order; its other arguments are expressions in the names, which stand for values there.

@@ -12,7 +12,7 @@ constexpr size_t alignment = 128;
 template <class W>
 W *allocate(index_t n) {
     size_t bytes;
-    if (__builtin_mul_overflow(size_t(larger(1, n)), sizeof(W), &bytes))
+    if (__builtin_mul_overflow(size_t(most(1, n)), sizeof(W), &bytes))
         return nullptr;
     return static_cast<W *>(vox_serv_iface_allocate(bytes, alignment));
 }
@@ -42,7 +42,7 @@ bool trapezoid_has_nan(int layout, const matrix<T> &a) {
     const index_t right = layout == column_major ? a.ld : 1;
     for (index_t j = 0; j < a.cols; ++j) {
         const index_t from = upper ? 0 : j + unit;
-        const index_t end = upper ? smaller(a.rows, j + 1 - unit) : a.rows;
+        const index_t end = upper ? least(a.rows, j + 1 - unit) : a.rows;
         if (end > from && vox::lapacke::has_nan(end - from, a.data + j * right + from * down, down))
             return true;
     }
@@ -84,7 +84,7 @@ void visitor<T>::take(const matrix<T> &m) {
     const vox_int number = ++position_;
     ++position_; // its leading dimension
     const int place = matrices_++;
-    const index_t ld_copy = larger(1, m.rows);
+    const index_t ld_copy = most(1, m.rows);
     switch (step_) {
     case step::find_nan:
         if (m.read && result_ == 0 && has_nan(m))
@@ -101,7 +101,7 @@ void visitor<T>::take(const matrix<T> &m) {
         copies_[place] = {m.data, nullptr, m.ld};
         if (result_)
             break;
-        T *const data = allocate<T>(ld_copy * larger(1, m.cols));
+        T *const data = allocate<T>(ld_copy * most(1, m.cols));
         if (!data) {
             no_copies_ = true;
             found(no_transpose_memory);

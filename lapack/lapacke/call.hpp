@@ -123,8 +123,8 @@ class visitor {
     void integer_space(vox_int *&work, index_t n) { block(work, n); }
     void space_rows(T *&work, vox_int &ld, index_t rows, index_t cols) {
         if (step_ == step::provide)
-            ld = vox_int(larger(1, rows));
-        block(work, larger(1, rows) * larger(1, cols));
+            ld = vox_int(most(1, rows));
+        block(work, most(1, rows) * most(1, cols));
         ++position_;
     }
 

@@ -2,6 +2,7 @@
 //
 // Lines are tested eight vectors at a time. An unordered comparison tests two vectors at once and raises
 // no floating-point exception; a sum would, and would have to be looked into wherever infinities cancel.
+#include "lapack/extremes.hpp"
 #include "lapack/lapacke/helpers.hpp"
 #include "lapack/packs.hpp"
 #include "vox/lapacke.h"
@@ -34,8 +35,6 @@ bool elements_have_nan(index_t n, const T *x) {
     return line_has_nan(n * index_t(sizeof(T) / sizeof(R)), reinterpret_cast<const R *>(x));
 }
 
-index_t smaller(index_t a, index_t b) { return a < b ? a : b; }
-
 } // namespace
 
 template <class T>
@@ -46,7 +45,7 @@ bool has_nan_ge(int layout, index_t m, index_t n, const T *a, index_t lda) {
     if (length == lda)
         return elements_have_nan(length * lines, a);
     for (index_t j = 0; j < lines; ++j)
-        if (elements_have_nan(smaller(length, lda), a + j * lda))
+        if (elements_have_nan(least(length, lda), a + j * lda))
             return true;
     return false;
 }
@@ -58,7 +57,7 @@ bool has_nan_tr(int layout, char uplo, char diag, index_t n, const T *a, index_t
         return false;
     for (index_t j = 0; j < n; ++j) {
         const index_t first = shape.first(j);
-        if (elements_have_nan(smaller(shape.end(j), lda) - first, a + j * lda + first))
+        if (elements_have_nan(least(shape.end(j), lda) - first, a + j * lda + first))
             return true;
     }
     return false;
