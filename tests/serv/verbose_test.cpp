@@ -6,7 +6,6 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <regex.h>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "tests/support/child.hpp"
+#include "tests/support/matches.hpp"
 #include "tests/support/temporary.hpp"
 #include "vox/blas.h"
 #include "vox/service.h"
@@ -42,16 +42,6 @@ std::vector<std::string> lines_of(const std::string &text) {
         lines.push_back(line);
     EXPECT_TRUE(text.empty() || text.back() == '\n');
     return lines;
-}
-
-// Whether the whole line matches the extended regular expression.
-bool matches(const std::string &line, const std::string &pattern) {
-    regex_t compiled;
-    if (regcomp(&compiled, ("^" + pattern + "$").c_str(), REG_EXTENDED | REG_NOSUB) != 0)
-        std::abort();
-    const bool result = regexec(&compiled, line.c_str(), 0, nullptr, 0) == 0;
-    regfree(&compiled);
-    return result;
 }
 
 // The calls that were logged, in order, after exactly one header.
