@@ -448,7 +448,7 @@ TEST(LapackeErrors, WithoutMemoryForPivotsNothingIsTouched) {
 
 // Errors that the Fortran form finds: its number and one for the layout.
 TEST(LapackeErrors, NumbersCountTheLayout) {
-    double a[4] = {1, 0, 0, 1}, b[2] = {1, 1};
+    double a[4] = {1, 0, 0, 1}, b[4] = {1, 1, 1, 1}; // b: 2 x 1, rows 2 apart
     vox_int pivots[2];
     for (int layout : {LAPACK_ROW_MAJOR, LAPACK_COL_MAJOR}) {
         ::testing::internal::CaptureStdout();
