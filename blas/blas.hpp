@@ -201,16 +201,12 @@ void vox_blas_zdscal VOX_SCAL_PARAMETERS(vox_complex_double, vox::index_t, doubl
 
 #define VOX_LEVEL2_DECLARE(p, P, T)                                                                \
     void vox_blas_##p##gemv VOX_GEMV_PARAMETERS(T, vox::index_t);                                  \
-    void vox_blas_##p##trmv VOX_TRMV_PARAMETERS(T, vox::index_t);                                  \
     void vox_blas_##p##trsv VOX_TRMV_PARAMETERS(T, vox::index_t);
 #define VOX_LEVEL2_DECLARE_REAL(p, P, T)                                                           \
     void vox_blas_##p##ger VOX_GER_PARAMETERS(T, vox::index_t);                                    \
-    void vox_blas_##p##symv VOX_SYMV_PARAMETERS(T, vox::index_t);                                  \
     void vox_blas_##p##syrk VOX_SYRK_PARAMETERS(T, T, vox::index_t);
 #define VOX_LEVEL2_DECLARE_COMPLEX(p, P, T)                                                        \
-    void vox_blas_##p##geru VOX_GER_PARAMETERS(T, vox::index_t);                                   \
     void vox_blas_##p##gerc VOX_GER_PARAMETERS(T, vox::index_t);                                   \
-    void vox_blas_##p##hemv VOX_SYMV_PARAMETERS(T, vox::index_t);                                  \
     void vox_blas_##p##herk VOX_SYRK_PARAMETERS(T, vox::real_of<T>, vox::index_t);
 
 extern "C" {

@@ -1,8 +1,8 @@
 // blas.hpp - the BLAS as the drivers of LAPACK call it: one name for all element types, everything by
 // value, 64-bit integers, nothing checked.
 //
-// Real and complex routines whose names differ share the complex one: dotc, gerc, hemv and herk are
-// dot, ger, symv and syrk for real types. Places (iamax) are counted from 1.
+// Real and complex routines whose names differ share the complex one: dotc, gerc and herk are dot,
+// ger and syrk for real types. Places (iamax) are counted from 1.
 #pragma once
 
 #include "blas/blas.hpp"
@@ -32,10 +32,6 @@ namespace vox::blas {
                          const T *x, index_t incx, T beta, T *y, index_t incy) {                   \
         vox_blas_##p##gemv(&trans, &m, &n, &alpha, a, &lda, x, &incx, &beta, y, &incy);            \
     }                                                                                              \
-    VOX_INLINE void trmv(char uplo, char trans, char diag, index_t n, const T *a, index_t lda,     \
-                         T *x, index_t incx) {                                                     \
-        vox_blas_##p##trmv(&uplo, &trans, &diag, &n, a, &lda, x, &incx);                           \
-    }                                                                                              \
     VOX_INLINE void trsv(char uplo, char trans, char diag, index_t n, const T *a, index_t lda,     \
                          T *x, index_t incx) {                                                     \
         vox_blas_##p##trsv(&uplo, &trans, &diag, &n, a, &lda, x, &incx);                           \
@@ -50,17 +46,9 @@ VOX_PRECISIONS(VOX_ALL)
     VOX_INLINE T dotc(index_t n, const T *x, index_t incx, const T *y, index_t incy) {             \
         return vox_blas_##p##dot(&n, x, &incx, y, &incy);                                          \
     }                                                                                              \
-    VOX_INLINE void geru(index_t m, index_t n, T alpha, const T *x, index_t incx, const T *y,      \
-                         index_t incy, T *a, index_t lda) {                                        \
-        vox_blas_##p##ger(&m, &n, &alpha, x, &incx, y, &incy, a, &lda);                            \
-    }                                                                                              \
     VOX_INLINE void gerc(index_t m, index_t n, T alpha, const T *x, index_t incx, const T *y,      \
                          index_t incy, T *a, index_t lda) {                                        \
         vox_blas_##p##ger(&m, &n, &alpha, x, &incx, y, &incy, a, &lda);                            \
-    }                                                                                              \
-    VOX_INLINE void hemv(char uplo, index_t n, T alpha, const T *a, index_t lda, const T *x,       \
-                         index_t incx, T beta, T *y, index_t incy) {                               \
-        vox_blas_##p##symv(&uplo, &n, &alpha, a, &lda, x, &incx, &beta, y, &incy);                 \
     }                                                                                              \
     VOX_INLINE void herk(char uplo, char trans, index_t n, index_t k, real_of<T> alpha,            \
                          const T *a, index_t lda, real_of<T> beta, T *c, index_t ldc) {            \
@@ -76,17 +64,9 @@ VOX_REAL_PRECISIONS(VOX_REAL)
     VOX_INLINE T dotc(index_t n, const T *x, index_t incx, const T *y, index_t incy) {             \
         return vox_blas_##p##dotc(&n, x, &incx, y, &incy);                                         \
     }                                                                                              \
-    VOX_INLINE void geru(index_t m, index_t n, T alpha, const T *x, index_t incx, const T *y,      \
-                         index_t incy, T *a, index_t lda) {                                        \
-        vox_blas_##p##geru(&m, &n, &alpha, x, &incx, y, &incy, a, &lda);                           \
-    }                                                                                              \
     VOX_INLINE void gerc(index_t m, index_t n, T alpha, const T *x, index_t incx, const T *y,      \
                          index_t incy, T *a, index_t lda) {                                        \
         vox_blas_##p##gerc(&m, &n, &alpha, x, &incx, y, &incy, a, &lda);                           \
-    }                                                                                              \
-    VOX_INLINE void hemv(char uplo, index_t n, T alpha, const T *a, index_t lda, const T *x,       \
-                         index_t incx, T beta, T *y, index_t incy) {                               \
-        vox_blas_##p##hemv(&uplo, &n, &alpha, a, &lda, x, &incx, &beta, y, &incy);                 \
     }                                                                                              \
     VOX_INLINE void herk(char uplo, char trans, index_t n, index_t k, real_of<T> alpha,            \
                          const T *a, index_t lda, real_of<T> beta, T *c, index_t ldc) {            \

@@ -59,9 +59,6 @@ class argument_check {
     VOX_ELEMENT inout(const void *a, index_t ld, index_t rows, index_t cols) {
         in(a, ld, rows, cols);
     }
-    VOX_ELEMENT out(const void *a, index_t ld, index_t rows, index_t cols) {
-        in(a, ld, rows, cols);
-    }
     VOX_ELEMENT kept(const void *a, index_t ld, index_t rows, index_t cols) {
         in(a, ld, rows, cols);
     }

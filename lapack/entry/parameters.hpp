@@ -12,8 +12,8 @@
 //   integer_in(k)             an integer that is not checked
 //   scalar_in(x), real_in(x), norm_in(x)   a number; a real one; a real one that is not negative
 //   real_out(x), real_inout(x)             an address of a real number
-//   in, inout, out(a, lda, rows, cols)     a matrix that is read, changed, written
-//   kept(a, lda, rows, cols)  one that is written in part
+//   in, inout(a, lda, rows, cols)          a matrix that is read, changed
+//   kept(a, lda, rows, cols)  one that is written, perhaps in part
 //   in_triangle, inout_triangle(a, lda, uplo, diag, n)      one triangle of a matrix
 //   in_trapezoid(a, lda, uplo, diag, m, n)
 //   in_reflectors(v, ldv, direct, storev, rows, cols)       V without its triangle of known elements
@@ -62,7 +62,6 @@
 #define VOX_ELEMENT_real_inout(name) (array, R, name),
 #define VOX_ELEMENT_in(name, ld, ...) (array, const T, name), (value, integer, ld),
 #define VOX_ELEMENT_inout(name, ld, ...) (array, T, name), (value, integer, ld),
-#define VOX_ELEMENT_out(name, ld, ...) (array, T, name), (value, integer, ld),
 #define VOX_ELEMENT_kept(name, ld, ...) (array, T, name), (value, integer, ld),
 #define VOX_ELEMENT_in_triangle(name, ld, ...) (array, const T, name), (value, integer, ld),
 #define VOX_ELEMENT_inout_triangle(name, ld, ...) (array, T, name), (value, integer, ld),

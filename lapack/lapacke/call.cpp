@@ -108,8 +108,7 @@ void visitor<T>::take(const matrix<T> &m) {
             break;
         }
         copies_[place].data = data;
-        if (m.copied_in)
-            transpose(row_major, m, m.data, m.ld, data, vox_int(ld_copy));
+        transpose(row_major, m, m.data, m.ld, data, vox_int(ld_copy));
         m.data = data;
         m.ld = vox_int(ld_copy);
         break;
@@ -118,7 +117,7 @@ void visitor<T>::take(const matrix<T> &m) {
         const copy &c = copies_[place];
         if (!c.data)
             break;
-        if (m.copied_out && !no_copies_)
+        if (m.changed && !no_copies_)
             transpose(column_major, m, c.data, m.ld, c.original, c.ld);
         vox_serv_iface_deallocate(c.data);
         break;

@@ -25,7 +25,7 @@ struct matrix {
     T *&data;
     vox_int &ld;
     index_t rows, cols;
-    bool read, copied_in, copied_out;
+    bool read, changed; // read: NaN is looked for
     stored kind = stored::all;
     char first_option = 0, second_option = 0; // uplo and diag, or direct and storev
 };
@@ -40,11 +40,11 @@ class visitor {
         give_workspace, // ... and is not needed any more
         check_rows,     // the number of the first leading dimension that is too small for rows
         set_columns,    // leading dimensions as those of copies
-        copy_in,
-        copy_out, // row-major matrices, to and from their copies
+        copy_in,        // row-major matrices to their copies
+        copy_out,       // ... and back
     };
 
-    visitor(const char *name, int layout) : name_(name), layout_(layout) {}
+    explicit visitor(int layout) : layout_(layout) {}
     template <class Describe>
     vox_int run(step next, const Describe &describe) {
         step_ = next;
@@ -54,7 +54,6 @@ class visitor {
         describe(*this);
         return result_;
     }
-    const char *name() const { return name_; }
     bool has_query() const { return has_query_; }
     bool is_query() const { return is_query_; }
 
@@ -81,31 +80,28 @@ class visitor {
 
     template <class A>
     void in(A *&a, vox_int &ld, index_t rows, index_t cols) {
-        take({own(a), ld, rows, cols, true, true, false});
+        take({own(a), ld, rows, cols, true, false});
     }
     void inout(T *&a, vox_int &ld, index_t rows, index_t cols) {
-        take({a, ld, rows, cols, true, true, true});
-    }
-    void out(T *&a, vox_int &ld, index_t rows, index_t cols) {
-        take({a, ld, rows, cols, false, false, true});
+        take({a, ld, rows, cols, true, true});
     }
     void kept(T *&a, vox_int &ld, index_t rows, index_t cols) {
-        take({a, ld, rows, cols, false, true, true});
+        take({a, ld, rows, cols, false, true});
     }
     template <class A>
     void in_triangle(A *&a, vox_int &ld, char uplo, char diag, index_t n) {
-        take({own(a), ld, n, n, true, true, false, stored::triangle, uplo, diag});
+        take({own(a), ld, n, n, true, false, stored::triangle, uplo, diag});
     }
     void inout_triangle(T *&a, vox_int &ld, char uplo, char diag, index_t n) {
-        take({a, ld, n, n, true, true, true, stored::triangle, uplo, diag});
+        take({a, ld, n, n, true, true, stored::triangle, uplo, diag});
     }
     template <class A>
     void in_trapezoid(A *&a, vox_int &ld, char uplo, char diag, index_t m, index_t n) {
-        take({own(a), ld, m, n, true, true, false, stored::trapezoid, uplo, diag});
+        take({own(a), ld, m, n, true, false, stored::trapezoid, uplo, diag});
     }
     template <class A>
     void in_reflectors(A *&v, vox_int &ld, char direct, char storev, index_t rows, index_t cols) {
-        take({own(v), ld, rows, cols, true, true, false, stored::reflectors, direct, storev});
+        take({own(v), ld, rows, cols, true, false, stored::reflectors, direct, storev});
     }
     void vector_in(const T *x, index_t n, index_t incx = 1) { vector(x, n, incx); }
     void vector_inout(const T *x, index_t n, index_t incx = 1) { vector(x, n, incx); }
@@ -151,7 +147,6 @@ class visitor {
         vox_int ld;
     };
 
-    const char *name_;
     int layout_;
     step step_ = step::find_nan;
     vox_int position_ = 1, result_ = 0;
@@ -175,7 +170,7 @@ vox_int work_call(const char *name, int layout, const Describe &describe, const 
         LAPACKE_xerbla(name, -1);
         return -1;
     }
-    visitor<T> call(name, layout);
+    visitor<T> call(layout);
     if (const vox_int bad = call.run(step::check_rows, describe)) {
         LAPACKE_xerbla(name, bad);
         return bad;
@@ -201,7 +196,7 @@ vox_int high_call(const char *name, int layout, const Describe &describe, const 
         LAPACKE_xerbla(name, -1);
         return -1;
     }
-    visitor<T> call(name, layout);
+    visitor<T> call(layout);
     if (LAPACKE_get_nancheck())
         if (const vox_int bad = call.run(step::find_nan, describe))
             return bad;
@@ -221,8 +216,7 @@ vox_int high_call(const char *name, int layout, const Describe &describe, const 
 // The number of the first argument that is NaN in a call without a layout, negative; or 0.
 template <class T, class Describe>
 vox_int first_nan(const Describe &describe) {
-    return LAPACKE_get_nancheck() ? visitor<T>(nullptr, 0).run(visitor<T>::step::find_nan, describe)
-                                  : 0;
+    return LAPACKE_get_nancheck() ? visitor<T>(0).run(visitor<T>::step::find_nan, describe) : 0;
 }
 
 // Forms that return a value instead return an info in its place.
