@@ -1,6 +1,7 @@
 # The code paths, lowest first: the one list from which kernels, dispatch tables and tests are made.
 #
-# A row is: name | compiler flags | /proc/cpuinfo words that its code needs.
+# A row is: name | compiler flags | /proc/cpuinfo words that its code needs, and for a step between two code
+# paths, which only the families have that choose by kernel set (serv/kernel_sets.hpp): | set.
 # cnr_def is def's copy for reproducible results, so it stands beside def and is no processor type.
 set(_vox_avx2_flags "-mavx2 -mfma -mbmi -mbmi2 -mlzcnt -mpclmul")
 set(_vox_avx2_words "avx2 fma bmi1 bmi2 abm pclmulqdq")
@@ -8,6 +9,7 @@ set(VOX_CODE_PATH_TABLE
   "def        | -msse2                                                                    | sse2"
   "cnr_def    | -msse2 -ffp-contract=off                                                  | sse2"
   "ssse3      | -mssse3                                                                   | ssse3"
+  "sse41      | -msse4.1                                                                  | sse4_1 | set"
   "sse42      | -msse4.2 -mpopcnt                                                         | sse4_2 popcnt"
   "avx        | -mavx                                                                     | avx"
   "avx2       | ${_vox_avx2_flags}                                                        | ${_vox_avx2_words}"
@@ -20,6 +22,7 @@ string(REGEX MATCH "flags[^\n]*" _vox_cpuinfo "${_vox_cpuinfo}")
 separate_arguments(_vox_cpuinfo UNIX_COMMAND "${_vox_cpuinfo}")
 
 set(VOX_CODE_PATHS "")
+set(VOX_KERNEL_SETS "")
 set(VOX_RUNNABLE_PATHS "")
 foreach(row IN LISTS VOX_CODE_PATH_TABLE)
   string(REGEX REPLACE " *\\| *" ";" cells "${row}")
@@ -29,8 +32,12 @@ foreach(row IN LISTS VOX_CODE_PATH_TABLE)
   list(GET cells 2 words)
   separate_arguments(flags UNIX_COMMAND "${flags}")
   separate_arguments(words UNIX_COMMAND "${words}")
-  list(APPEND VOX_CODE_PATHS ${name})
+  list(APPEND VOX_KERNEL_SETS ${name})
   set(VOX_PATH_FLAGS_${name} ${flags})
+  if("set" IN_LIST cells)
+    continue()
+  endif()
+  list(APPEND VOX_CODE_PATHS ${name})
   list(REMOVE_ITEM words ${_vox_cpuinfo})
   if(NOT words)
     list(APPEND VOX_RUNNABLE_PATHS ${name})
@@ -51,13 +58,21 @@ if(unknown)
   message(FATAL_ERROR "VOX_PATHS: no code path is named ${unknown}")
 endif()
 set(_vox_path_list "")
+set(_vox_set_list "")
 set(VOX_BUILT_PATHS "")
-foreach(path IN LISTS VOX_CODE_PATHS)
+set(VOX_BUILT_SETS "")
+foreach(path IN LISTS VOX_KERNEL_SETS)
   if(NOT VOX_PATHS OR path IN_LIST _vox_wanted)
-    list(APPEND VOX_BUILT_PATHS ${path})
+    list(APPEND VOX_BUILT_SETS ${path})
     set(copy ${path})
+    if(path IN_LIST VOX_CODE_PATHS)
+      list(APPEND VOX_BUILT_PATHS ${path})
+    endif()
   endif()
-  string(APPEND _vox_path_list " \\\n    X(${path}, ${copy}, __VA_ARGS__)")
+  string(APPEND _vox_set_list " \\\n    X(${path}, ${copy}, __VA_ARGS__)")
+  if(path IN_LIST VOX_CODE_PATHS)
+    string(APPEND _vox_path_list " \\\n    X(${path}, ${copy}, __VA_ARGS__)")
+  endif()
 endforeach()
 message(STATUS "Code paths: ${VOX_BUILT_PATHS}; this machine can run: ${VOX_RUNNABLE_PATHS}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/code_path_list.hpp.in
@@ -71,14 +86,21 @@ set(_vox_checked -O1 -fno-sanitize=undefined --param=asan-instrumentation-with-c
 set(_vox_checked_def -O1 -fno-sanitize=address,alignment,null)
 set(_vox_unchecked -O1 -g0 -fno-sanitize=all)
 
-# vox_add_kernels(<family> <sources...>): compiles each kernel source once per path that is built and adds the
-# objects to the library. In the source, VOX_KERNEL(<family>, <routine>) names the copy.
+# vox_add_kernels(<family> [SETS] <sources...>): compiles each kernel source once per path that is built, with
+# SETS once per kernel set, and adds the objects to the library. In the source, VOX_KERNEL(<family>, <routine>)
+# names the copy. A family's VOX_KERNEL_FLAGS come after those of the path.
 function(vox_add_kernels family)
-  foreach(path IN LISTS VOX_BUILT_PATHS)
+  cmake_parse_arguments(ARG "SETS" "" "" ${ARGN})
+  set(copies ${VOX_BUILT_PATHS})
+  if(ARG_SETS)
+    set(copies ${VOX_BUILT_SETS})
+  endif()
+  foreach(path IN LISTS copies)
     set(target ${family}_kernels_${path})
-    add_library(${target} OBJECT ${ARGN})
+    add_library(${target} OBJECT ${ARG_UNPARSED_ARGUMENTS})
     target_link_libraries(${target} PRIVATE vox_options)
-    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}})
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}}
+      ${VOX_KERNEL_FLAGS})
     if(VOX_UNCHECKED_KERNELS AND VOX_SANITIZE MATCHES "address|undefined")
       target_compile_options(${target} PRIVATE ${_vox_unchecked})
     elseif(VOX_SANITIZE AND path STREQUAL "def")

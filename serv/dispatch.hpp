@@ -13,20 +13,30 @@
 //
 // does the same for routines whose internal names carry no x: vox_trans_vox_domatcopy with copies
 // vox_trans_<path>_vox_domatcopy, and the function object under the given name.
+//
+//   VOX_DISPATCH_SET(rng, mt19937_d, int, (...), (...))
+//
+// chooses among kernel sets (serv/kernel_sets.hpp) instead of code paths.
 #pragma once
 
 #include <atomic>
 
 #include "serv/base.hpp"
 #include "serv/code_paths.hpp"
+#include "serv/kernel_sets.hpp"
 #include "vox/service.h"
 
 namespace vox {
 
-template <class Kernel>
-inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(code_path)) {
+inline void chosen(code_path &path) { path = this_code_path(); }
+inline void chosen(kernel_set &set) { set = this_kernel_set(); }
+
+template <class Kernel, class Copies>
+inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(Copies)) {
     vox_serv_inspector_suppress(&slot, sizeof slot);
-    Kernel *const kernel = choose(this_code_path());
+    Copies copy;
+    chosen(copy);
+    Kernel *const kernel = choose(copy);
     slot.store(kernel, std::memory_order_relaxed);
     vox_serv_inspector_unsuppress(&slot, sizeof slot);
     return kernel;
@@ -36,31 +46,38 @@ inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(code_path)) {
 
 #define VOX_COPY_DECLARE(path, copy, family, name, result, parameters)                             \
     extern "C" result vox_##family##_##copy##_##name parameters;
-#define VOX_COPY_CASE(path, copy, family, name)                                                    \
-    case vox::code_path::path:                                                                     \
+#define VOX_COPY_CASE(path, copy, copies, family, name)                                            \
+    case copies::path:                                                                             \
         return vox_##family##_##copy##_##name;
 
 #define VOX_DISPATCH(family, routine, result, parameters, arguments)                               \
     VOX_DISPATCH_NAMED(family, x##routine, x##routine, result, parameters, arguments)
 
 #define VOX_DISPATCH_NAMED(family, name, object, result, parameters, arguments)                    \
-    VOX_CODE_PATHS(VOX_COPY_DECLARE, family, name, result, parameters)                             \
-    namespace {                                                                                    \
-    struct object##_dispatch {                                                                     \
-        using kernel_type = result parameters;                                                     \
-        static constinit inline std::atomic<kernel_type *> slot{nullptr};                          \
-        __attribute__((cold)) static kernel_type *choose(vox::code_path path) {                    \
-            switch (path) { VOX_CODE_PATHS(VOX_COPY_CASE, family, name) }                          \
-            __builtin_unreachable();                                                               \
-        }                                                                                          \
-        __attribute__((cold, noinline)) static result first_call parameters {                      \
-            return vox::bind(slot, choose) arguments;                                              \
-        }                                                                                          \
-        __attribute__((always_inline)) inline result operator() parameters const {                 \
-            kernel_type *const kernel = slot.load(std::memory_order_relaxed);                      \
-            return VOX_LIKELY(kernel) ? kernel arguments : first_call arguments;                   \
-        }                                                                                          \
-    };                                                                                             \
-    constexpr object##_dispatch object;                                                            \
+    VOX_DISPATCH_AMONG(VOX_CODE_PATHS, vox::code_path, family, name, object, result, parameters,   \
+                       arguments)
+
+#define VOX_DISPATCH_SET(family, name, result, parameters, arguments)                              \
+    VOX_DISPATCH_AMONG(VOX_KERNEL_SETS, vox::kernel_set, family, name, name, result, parameters,   \
+                       arguments)
+
+#define VOX_DISPATCH_AMONG(list, copies, family, name, object, result, parameters, arguments)      \
+    list(VOX_COPY_DECLARE, family, name, result, parameters) namespace {                           \
+        struct object##_dispatch {                                                                 \
+            using kernel_type = result parameters;                                                 \
+            static constinit inline std::atomic<kernel_type *> slot{nullptr};                      \
+            __attribute__((cold)) static kernel_type *choose(copies copy) {                        \
+                switch (copy) { list(VOX_COPY_CASE, copies, family, name) }                        \
+                __builtin_unreachable();                                                           \
+            }                                                                                      \
+            __attribute__((cold, noinline)) static result first_call parameters {                  \
+                return vox::bind(slot, choose) arguments;                                          \
+            }                                                                                      \
+            __attribute__((always_inline)) inline result operator() parameters const {             \
+                kernel_type *const kernel = slot.load(std::memory_order_relaxed);                  \
+                return VOX_LIKELY(kernel) ? kernel arguments : first_call arguments;               \
+            }                                                                                      \
+        };                                                                                         \
+        constexpr object##_dispatch object;                                                        \
     }                                                                                              \
     extern "C" result vox_##family##_##name parameters { return object arguments; }

@@ -6,6 +6,7 @@
 #include "vox/cblas.h"
 #include "vox/lapack.h"
 #include "vox/lapacke.h"
+#include "vox/rsk.h"
 #include "vox/service.h"
 #include "vox/trans.h"
 

@@ -1,0 +1,29 @@
+// pending.cpp - generators that are not written yet.
+#include "rng/registry.hpp"
+
+#define VOX_PENDING(name)                                                                          \
+    extern "C" int vox_rng_##name##_init(int, vox::rng::stream *, int, const uint32_t *) {         \
+        return -2;                                                                                 \
+    }                                                                                              \
+    extern "C" int vox_rng_##name##_i(vox::rng::stream *, int, uint32_t *) { return -2; }          \
+    extern "C" int vox_rng_##name##_s(vox::rng::stream *, int, float *, float, float) {            \
+        return -2;                                                                                 \
+    }                                                                                              \
+    extern "C" int vox_rng_##name##_d(vox::rng::stream *, int, double *, double, double) {         \
+        return -2;                                                                                 \
+    }
+VOX_PENDING(r250)
+VOX_PENDING(mrg32k3a)
+VOX_PENDING(mcg59)
+VOX_PENDING(wh)
+VOX_PENDING(sobol)
+VOX_PENDING(niederr)
+VOX_PENDING(mt19937)
+VOX_PENDING(mt2203)
+VOX_PENDING(iabstract)
+VOX_PENDING(dabstract)
+VOX_PENDING(sabstract)
+VOX_PENDING(sfmt19937)
+VOX_PENDING(nondeterm)
+VOX_PENDING(ars5)
+VOX_PENDING(philox4x32x10)

@@ -1,0 +1,141 @@
+// outputs.hpp - what becomes of the numbers that a generator makes: words as they are, or uniforms.
+//
+// A generator's kernel is one function template, generate(state, n, out): it makes vectors of its natural
+// values and gives each to out, then the rest, fewer than a vector.
+//
+//   out.put(v)          all lanes of v
+//   out.put_first(v, k) its first k lanes, 0 <= k < lanes
+//
+// The type of output is made of a kind of value: `vector`, the values as they come from the generator;
+// word(v), the integer output; unit(v, T(), store), which calls store with vec<T> of u in [0, 1) for all
+// lanes in order. VOX_BRNG_KERNELS makes the three routines from them.
+//
+// Results must be the same in all kernel sets, so kernels are compiled without contraction of products and
+// sums, and what is rounded is rounded once in each of them: u is exact or one rounding, then a + (b - a) u
+// two more.
+#pragma once
+
+#include "rng/stream.hpp"
+#include "serv/simd.hpp"
+
+namespace {
+namespace output {
+
+using simd::lanes;
+using simd::vec;
+using vox::index_t;
+
+// Vectors of 32-bit words: a path without 256-bit integers works on halves.
+#if defined(__AVX__) && !defined(__AVX2__)
+constexpr int integer_bytes = 16;
+#else
+constexpr int integer_bytes = simd::vector_bytes;
+#endif
+using words = typename simd::vec_of<uint32_t, integer_bytes>::type;
+constexpr int word_lanes = integer_bytes / 4;
+
+// The first k elements of an array on the stack: what a vector is cut through.
+template <class T, int N>
+inline void copy_first(T *to, const T (&from)[N], int k) {
+    for (int i = 0; i < k; ++i) {
+        to[i] = from[i];
+        simd::stay_scalar();
+    }
+}
+
+template <class Kind>
+struct integers {
+    using word = typename Kind::word_type;
+    word *r;
+
+    template <class V>
+    void put(V v) {
+        Kind::word(v, [&](auto w) {
+            simd::store(r, w);
+            r += sizeof(w) / sizeof(word);
+        });
+    }
+    template <class V>
+    void put_first(V v, int k) {
+        word all[sizeof(V) / sizeof(v[0])];
+        integers{all}.put(v);
+        copy_first(r, all, k);
+        r += k;
+    }
+};
+
+template <class Kind, class T>
+struct uniforms {
+    T *r;
+    T a, width;
+
+    template <class V>
+    void put(V v) {
+        Kind::unit(v, T(), [&](auto u) {
+            simd::store(r, a + width * u);
+            r += sizeof(u) / sizeof(T);
+        });
+    }
+    template <class V>
+    void put_first(V v, int k) {
+        T all[sizeof(V) / sizeof(v[0])];
+        uniforms{all, a, width}.put(v);
+        copy_first(r, all, k);
+        r += k;
+    }
+};
+
+// The halves of a vector of words as doubles, exactly: the word becomes the mantissa of 2^52 + w.
+template <class Store>
+inline void to_doubles(words w, Store store) {
+    const auto part = [&](auto half) {
+#if defined(__AVX512F__)
+        store(__builtin_convertvector(half, vec<double>));
+#else
+        using doubles = typename simd::vec_of<double, integer_bytes>::type;
+        using longs = typename simd::vec_of<uint64_t, integer_bytes>::type;
+        const longs bits =
+            longs(__builtin_convertvector(half, longs)) | (longs{} + 0x4330000000000000u);
+        store(doubles(bits) - 0x1p52);
+#endif
+    };
+    part(simd::low_half(w));
+    part(simd::high_half(w));
+}
+
+// Words of 32 random bits: u = w / 2^32 in double precision, the upper 24 bits in single.
+struct bits32 {
+    using word_type = uint32_t;
+    template <class Store>
+    static void word(words w, Store store) {
+        store(w);
+    }
+    template <class Store>
+    static void unit(words w, double, Store store) {
+        to_doubles(w, [&](auto x) { store(x * 0x1p-32); });
+    }
+    template <class Store>
+    static void unit(words w, float, Store store) {
+        using ints = typename simd::vec_of<int32_t, integer_bytes>::type;
+        using floats = typename simd::vec_of<float, integer_bytes>::type;
+        store(__builtin_convertvector(ints(w >> 8), floats) * 0x1p-24f);
+    }
+};
+
+} // namespace output
+} // namespace
+
+// The routines of a generator whose state is State and whose values are of a kind.
+#define VOX_BRNG_KERNELS(name, State, Kind)                                                        \
+    extern "C" int VOX_KERNEL_NAMED(rng, name##_i)(vox::rng::stream * s, int n, uint32_t *r) {     \
+        using out = output::integers<Kind>;                                                        \
+        return generate(s->state<State>(), n, out{reinterpret_cast<out::word *>(r)});              \
+    }                                                                                              \
+    extern "C" int VOX_KERNEL_NAMED(rng, name##_s)(vox::rng::stream * s, int n, float *r, float a, \
+                                                   float b) {                                      \
+        return generate(s->state<State>(), n, output::uniforms<Kind, float>{r, a, b - a});         \
+    }                                                                                              \
+    extern "C" int VOX_KERNEL_NAMED(rng, name##_d)(vox::rng::stream * s, int n, double *r,         \
+                                                   double a, double b) {                           \
+        return generate(s->state<State>(), n, output::uniforms<Kind, double>{r, a, b - a});        \
+    }
