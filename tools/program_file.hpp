@@ -1,0 +1,21 @@
+// program_file.hpp - finds the program that a command starts, and says what keeps a preloaded library from
+// serving it.
+#pragma once
+
+#include <string>
+
+struct program_file {
+    std::string path;  // what is executed; empty if there is nothing
+    int error = 0;     // then why: ENOENT, EACCES, ...
+    std::string image; // the ELF file that runs: the program, or the interpreter of a script
+};
+
+// As the shell does: a name with a slash is a path, any other is looked for along PATH. Scripts are followed.
+program_file find_program(const std::string &name);
+
+// Whether the dynamic linker of another kind of machine would stumble over this library.
+bool is_foreign(const program_file &program);
+
+// Why the program runs without the library, or without part of it; empty if nothing is in the way. library: the
+// library's file, whose functions are looked for in the program.
+std::string obstacle(const program_file &program, const char *library);
