@@ -27,7 +27,7 @@ SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -na
 .PHONY: all run test quick sanitize clang bench install format format-check tidy clean FORCE
 
 all: build/build.ninja
-	$(RELEASE) --target vox vox_static vox-info
+	$(RELEASE) --target vox vox_static vox-info vox-run
 
 run: build/build.ninja
 	$(RELEASE) --target $(notdir $(RUN))
@@ -56,7 +56,7 @@ bench: build/build.ninja
 	@for program in $(BENCH); do echo; echo "== $$program"; build/$$program || exit 1; done
 
 install: all
-	cmake --install build --prefix $(PREFIX)
+	cmake --install build --prefix $(abspath $(PREFIX))
 
 format:
 	@clang-format -i $(SOURCES)
