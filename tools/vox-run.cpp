@@ -134,6 +134,15 @@ void print_info(const std::string &library, const program_file &program) {
                  script ? ", run by " : "", script ? program.image.c_str() : "");
 }
 
+[[noreturn]] void execute(const program_file &program, char **arguments) {
+    execv(program.path.c_str(), arguments);
+    if (errno == ENOEXEC &&
+        program.image == "/bin/sh") // a script without a first line is the shell's
+        execvp(program.path.c_str(), arguments);
+    stop(errno == ENOENT ? not_found : cannot_execute, "%s: %s", arguments[0],
+         std::strerror(errno));
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -182,6 +191,5 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "vox-run: %s %s\n", program.image.c_str(), why.c_str());
     if (!is_foreign(program)) // whose dynamic linker would only complain
         preload(library);
-    execvp(program.path.c_str(), argv + i);
-    stop(cannot_execute, "%s: %s", argv[i], std::strerror(errno));
+    execute(program, argv + i);
 }

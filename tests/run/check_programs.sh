@@ -1,0 +1,78 @@
+#!/bin/sh
+# check_programs.sh VOX-RUN SOURCES - programs that use the system's BLAS and LAPACK are served, and those that
+# cannot be are told so, in one line, and run.
+set -u
+run=$1 sources=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cd "$scratch"
+wrong=0
+fail() {
+    echo "$1"
+    wrong=1
+}
+
+# A solver in Fortran, parallel by GNU's OpenMP runtime. dsyev is not this library's.
+gfortran -O1 -fopenmp "$sources/solver.f90" -l:liblapack.so.3 -l:libblas.so.3 -o solver || exit 1
+./solver >alone || fail "the solver does not run"
+VOX_VERBOSE_OUTPUT_FILE=log "$run" --verbose --threads 2 ./solver >served 2>err || fail "the solver fails"
+cmp alone served || fail "the solver's answers differ"
+[ ! -s err ] || fail "there is an objection to the solver: $(cat err)"
+for routine in DGESV DGEMM DSYMV; do
+    grep -q "^VOX_VERBOSE $routine(" log || fail "$routine of the solver does not reach the library"
+done
+
+# told PATTERN LOGGED PROGRAM...: a line that matches, the program's output, and whether calls are logged.
+told() {
+    pattern=$1 logged=$2
+    shift 2
+    rm -f log
+    output=$(VOX_VERBOSE_OUTPUT_FILE=log "$run" --verbose "$@" 2>err)
+    [ "$output" = 32 ] || fail "$*: the program's output is \"$output\""
+    if [ -n "$pattern" ]; then
+        [ "$(wc -l <err)" = 1 ] && grep -q "^vox-run: .*$pattern" err || fail "$*: told \"$(cat err)\""
+    else
+        [ ! -s err ] || fail "$*: told \"$(cat err)\""
+    fi
+    if [ -e log ]; then found=logged; else found=silent; fi
+    [ $found = "$logged" ] || fail "$*: calls are $found"
+}
+
+cc -c "$sources/dot.c" -o dot.o
+cc -c "$sources/own_blas.c" -o own_blas.o
+cc dot.o -l:libblas.so.3 -o shared
+cc dot.o own_blas.o -o own
+cc dot.o own_blas.o -rdynamic -o own_exported
+cc -static dot.o own_blas.o -o static
+cc -static-pie -fPIE "$sources/dot.c" "$sources/own_blas.c" -o static_pie
+printf '#!/bin/sh\nexec ./shared\n' >script
+printf '#!%s/own\n' "$scratch" >script_of_own
+printf '#!/usr/bin/env own\n' >script_of_env
+chmod +x script script_of_own script_of_env
+told '' logged ./shared
+told '' logged ./script
+told 'own brings its own ddot_ and 1 more: these calls' silent ./own
+told 'own brings its own ddot_' silent ./script_of_own
+PATH=$scratch:$PATH told 'own brings its own ddot_' silent ./script_of_env
+told 'own_exported brings its own ddot_' silent ./own_exported
+told 'static is linked statically, with ddot_' silent ./static
+told 'static_pie is linked statically, with ddot_' silent ./static_pie
+
+# A program that runs as another user.
+cp shared other_user
+chmod 755 . other_user
+if [ "$(id -u)" = 0 ]; then
+    chown 65534 other_user
+    chmod u+s other_user
+    told 'other_user runs with rights of its own' silent ./other_user
+else
+    program=$(command -v su)
+    "$run" "$program" --version 2>&1 | grep -q "$program runs with rights of its own" || fail "$program: not told"
+fi
+
+# For another machine: the system has the last word on it, without the library.
+{ head -c 18 shared && printf '\267' && tail -c +20 shared; } >foreign
+chmod +x foreign
+"$run" ./foreign 2>err
+[ $? = 126 ] && grep -q 'foreign is not a program for 64-bit x86' err || fail "foreign: told \"$(cat err)\""
+exit $wrong
