@@ -4,7 +4,7 @@ set(vox_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VOX)
 set(vox_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 set(vox_tools vox-info vox-run)
 
-install(TARGETS vox vox_static ${vox_tools}
+install(TARGETS vox vox_static ${vox_tools} vox-run-report
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

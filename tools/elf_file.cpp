@@ -55,18 +55,40 @@ class mapped_file {
     size_t size_ = 0;
 };
 
-void add_functions(const mapped_file &file, const Elf64_Shdr &symbols, const Elf64_Shdr &names,
-                   std::set<std::string> &functions) {
-    if (names.sh_offset + names.sh_size < names.sh_offset)
-        return;
-    for (uint64_t i = 0; i < symbols.sh_size / sizeof(Elf64_Sym); ++i) {
-        Elf64_Sym symbol;
-        if (!file.read(symbols.sh_offset + i * sizeof symbol, &symbol))
-            return;
-        const int type = ELF64_ST_TYPE(symbol.st_info);
-        if (symbol.st_shndx != SHN_UNDEF && (type == STT_FUNC || type == STT_GNU_IFUNC))
-            functions.insert(file.text(names.sh_offset + symbol.st_name, //
-                                       names.sh_offset + names.sh_size));
+// A section of entries of one type, and the section that holds their names.
+struct table {
+    Elf64_Shdr entries, names;
+
+    const char *name(const mapped_file &file, uint64_t offset) const {
+        return file.text(names.sh_offset + offset, names.sh_offset + names.sh_size);
+    }
+
+    template <class Entry, class Visit>
+    void for_each(const mapped_file &file, Visit visit) const {
+        Entry entry;
+        for (uint64_t i = 0; i < entries.sh_size / sizeof entry; ++i) {
+            if (!file.read(entries.sh_offset + i * sizeof entry, &entry))
+                return;
+            visit(entry);
+        }
+    }
+};
+
+void read_table(const mapped_file &file, const table &t, elf_file &result) {
+    switch (t.entries.sh_type) {
+    case SHT_SYMTAB:
+    case SHT_DYNSYM:
+        t.for_each<Elf64_Sym>(file, [&](const Elf64_Sym &symbol) {
+            const int type = ELF64_ST_TYPE(symbol.st_info);
+            if (symbol.st_shndx != SHN_UNDEF && (type == STT_FUNC || type == STT_GNU_IFUNC))
+                result.functions.insert(t.name(file, symbol.st_name));
+        });
+        break;
+    case SHT_DYNAMIC:
+        t.for_each<Elf64_Dyn>(file, [&](const Elf64_Dyn &entry) {
+            if (entry.d_tag == DT_NEEDED)
+                result.needed.insert(t.name(file, entry.d_un.d_val));
+        });
     }
 }
 
@@ -90,11 +112,10 @@ elf_file read_elf(const char *path) {
         result.has_interpreter |= segment.p_type == PT_INTERP;
     }
     for (int i = 0; i < header.e_shnum; ++i) {
-        Elf64_Shdr symbols, names;
-        if (file.read(header.e_shoff + uint64_t(i) * sizeof symbols, &symbols) &&
-            (symbols.sh_type == SHT_SYMTAB || symbols.sh_type == SHT_DYNSYM) &&
-            file.read(header.e_shoff + symbols.sh_link * sizeof names, &names))
-            add_functions(file, symbols, names, result.functions);
+        table t;
+        if (file.read(header.e_shoff + uint64_t(i) * sizeof t.entries, &t.entries) &&
+            file.read(header.e_shoff + t.entries.sh_link * sizeof t.names, &t.names))
+            read_table(file, t, result);
     }
     return result;
 }

@@ -10,6 +10,7 @@ struct elf_file {
     format kind = format::other;
     bool has_interpreter = false;    // a program without one is linked statically
     std::set<std::string> functions; // of both symbol tables, as far as they have not been stripped
+    std::set<std::string> needed;    // libraries, by the names under which they are looked for
 };
 
 // A file that cannot be read, or is damaged, gives what could be read of it.

@@ -93,6 +93,24 @@ std::vector<std::string> routines_in_both(const elf_file &program, const elf_fil
     return common;
 }
 
+std::string describe(const std::vector<std::string> &routines) {
+    if (routines.empty())
+        return "";
+    const bool gemm = std::find(routines.begin(), routines.end(), "dgemm_") != routines.end();
+    const std::string others = std::to_string(routines.size() - 1);
+    return (gemm ? "dgemm_" : routines.front()) + (others == "0" ? "" : " and " + others + " more");
+}
+
+// Whether a library is a BLAS or LAPACK with 64-bit integers, by the name that Debian and others give it. Its
+// routines may have the same names.
+bool has_wide_integers(const std::string &library) {
+    for (const char *const name :
+         {"libblas64", "libcblas64", "liblapack64", "libopenblas64", "libblis64"})
+        if (library.rfind(name, 0) == 0)
+            return true;
+    return false;
+}
+
 } // namespace
 
 program_file find_program(const std::string &name) {
@@ -106,32 +124,27 @@ program_file find_program(const std::string &name) {
     return program;
 }
 
-bool is_foreign(const program_file &program) {
-    return read_elf(program.image.c_str()).kind == elf_file::format::foreign;
-}
-
-std::string obstacle(const program_file &program, const char *library) {
+service serve(const program_file &program, const char *library) {
     const elf_file image = read_elf(program.image.c_str());
-    if (image.kind == elf_file::format::foreign)
-        return "is not a program for 64-bit x86: it runs without the library";
     if (image.kind == elf_file::format::other)
-        return "";
+        return {};
+    if (image.kind == elf_file::format::foreign)
+        return {false, "is not a program for 64-bit x86: it runs without the library"};
     if (gains_rights(program.image))
-        return "runs with rights of its own (set-user-ID, set-group-ID or capabilities), so the "
-               "system "
-               "preloads nothing: it runs without the library";
-    const auto own = routines_in_both(image, read_elf(library));
-    std::string routines;
-    if (!own.empty()) {
-        routines =
-            std::find(own.begin(), own.end(), "dgemm_") != own.end() ? "dgemm_" : own.front();
-        if (own.size() > 1)
-            routines += " and " + std::to_string(own.size() - 1) + " more";
-    }
+        return {
+            true,
+            "runs with rights of its own (set-user-ID, set-group-ID or capabilities), with which "
+            "nothing is preloaded: it runs without the library"};
+    for (const std::string &needed : image.needed)
+        if (has_wide_integers(needed))
+            return {false, "calls " + needed +
+                               " with integers of 64 bits, and this library's have 32: it runs "
+                               "without the library"};
+    const std::string own = describe(routines_in_both(image, read_elf(library)));
     if (!image.has_interpreter)
-        return "is linked statically" + (own.empty() ? "" : ", with " + routines + " of its own") +
-               ": it runs without the library";
+        return {true, "is linked statically" + (own.empty() ? own : ", with its own " + own) +
+                          ": it runs without the library"};
     if (!own.empty())
-        return "brings its own " + routines + ": these calls do not reach the library";
-    return "";
+        return {true, "brings its own " + own + ": these calls do not reach the library"};
+    return {};
 }

@@ -13,9 +13,12 @@ struct program_file {
 // As the shell does: a name with a slash is a path, any other is looked for along PATH. Scripts are followed.
 program_file find_program(const std::string &name);
 
-// Whether the dynamic linker of another kind of machine would stumble over this library.
-bool is_foreign(const program_file &program);
+// Whether a preloaded library serves the program.
+struct service {
+    bool preload = true; // false where preloading would do harm
+    std::string
+        obstacle; // why the program runs without the library, or without part of it; or empty
+};
 
-// Why the program runs without the library, or without part of it; empty if nothing is in the way. library: the
-// library's file, whose functions are looked for in the program.
-std::string obstacle(const program_file &program, const char *library);
+// library: the library's file, whose routines are looked for in the program.
+service serve(const program_file &program, const char *library);

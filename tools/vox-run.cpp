@@ -33,7 +33,9 @@ processor gets the best code path that it can run; VOX_CPU_VENDOR, if it is set,
   --info        says first what will run: library, code path, threads, program
 
 Where the library cannot serve a program, which then runs without it, a line on standard error says so: a
-program that is linked statically, has a BLAS linked in, has rights of its own or is for other processors.
+program that is linked statically, has a BLAS linked in, has rights of its own, counts with 64-bit integers or is
+for other processors. A program that has loaded a BLAS under names of its own, as Python packages bring it, is told
+when it ends.
 
 The status is PROGRAM's; 2 for a wrong option, 126 if PROGRAM cannot be executed, 127 if there is none.
 )";
@@ -101,9 +103,16 @@ std::string library_file() {
     return path;
 }
 
+// The library, what reports on it when the program ends, and what is preloaded anyway.
 void preload(const std::string &library) {
+    std::string list = library;
+    const std::string report = library.substr(0, library.rfind('/')) + "/libvox-run.so";
+    if (access(report.c_str(), R_OK) == 0)
+        list += ":" + report;
     const char *const others = std::getenv("LD_PRELOAD");
-    set("LD_PRELOAD", (others && *others ? library + ":" + others : library).c_str());
+    if (others && *others)
+        list += ":" + std::string(others);
+    set("LD_PRELOAD", list.c_str());
 }
 
 void print_fact(void *, const char *section, const char *key, const char *value) {
@@ -186,10 +195,10 @@ int main(int argc, char **argv) {
     const std::string library = library_file();
     if (info)
         print_info(library, program);
-    const std::string why = obstacle(program, library.c_str());
-    if (!why.empty())
-        std::fprintf(stderr, "vox-run: %s %s\n", program.image.c_str(), why.c_str());
-    if (!is_foreign(program)) // whose dynamic linker would only complain
+    const service service = serve(program, library.c_str());
+    if (!service.obstacle.empty())
+        std::fprintf(stderr, "vox-run: %s %s\n", program.image.c_str(), service.obstacle.c_str());
+    if (service.preload)
         preload(library);
     execute(program, argv + i);
 }

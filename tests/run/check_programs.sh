@@ -43,6 +43,10 @@ cc -c "$sources/own_blas.c" -o own_blas.o
 cc dot.o -l:libblas.so.3 -o shared
 cc dot.o own_blas.o -o own
 cc dot.o own_blas.o -rdynamic -o own_exported
+cc -shared -fPIC "$sources/own_blas.c" -Wl,-soname,libblas64.so.3 -o libblas64.so.3
+cc dot.o -L. -l:libblas64.so.3 -Wl,-rpath,"$scratch" -o wide
+cc -shared -fPIC -Dddot_=cblas_ddot64_ -Ddscal_=cblas_dgemm64_ "$sources/own_blas.c" -o package.so
+cc -DPACKAGE='"./package.so"' "$sources/dot.c" -o packaged
 cc -static dot.o own_blas.o -o static
 cc -static-pie -fPIE "$sources/dot.c" "$sources/own_blas.c" -o static_pie
 printf '#!/bin/sh\nexec ./shared\n' >script
@@ -55,8 +59,10 @@ told 'own brings its own ddot_ and 1 more: these calls' silent ./own
 told 'own brings its own ddot_' silent ./script_of_own
 PATH=$scratch:$PATH told 'own brings its own ddot_' silent ./script_of_env
 told 'own_exported brings its own ddot_' silent ./own_exported
-told 'static is linked statically, with ddot_' silent ./static
-told 'static_pie is linked statically, with ddot_' silent ./static_pie
+told 'static is linked statically, with its own ddot_' silent ./static
+told 'static_pie is linked statically, with its own ddot_' silent ./static_pie
+told 'wide calls libblas64.so.3 with integers of 64 bits' silent ./wide
+told 'package.so brings a BLAS under names of its own (cblas_dgemm64_): its calls' silent ./packaged
 
 # A program that runs as another user.
 cp shared other_user
