@@ -148,3 +148,14 @@ service serve(const program_file &program, const char *library) {
         return {true, "brings its own " + own + ": these calls do not reach the library"};
     return {};
 }
+
+std::string linked_libraries(const program_file &program) {
+    std::string list;
+    for (const std::string &needed : read_elf(program.image.c_str()).needed)
+        for (const char *const word : {"blas", "lapack", "blis", "atlas", "libvox"})
+            if (needed.find(word) != std::string::npos) {
+                list += (list.empty() ? "" : " ") + needed;
+                break;
+            }
+    return list;
+}

@@ -15,10 +15,12 @@ program_file find_program(const std::string &name);
 
 // Whether a preloaded library serves the program.
 struct service {
-    bool preload = true; // false where preloading would do harm
-    std::string
-        obstacle; // why the program runs without the library, or without part of it; or empty
+    bool preload = true;  // false where preloading would do harm
+    std::string obstacle; // why the program runs without the library or part of it; or empty
 };
 
 // library: the library's file, whose routines are looked for in the program.
 service serve(const program_file &program, const char *library);
+
+// The libraries of linear algebra that the program is linked with, by their names; or empty.
+std::string linked_libraries(const program_file &program);

@@ -5,6 +5,7 @@
 // variables of docs/environment.md do. The program takes the place of this process.
 #include <cerrno>
 #include <climits>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -30,7 +31,7 @@ processor gets the best code path that it can run; VOX_CPU_VENDOR, if it is set,
                 every processor (sets VOX_DEBUG_CPU_TYPE or VOX_CBWR)
   --verbose     prints every call that reaches the library, with its time (sets VOX_VERBOSE=1); if no line
                 comes, no call did
-  --info        says first what will run: library, code path, threads, program
+  --info        says first what will run: library, code path, threads, the program and what it is linked with
 
 Where the library cannot serve a program, which then runs without it, a line on standard error says so: a
 program that is linked statically, has a BLAS linked in, has rights of its own, counts with 64-bit integers or is
@@ -42,10 +43,11 @@ The status is PROGRAM's; 2 for a wrong option, 126 if PROGRAM cannot be executed
 
 enum { wrong_usage = 2, cannot_execute = 126, not_found = 127 };
 
-template <class... A>
-[[noreturn]] void stop(int status, const char *format, A... arguments) {
+[[noreturn]] VOX_FORMAT(printf, 2, 3) void stop(int status, const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
     std::fprintf(stderr, "vox-run: ");
-    std::fprintf(stderr, format, arguments...);
+    std::vfprintf(stderr, format, arguments);
     std::fputc('\n', stderr);
     std::exit(status);
 }
@@ -141,6 +143,10 @@ void print_info(const std::string &library, const program_file &program) {
     const bool script = program.image != program.path;
     std::fprintf(stderr, "vox-run: %-11s %s%s%s\n", "program", program.path.c_str(),
                  script ? ", run by " : "", script ? program.image.c_str() : "");
+    const std::string linked = linked_libraries(program);
+    std::fprintf(stderr, "vox-run: %-11s %s\n", "linked with",
+                 linked.empty() ? "no BLAS; one that it loads later is replaced all the same"
+                                : linked.c_str());
 }
 
 [[noreturn]] void execute(const program_file &program, char **arguments) {

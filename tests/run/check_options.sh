@@ -37,6 +37,11 @@ done
 for path in x '' AVX2 'avx2 ' 5; do
     refused 2 --path --path "$path" true
 done
+# Valgrind's processor has no AVX-512, whatever the machine's has.
+valgrind -q "$run" --path avx512 true >out 2>err
+is 'status, path that the processor lacks' $? 2
+is 'message, path that the processor lacks' "$(cat out err)" \
+    'vox-run: --path: this processor cannot run the code path avx512'
 refused 2 'no program'
 refused 2 'no program' --info
 refused 2 'needs a value' --threads

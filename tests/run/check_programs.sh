@@ -21,6 +21,8 @@ cmp alone served || fail "the solver's answers differ"
 for routine in DGESV DGEMM DSYMV; do
     grep -q "^VOX_VERBOSE $routine(" log || fail "$routine of the solver does not reach the library"
 done
+"$run" --info ./solver 2>&1 >/dev/null | grep -q 'linked with *libblas.so.3 liblapack.so.3$' ||
+    fail "what the solver is linked with is not said"
 
 # told PATTERN LOGGED PROGRAM...: a line that matches, the program's output, and whether calls are logged.
 told() {
