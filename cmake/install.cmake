@@ -29,6 +29,7 @@ install(FILES ${PROJECT_BINARY_DIR}/VOXConfig.cmake ${PROJECT_BINARY_DIR}/VOXCon
 # pkg-config: vox for libvox.so; vox-static for libvox.a beside shared system libraries, which no flag of
 # pkg-config asks for. The runtime goes by its file name, for which no development package is needed.
 file(RELATIVE_PATH vox_prefix_from_pc /prefix/${vox_pkgconfig_dir} /prefix)
+string(REGEX REPLACE "/$" "" vox_prefix_from_pc ${vox_prefix_from_pc})
 file(REAL_PATH ${VOX_OPENMP_LIBRARY} vox_openmp_file)
 get_filename_component(vox_openmp_file ${vox_openmp_file} NAME)
 set(vox_static_libs "-l:${vox_openmp_file} -lm -ldl")
