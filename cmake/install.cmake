@@ -15,6 +15,7 @@ install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTER
 # The tools find the library beside them.
 file(RELATIVE_PATH vox_lib_from_bin /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
 set_target_properties(${vox_tools} PROPERTIES INSTALL_RPATH "$ORIGIN/${vox_lib_from_bin}")
+set_target_properties(vox-run-report PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 # find_package(VOX)
 configure_package_config_file(cmake/VOXConfig.cmake.in ${PROJECT_BINARY_DIR}/VOXConfig.cmake

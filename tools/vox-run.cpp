@@ -31,7 +31,8 @@ processor gets the best code path that it can run; VOX_CPU_VENDOR, if it is set,
                 every processor (sets VOX_DEBUG_CPU_TYPE or VOX_CBWR)
   --verbose     prints every call that reaches the library, with its time (sets VOX_VERBOSE=1); if no line
                 comes, no call did
-  --info        says first what will run: library, code path, threads, the program and what it is linked with
+  --info        says first what will run: library, code path, threads, the program and what it is linked with; and
+                at the end whether anything was computed by the library
 
 Where the library cannot serve a program, which then runs without it, a line on standard error says so: a
 program that is linked statically, has a BLAS linked in, has rights of its own, counts with 64-bit integers or is
@@ -199,8 +200,10 @@ int main(int argc, char **argv) {
         stop(program.error == ENOENT || program.error == ENOTDIR ? not_found : cannot_execute,
              "%s: %s", argv[i], std::strerror(program.error));
     const std::string library = library_file();
-    if (info)
+    if (info) {
         print_info(library, program);
+        set("VOX_RUN_INFO", std::to_string(getpid()).c_str());
+    }
     const service service = serve(program, library.c_str());
     if (!service.obstacle.empty())
         std::fprintf(stderr, "vox-run: %s %s\n", program.image.c_str(), service.obstacle.c_str());

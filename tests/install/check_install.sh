@@ -36,7 +36,9 @@ for object in "$prefix"/bin/* "$lib"/*.so; do
 done
 
 "$prefix/bin/vox-info" | grep "Version 2018"
-"$prefix/bin/vox-run" --info true 2>&1 | grep -F "library     $lib/libvox.so"
+"$prefix/bin/vox-run" --info true 2>log
+grep -F "library     $lib/libvox.so" log
+grep ERROR log && fail "what vox-run preloads cannot be loaded"
 
 # expect PROGRAM shared|static: it runs, and needs the shared library or does not.
 expect() {

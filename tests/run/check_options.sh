@@ -4,7 +4,7 @@ set -u
 run=$1
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-cd "$scratch"
+cd "$scratch" || exit 1
 wrong=0
 
 # is NAME FOUND WANTED
@@ -90,7 +90,7 @@ libm=$(ldd "$run" | awk '$1 == "libm.so.6" { print $3 }')
 is 'others preloaded' "$(LD_PRELOAD=$libm "$run" sh -c 'echo $LD_PRELOAD' | sed 's/.*://')" "$libm"
 
 "$run" --info --path cnr --threads 1 sh -c 'echo begun >&2' 2>err
-is '--info' "$(sed -n 's/^vox-run: \(code path\|threads\|program\)  *\([^ ,]*\).*/\2/p; $p' err | xargs)" \
+is '--info' "$(sed -n 's/^vox-run: \(code path\|threads\|program\)  *\([^ ,]*\).*/\2/p; t; /^vox/!p' err | xargs)" \
     "cnr_def 1 $(command -v sh) begun"
 is '--help' "$("$run" --help | grep -c '^  --')" 4
 exit $wrong

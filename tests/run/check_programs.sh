@@ -5,7 +5,7 @@ set -u
 run=$1 sources=$2
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-cd "$scratch"
+cd "$scratch" || exit 1
 wrong=0
 fail() {
     echo "$1"
@@ -21,8 +21,12 @@ cmp alone served || fail "the solver's answers differ"
 for routine in DGESV DGEMM DSYMV; do
     grep -q "^VOX_VERBOSE $routine(" log || fail "$routine of the solver does not reach the library"
 done
-"$run" --info ./solver 2>&1 >/dev/null | grep -q 'linked with *libblas.so.3 liblapack.so.3$' ||
-    fail "what the solver is linked with is not said"
+"$run" --info ./solver >out 2>err
+grep -q 'linked with *libblas.so.3 liblapack.so.3$' err && grep -q 'solver: something was computed' err ||
+    fail "--info does not say what the solver uses: $(cat err)"
+"$run" --info sh -c 'env --version; ./solver; true' >out 2>err
+[ "$(grep 'was computed' err)" = 'vox-run: solver: something was computed by the library' ] ||
+    fail "--info does not say what a script's programs use: $(cat err)"
 
 # told PATTERN LOGGED PROGRAM...: a line that matches, the program's output, and whether calls are logged.
 told() {
@@ -65,6 +69,7 @@ told 'static is linked statically, with its own ddot_' silent ./static
 told 'static_pie is linked statically, with its own ddot_' silent ./static_pie
 told 'wide calls libblas64.so.3 with integers of 64 bits' silent ./wide
 told 'package.so brings a BLAS under names of its own (cblas_dgemm64_): its calls' silent ./packaged
+"$run" --info ./packaged 2>&1 | grep -q 'packaged: nothing was computed' || fail "--info counts the package's calls"
 
 # A program that runs as another user.
 cp shared other_user
