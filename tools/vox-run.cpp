@@ -1,8 +1,11 @@
 // vox-run.cpp - runs a program that was built with another BLAS and LAPACK on this library.
 //
+//   vox-run [--threads N] [--path P] [--verbose] [--info] PROGRAM [ARGUMENT...]
+//
 // The library is preloaded (LD_PRELOAD), so its symbols come before those of the libraries that the program
 // was linked with; routines that it does not have stay theirs. Everything else is what the environment
-// variables of docs/environment.md do. The program takes the place of this process.
+// variables of docs/environment.md do; the options set those that `help` below names. The program takes the
+// place of this process, so its status and its signals are its own.
 #include <cerrno>
 #include <climits>
 #include <cstdarg>
