@@ -1,14 +1,13 @@
 // regression.cpp - linear least squares on data with certified answers, in two ways: by QR factorisation
 // (LAPACKE_dgels), and through the normal equations A^T A x = A^T y, to show why not.
 //
-//   regression [FILE]     FILE: comma-separated, a line of column names, the response in the first column;
-//                         lines that begin with # may certify results (see examples/data/longley.csv)
+//   regression [FILE]     FILE: a study as support/study.hpp describes it, examples/data/longley.csv by default
 //
-// Both are backward stable in their way, but QR's error grows with the condition number of A, and that of the
-// normal equations with its square. QR must stay within this bound on its error: the computed x is the exact
+// The error of the normal equations grows with the square of A's condition number, that of QR hardly more than with
+// the condition number if the residual is small. QR must stay within this bound: what it computes is the exact
 // solution for data whose columns a_j and y have changed by at most e |a_j| and e |y|, e = c m n u (Higham,
-// Accuracy and Stability of Numerical Algorithms, 2002, theorem 20.3; c, a small constant, is taken as 1). With
-// G = (A^T A)^-1 and the residual r that moves x_i, to first order, by at most
+// Accuracy and Stability of Numerical Algorithms, 2002, theorem 20.3). c is a small constant; 1 is taken for it, as
+// roundings do not all go one way. With G = (A^T A)^-1 and the residual r that moves x_i, to first order, by at most
 //     e (|r| sum_j |G_ij| |a_j| + sqrt(G_ii) (|y| + sum_j |a_j| |x_j|)).
 // Exit status: 0; 1 if QR misses the bound or the file is bad; 2 for wrong arguments.
 #include <algorithm>
@@ -20,90 +19,18 @@
 #include <vox/vox.h>
 
 #include "support/code_path.hpp"
+#include "support/study.hpp"
 #include "support/text_file.hpp"
 
 namespace {
 
-constexpr double unknown = NAN;
 constexpr double u = 0x1p-53;
 constexpr double certified_digits = 15;
-
-struct study {
-    std::string file;
-    vox_int m = 0, n = 0;           // observations, coefficients
-    std::vector<std::string> names; // of the columns in the file; the first is the response's
-    std::vector<double> A, y;       // A by rows; its first column is 1
-    std::vector<double> certified;  // coefficients; unknown where the file does not say
-    double certified_deviation = unknown;
-};
 
 struct fit {
     std::vector<double> x;
     double deviation; // residual standard deviation: |y - A x| / sqrt(m - n)
 };
-
-// Certified values stand in comments as "b2 -0.0358" and "residual standard deviation 304.85".
-void read_certified(std::string_view comment, study &s) {
-    std::string_view before;
-    for (std::string_view word : words(comment)) {
-        double value;
-        std::string_view rest = take_number(word, value);
-        if (rest.data() && rest.find_first_not_of(",;.") == rest.npos) {
-            double k;
-            if (before == "deviation")
-                s.certified_deviation = value;
-            else if (before.starts_with('b') && take_number(before.substr(1), k).data() && k >= 0 &&
-                     k < 1e6) {
-                s.certified.resize(std::max(s.certified.size(), size_t(k) + 1), unknown);
-                s.certified[size_t(k)] = value;
-            }
-        }
-        before = word;
-    }
-}
-
-study read_study(const std::string &name) {
-    text_file file(name);
-    study s;
-    s.file = name;
-    while (file.next()) {
-        if (file.blank())
-            continue;
-        if (file.line().starts_with('#')) {
-            read_certified(file.line(), s);
-            continue;
-        }
-        const auto fields = comma_separated(file.line());
-        if (s.names.empty()) {
-            double number;
-            if (take_number(fields[0], number).data())
-                file.fail("the first row must name the columns, the response first");
-            if (fields.size() < 2)
-                file.fail("a response and at least one predictor are needed");
-            s.names.assign(fields.begin(), fields.end());
-            s.n = vox_int(fields.size());
-            continue;
-        }
-        if (fields.size() != s.names.size())
-            file.fail(std::to_string(fields.size()) + " values for " +
-                      std::to_string(s.names.size()) + " columns");
-        s.y.push_back(file.number(fields[0]));
-        s.A.push_back(1);
-        for (size_t j = 1; j < fields.size(); ++j)
-            s.A.push_back(file.number(fields[j]));
-        ++s.m;
-    }
-    if (s.names.empty())
-        file.fail("no names of columns");
-    if (s.m <= s.n)
-        file.fail(std::to_string(s.m) + " observations are too few for " + std::to_string(s.n) +
-                  " coefficients");
-    if (s.certified.size() > size_t(s.n))
-        file.fail("a coefficient b" + std::to_string(s.certified.size() - 1) +
-                  " is certified, but the last is b" + std::to_string(s.n - 1));
-    s.certified.resize(s.n, unknown);
-    return s;
-}
 
 double norm(size_t n, const double *x, vox_int step = 1) {
     return cblas_dnrm2(vox_int(n), x, step);
@@ -144,10 +71,10 @@ struct error_bounds {
     double condition; // of A with columns scaled to length 1, in the Frobenius norm
 };
 
+// G holds R in its upper triangle.
 error_bounds bounds_of_qr(const study &s, const fit &f, std::vector<double> G) {
     const size_t m = s.m, n = s.n;
-    LAPACKE_dpotri(LAPACK_ROW_MAJOR, 'U', s.n, G.data(),
-                   s.n); // from R to (R^T R)^-1, upper triangle
+    LAPACKE_dpotri(LAPACK_ROW_MAJOR, 'U', s.n, G.data(), s.n); // from R to (R^T R)^-1
     std::vector<double> length(n);
     double data = norm(m, s.y.data()), scaled_inverse = 0;
     for (size_t j = 0; j < n; ++j) {

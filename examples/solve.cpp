@@ -8,6 +8,7 @@
 #include <exception>
 #include <getopt.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/code_path.hpp"
@@ -24,13 +25,18 @@ constexpr char usage[] =
 
 constexpr double u = 0x1p-53;
 
+// Takes the elements out of what has been read.
 template <class T>
-std::vector<T> elements(const matrix_file &m) {
-    std::vector<T> result(m.real.begin(), m.real.end());
-    if constexpr (!std::is_same_v<T, double>)
-        for (size_t k = 0; k < m.imaginary.size(); ++k)
-            result[k].imag(m.imaginary[k]);
-    return result;
+std::vector<T> take_elements(matrix_file &m) {
+    std::vector<double> real = std::move(m.real), imaginary = std::move(m.imaginary);
+    if constexpr (std::is_same_v<T, double>) {
+        return real;
+    } else {
+        std::vector<T> result(real.begin(), real.end());
+        for (size_t k = 0; k < imaginary.size(); ++k)
+            result[k].imag(imaginary[k]);
+        return result;
+    }
 }
 
 // The first run also starts the library's threads; a small system is solved again to see its own time.
@@ -66,21 +72,23 @@ void report(const linear_system<T> &s, const answer<T> &a, int runs, bool ones) 
         std::printf("estimated to be at most %.1e\n", bound);
     else
         std::printf("no digit is certain\n");
-    std::printf("time:           %.3g ms, %.3g Gflop/s (best of %d)\n", a.seconds * 1e3,
+    const bool short_time = a.seconds < 1e-3;
+    std::printf("time:           %.3g %s, %.3g Gflop/s (best of %d)\n",
+                a.seconds * (short_time ? 1e6 : 1e3), short_time ? "us" : "ms",
                 a.flops / a.seconds / 1e9, runs);
     std::printf("code path:      %s\n", code_path().c_str());
 }
 
 template <class T>
-void run(const matrix_file &matrix, const matrix_file *rhs, const char *output) {
+void run(matrix_file &matrix, matrix_file *rhs, const char *output) {
+    const char *const numbers = matrix.is_complex() ? "complex" : "real";
     linear_system<T> s;
     s.n = matrix.rows;
     s.columns = rhs ? rhs->columns : 1;
-    s.A = elements<T>(matrix);
-    s.B = rhs ? elements<T>(*rhs) : times_ones(s.n, s.A);
+    s.A = take_elements<T>(matrix);
+    s.B = rhs ? take_elements<T>(*rhs) : times_ones(s.n, s.A);
     examine(s);
-    std::printf("A: %s, %d x %d, %s, %s\nB: ", matrix.name.c_str(), s.n, s.n,
-                matrix.is_complex() ? "complex" : "real",
+    std::printf("A: %s, %d x %d, %s, %s\nB: ", matrix.name.c_str(), s.n, s.n, numbers,
                 s.symmetric   ? "symmetric"
                 : s.hermitian ? "Hermitian"
                               : "not symmetric");
@@ -102,7 +110,7 @@ void run(const matrix_file &matrix, const matrix_file *rhs, const char *output) 
 }
 
 void solve_files(const char *matrix_name, const char *rhs_name, const char *output) {
-    const matrix_file matrix = read_matrix(matrix_name);
+    matrix_file matrix = read_matrix(matrix_name);
     if (matrix.rows != matrix.columns)
         throw input_error(matrix.name + ':' + std::to_string(matrix.size_line) +
                           ": the matrix has " + std::to_string(matrix.rows) + " rows and " +

@@ -251,7 +251,8 @@ void read_csv(text_file &file, matrix_file &m) {
             values.push_back(complex_number(file, f));
             is_complex |= values.back().imag() != 0;
         }
-        ++m.rows;
+        if (++m.rows == INT_MAX)
+            file.fail("too many rows");
     } while (file.next());
     if (m.rows == 0)
         file.fail("no matrix in this file");

@@ -139,6 +139,15 @@ TEST_F(Solve, ReportsSmallErrorsOfTheBundledSystems) {
     EXPECT_EQ(field(run({DATA "poisson.mtx"}).out, "condition"), "2.6e+02");
 }
 
+// x = (-fl(1/3), 0) has the residual (2^-54, 0); |A| = 300, |A^-1| = 1/3.
+TEST_F(Solve, MeasuresErrors) {
+    const std::string out = run({file("a", "-3,0\n0,-300\n"), file("b", "1\n0\n")}).out;
+    EXPECT_EQ(field(out, "condition"), "1.0e+02");
+    EXPECT_EQ(field(out, "residual"), "5.6e-17");
+    EXPECT_EQ(field(out, "backward error"), "5.5e-19 normwise, 2.8e-17 componentwise");
+    EXPECT_EQ(field(out, "forward error"), "estimated to be at most 1.1e-16");
+}
+
 TEST_F(Solve, SaysThatAMatrixIsSingularOrNearlySo) {
     expect_failure(run({file("a", "1,2\n2,4\n")}), 1, directory_ / "a",
                    ": the matrix is singular: elimination finds no pivot in column 2");
