@@ -43,7 +43,7 @@ std::vector<T> take_elements(matrix_file &m) {
 template <class T>
 int repeat(const linear_system<T> &s, answer<T> &a) {
     int runs = 1;
-    for (double spent = a.seconds; spent < 0.1 && runs < 10; ++runs) {
+    for (double spent = a.seconds; spent < 0.5 && runs < 10; ++runs) {
         const double seconds = solve(s).seconds;
         spent += seconds;
         a.seconds = std::min(a.seconds, seconds);
