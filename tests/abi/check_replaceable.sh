@@ -4,7 +4,7 @@
 set -eu
 names=$(mktemp)
 trap 'rm -f "$names"' EXIT
-nm -D --defined-only "$1" | awk '{ print $3 }' >"$names"
+nm -D --defined-only "$1" | awk '{ sub(/@.*/, "", $3); print $3 }' >"$names"
 found=$(readelf -rW "$1" | awk '/R_X86_64_/ && NF > 4 { sub(/@.*/, "", $5); print $5 }' | sort -u |
     grep -xFf "$names" || true)
 extra=$(for name in $found; do grep -q "[ {]$name;" "$2" || echo "$name"; done)
