@@ -156,9 +156,6 @@ CHILD(many_callers) {
 }
 TEST(EveryCall, ServesManyCallersAtOnce) { expect_silence(many_callers); }
 
-#if !defined(__SANITIZE_THREAD__)
-// The thread sanitizer takes a new thread in a dead one's place for an error.
-
 CHILD(forks) {
     const routine_calls all = calls(call_size::threaded);
     use_threads(3);
@@ -184,10 +181,7 @@ CHILD(forks) {
     compare(all, expected.data(), outcomes(all).data()); // in the parent, afterwards
 }
 TEST(EveryCall, WorksInTheChildOfAFork) { expect_silence(forks); }
-#endif
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-// Checked code has larger frames.
 // The first use of everything is on the small stack.
 CHILD(small_stack) {
     static routine_calls all = calls(call_size::threaded), small = calls(call_size::small);
@@ -212,7 +206,6 @@ CHILD(small_stack) {
     compare(all, outcomes(all).data(), got.data());
 }
 TEST(EveryCall, RunsOnASmallStack) { expect_silence(small_stack); }
-#endif
 
 // What belongs to the thread: rounding and flushing, x87's precision, processors, signals.
 struct thread_facts {
@@ -265,7 +258,6 @@ TEST(EveryCall, TakesNoMemoryWhenItIsSmall) {
     }
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 // Nothing but reading and writing is allowed: any other request to the system, for a lock that is taken, for
 // memory or for a thread, ends the child, and the last name that it wrote is the call's.
 CHILD(no_system_call) {
@@ -289,7 +281,6 @@ TEST(EveryCall, AsksNothingOfTheSystemWhenItIsSmall) {
     const child_result result = run_child(no_system_call, this_path());
     EXPECT_EQ(result.status, 0) << result.out.substr(result.out.rfind('\n') + 1);
 }
-#endif
 
 // Every allocation of a call fails in turn, then all of them. The call computes the same by another way,
 // or says so and leaves its matrices alone. Two ways differ by roundings: by far less than half of the
