@@ -15,8 +15,9 @@ PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 CMAKE_ARGS ?=
 
-# Run by `make run` and `make bench`, in this order: <folder>/<CMake target>.
-RUN := tools/vox-info examples/first_dot
+# Run by `make run` and `make bench`, in this order: <folder>/<CMake target>, in RUN with :<argument>.
+RUN := examples/regression examples/solve:examples/data/poisson.mtx examples/solve:examples/data/spiral.mtx \
+       tools/vox-info
 BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives bench/serv/bench_startup \
          bench/serv/bench_pool
 
@@ -27,11 +28,11 @@ SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -na
 .PHONY: all run test quick sanitize clang bench install format format-check tidy clean FORCE
 
 all: build/build.ninja
-	$(RELEASE) --target vox vox_static vox-info
+	$(RELEASE) --target vox vox_static vox-info vox-run
 
 run: build/build.ninja
-	$(RELEASE) --target $(notdir $(RUN))
-	@for program in $(RUN); do echo; echo "== $$program"; build/$$program || exit 1; done
+	$(RELEASE) --target $(sort $(foreach step,$(RUN),$(notdir $(firstword $(subst :, ,$(step))))))
+	@for step in $(RUN); do set -- $$(echo $$step | tr : ' '); echo; echo "== $$*"; build/"$$@" || exit 1; done
 
 test: build/build.ninja
 	$(RELEASE)
@@ -56,7 +57,7 @@ bench: build/build.ninja
 	@for program in $(BENCH); do echo; echo "== $$program"; build/$$program || exit 1; done
 
 install: all
-	cmake --install build --prefix $(PREFIX)
+	cmake --install build --prefix $(abspath $(PREFIX))
 
 format:
 	@clang-format -i $(SOURCES)

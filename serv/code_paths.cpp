@@ -6,7 +6,10 @@
 
 vox::code_path vox::this_code_path() {
     const int type = vox_serv_cpu_detect();
-    const bool reproducible = vox_serv_cbwr_get(1) != VOX_CBWR_OFF;
+    return code_path_for(type, vox_serv_cbwr_get(1) != VOX_CBWR_OFF);
+}
+
+vox::code_path vox::code_path_for(int type, bool reproducible) {
     switch (type) {
     case VOX_CPU_DEF:
         return reproducible ? code_path::cnr_def : code_path::def;
@@ -19,6 +22,7 @@ vox::code_path vox::this_code_path() {
     case VOX_CPU_AVX2:
         return code_path::avx2;
     case VOX_CPU_AVX512_ZEL:
+    case VOX_CPU_AVX512_ZEL_E1:
         return code_path::avx512_zel;
     case VOX_CPU_AVX512:
         return code_path::avx512;

@@ -28,8 +28,9 @@ constinit std::atomic<int> vendor_open{unread};
 constinit std::atomic<int> cbwr_mode{unread};
 constinit std::atomic<int64_t> debug_setting{unread}; // the integer, with debug_given above it
 constinit std::atomic<bool> ceiling_fixed{false};
-constinit std::atomic<int> ceiling{-1};    // a level, -1 for none
-constinit std::atomic<int> chosen{unread}; // type, the reason above it
+constinit std::atomic<int> ceiling{-1};           // a level, -1 for none
+constinit std::atomic<int> ceiling_if_opened{-1}; // refused only because the vendor test is closed
+constinit std::atomic<int> chosen{unread};        // type, the reason above it
 constexpr int reason_shift = 8;
 
 // Stores the value unless another is there already; returns the one that stands.
@@ -148,6 +149,16 @@ bool vox::vendor_test_open() {
     return open;
 }
 
+int vox::type_with_vendor_test_opened() {
+    cpu_facts opened = this_cpu();
+    opened.vendor_supported = true;
+    cpu_settings settings = current_cpu_settings();
+    const int level = ceiling_if_opened.load(std::memory_order_relaxed);
+    if (level >= 0)
+        settings.tiers = tiers_of_level(level);
+    return reevaluate_cpu(opened, settings);
+}
+
 vox::cpu_choice vox::chosen_cpu() {
     const int known = chosen.load(std::memory_order_acquire);
     return VOX_LIKELY(known != unread) ? choice_of(known) : make_choice();
@@ -170,10 +181,11 @@ extern "C" int vox_serv_get_cpu_type(int reevaluate) {
 extern "C" int vox_serv_enable_instructions(int level) {
     ceiling_fixed.store(true, std::memory_order_relaxed);
     const cpu_facts cpu = this_cpu();
-    if (!cpu.vendor_supported || current_cpu_settings().debug_given || !level_supported(cpu, level))
+    if (current_cpu_settings().debug_given || !level_supported(cpu, level))
         return 0;
-    ceiling.store(level, std::memory_order_relaxed);
-    return 1;
+    std::atomic<int> &word = cpu.vendor_supported ? ceiling : ceiling_if_opened;
+    word.store(level, std::memory_order_relaxed);
+    return cpu.vendor_supported;
 }
 
 extern "C" int vox_serv_quarn_cpu_true() {

@@ -14,6 +14,9 @@ cpu_choice chosen_cpu();
 // VOX_CPU_VENDOR (or the build's default) opened the vendor test for this processor.
 bool vendor_test_open();
 
+// The type that the settings would give if it were open.
+int type_with_vendor_test_opened();
+
 // The instruction ceiling in force, a level from 0 to 5; -1 for none.
 int instruction_ceiling();
 

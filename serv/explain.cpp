@@ -85,10 +85,6 @@ const char *reason_text(cpu_reason reason) {
     return "";
 }
 
-// Names of processor types by number; 1 is reserved.
-const char *const type_names[] = {"def",  "",           "ssse3",  "sse42",     "avx",
-                                  "avx2", "avx512_zel", "avx512", "avx512_zel"};
-
 void explain_code_path(const facts &f) {
     const cpu_choice choice = chosen_cpu();
     const cpu_settings settings = current_cpu_settings();
@@ -99,12 +95,10 @@ void explain_code_path(const facts &f) {
     f.add("vendor test", supported            ? "passed"
                          : vendor_test_open() ? "opened by VOX_CPU_VENDOR"
                                               : "not passed");
-    if (choice.reason == cpu_reason::vendor) {
-        cpu_facts opened = this_cpu();
-        opened.vendor_supported = true;
-        f.add("with the test opened", "%s (set VOX_CPU_VENDOR=ANY)",
-              type_names[reevaluate_cpu(opened, settings)]);
-    }
+    const code_path opened =
+        code_path_for(type_with_vendor_test_opened(), settings.branch != VOX_CBWR_OFF);
+    if (choice.reason == cpu_reason::vendor && opened != this_code_path())
+        f.add("with VOX_CPU_VENDOR=ANY", code_path_name(opened));
     static constexpr char tiers[][14] = {"SSE4_2",     "AVX",    "AVX2",
                                          "AVX512_ZEL", "AVX512", "AVX512_ZEL_E1"};
     const int level = instruction_ceiling();

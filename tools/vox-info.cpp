@@ -38,7 +38,7 @@ std::string quoted(const char *text) {
 void print_text(printer &p, const char *section, const char *key, const char *value) {
     if (p.section != section)
         std::printf("%s%s\n", p.section.empty() ? "" : "\n", section);
-    std::printf("  %-22s %s\n", key, value);
+    std::printf("  %-23s %s\n", key, value);
 }
 
 void print_json(printer &p, const char *section, const char *key, const char *value) {

@@ -1,5 +1,5 @@
-// gemm_relatives.cpp - what no peer has, beside ?gemm: products of factors that are packed already, and
-// of integers.
+// gemm_relatives.cpp - what no peer has, beside ?gemm: products of factors that are packed already, of
+// integers, and in batches, beside a loop of the caller's.
 //
 //   bench_gemm_relatives [--threads N] [sizes...]
 //
@@ -26,8 +26,8 @@ std::vector<double> times_of(const Call &...calls) {
 }
 
 void print(const char *name, vox_int n, const std::vector<double> &times,
-           std::initializer_list<const char *> what) {
-    std::printf("%-6s n = %-5d %7.1f Gop/s", name, n, 2e-9 * n * n * n / times[0]);
+           std::initializer_list<const char *> what, int products = 1) {
+    std::printf("%-8s n = %-5d %7.1f Gop/s", name, n, 2e-9 * n * n * n * products / times[0]);
     for (size_t i = 1; i < times.size(); ++i)
         std::printf("   %s %.2f", what.begin()[i - 1],
                     std::strcmp(what.begin()[i - 1], "pack") == 0 ? times[i] / times[0]
@@ -95,6 +95,34 @@ void integers(vox_int n) {
           {"s16s16s32", "s8u8s32", "with offsets and scales"});
 }
 
+// Products of the cache's size at most: larger ones are a loop in either case.
+void batches(vox_int n) {
+    constexpr vox_int products = 64, groups = 1;
+    const size_t elements = size_t(n) * size_t(n);
+    const std::vector<double> a(elements * products, 1), b(elements * products, 1);
+    std::vector<double> c(elements * products);
+    const double *all_a[products], *all_b[products];
+    double *all_c[products];
+    for (size_t i = 0; i < products; ++i) {
+        all_a[i] = &a[i * elements];
+        all_b[i] = &b[i * elements];
+        all_c[i] = &c[i * elements];
+    }
+    const double one = 1, zero = 0;
+    print("64 dgemm", n,
+          times_of(
+              [&] {
+                  for (size_t i = 0; i < products; ++i)
+                      dgemm("N", "N", &n, &n, &n, &one, all_a[i], &n, all_b[i], &n, &zero, all_c[i],
+                            &n);
+              },
+              [&] {
+                  dgemm_batch("N", "N", &n, &n, &n, &one, all_a, &n, all_b, &n, &zero, all_c, &n,
+                              &groups, &products);
+              }),
+          {"one batch"}, products);
+}
+
 } // namespace
 
 int main(int count, char **arguments) {
@@ -112,4 +140,6 @@ int main(int count, char **arguments) {
         packed<double>("dgemm", dgemm_alloc, dgemm_pack, dgemm_compute, dgemm_free, n);
     for (const vox_int n : sizes)
         integers(n);
+    for (const vox_int n : {1, 2, 4, 8, 16, 32, 64, 100, 200})
+        batches(n);
 }

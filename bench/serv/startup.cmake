@@ -2,7 +2,7 @@
 add_executable(startup_empty startup_empty.c)
 add_executable(startup_openmp startup_empty.c)
 target_link_options(startup_openmp PRIVATE -Wl,--no-as-needed)
-target_link_libraries(startup_openmp PRIVATE vox_openmp)
+target_link_libraries(startup_openmp PRIVATE VOX::openmp)
 add_executable(startup_vox startup_empty.c)
 target_link_options(startup_vox PRIVATE -Wl,--no-as-needed)
 target_link_libraries(startup_vox PRIVATE vox)

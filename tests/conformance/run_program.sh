@@ -54,8 +54,8 @@ cat errors >>report
 
 # What ran is this library: everything that it exports was bound to it, whoever refers to it, but for what
 # the program itself defines.
-nm -D --defined-only "$library" | awk '{ print $NF }' >exported
-nm -D --defined-only "$directory/$program" | awk '{ print $NF }' >own
+nm -D --defined-only "$library" | awk '{ sub(/@.*/, ""); print $NF }' >exported
+nm -D --defined-only "$directory/$program" | awk '{ sub(/@.*/, ""); print $NF }' >own
 cat bindings.* | sed -n "s|.*binding file [^ ]* \[0\] to \([^ ]*\) \[0\]: normal symbol \`\([^']*\)'.*|\2 \1|p" >bindings
 awk -v library="$library" '
     FILENAME == "exported" { exported[$1] = 1; next }

@@ -46,12 +46,28 @@ TEST(Explain, SaysWhichSettingDecidedTheCodePath) {
         EXPECT_EQ(f["code path/code path"], c.path);
         EXPECT_EQ(f["code path/why"], c.why);
     }
-    if (!vox_serv_quarn_cpu_true()) {
-        auto f = facts({});
-        EXPECT_EQ(f["code path/vendor test"], "not passed");
-        const std::string opened = facts({{"VOX_CPU_VENDOR", "ANY"}})["code path/code path"];
-        EXPECT_EQ(f["code path/with the test opened"], opened + " (set VOX_CPU_VENDOR=ANY)");
+}
+
+// Where the vendor makes no difference, nothing is said.
+TEST(Explain, SaysWhatTheVendorTestHoldsBack) {
+    if (vox_serv_quarn_cpu_true()) {
+        EXPECT_EQ(facts({}).count("code path/with VOX_CPU_VENDOR=ANY"), 0u);
+        return;
     }
+    for (const environment &settings :
+         {environment{}, environment{{"VOX_ENABLE_INSTRUCTIONS", "SSE4_2"}},
+          environment{{"VOX_CBWR", "AUTO"}}}) {
+        auto f = facts(settings);
+        EXPECT_EQ(f["code path/vendor test"], "not passed");
+        environment opened = settings;
+        opened.emplace_back("VOX_CPU_VENDOR", "ANY");
+        auto o = facts(opened);
+        const std::string path = o["code path/code path"];
+        EXPECT_EQ(f["code path/with VOX_CPU_VENDOR=ANY"],
+                  path == f["code path/code path"] ? "" : path);
+        EXPECT_EQ(o.count("code path/with VOX_CPU_VENDOR=ANY"), 0u);
+    }
+    EXPECT_EQ(facts({{"VOX_DEBUG_CPU_TYPE", "0"}}).count("code path/with VOX_CPU_VENDOR=ANY"), 0u);
 }
 
 TEST(Explain, SaysWhereThreadCountsComeFrom) {

@@ -6,9 +6,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <latch>
 #include <pthread.h>
 #include <sched.h>
@@ -23,19 +21,13 @@
 #include "serv/thread_supply.hpp"
 #include "serv/topology.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/tasks.hpp"
 #include "vox/service.h"
 
 namespace {
 
 using namespace test;
 using namespace vox;
-
-// Tasks of the process. The first call makes a thread, and with it the one that a checker adds.
-int tasks() {
-    std::thread([] {}).join();
-    const std::filesystem::directory_iterator all("/proc/self/task");
-    return int(std::distance(begin(all), end(all)));
-}
 
 // Runs a region and returns its size, or -1 unless each thread took part exactly once and the
 // writes of all sides were seen.

@@ -13,7 +13,7 @@ extern char **environ;
 namespace {
 
 constexpr const char *child_variable = "TEST_CHILD";
-constexpr unsigned time_limit_seconds = 60;
+constexpr unsigned time_limit_seconds = 200;
 
 test::child_entry *entries = nullptr;
 

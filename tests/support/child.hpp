@@ -10,7 +10,7 @@
 //
 // The child is a new execution of the same binary. It inherits the parent's environment without the
 // variables that steer the library (VOX_*, OMP_*, KMP_*, MPI's), then gets the ones given. A child
-// that runs longer than 60 seconds is killed.
+// that runs longer than 200 seconds is killed.
 #pragma once
 
 #include <string>
