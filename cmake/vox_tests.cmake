@@ -2,13 +2,14 @@
 # path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that are built, all
 # are tested that this machine can run; def and the last, which is the best, by what is labelled "slow", or
 # "driver" for code that is the same on all paths and calls kernels with tests of their own. Sanitizers take
-# their time: with one, it is the best alone for what is slow.
+# their time: with one, it is the best alone for what is slow. vox_register_test_per_set does it per kernel
+# set, with its name in VOX_TEST_SET as well.
 #
-# vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH] [LABELS ...]): one GoogleTest binary.
+# vox_add_test(<name> <sources...> [INTERNAL] [PER_PATH | PER_SET] [LABELS ...]): one GoogleTest binary.
 #
 # It links libvox.so as a user would; INTERNAL links the static library, whose hidden functions a
-# test of pure logic may call. PER_PATH registers it once per code path; the test's
-# main checks that the path that was asked for is the one that runs. Everything but what is labelled
+# test of pure logic may call. PER_PATH registers it once per code path, PER_SET once per kernel set; the
+# test's main checks that the path that was asked for is the one that runs. Everything but what is labelled
 # "slow" is part of the quick loop (ctest -L quick).
 find_package(GTest REQUIRED)
 include(GoogleTest)
@@ -19,21 +20,31 @@ foreach(path IN LISTS VOX_BUILT_PATHS)
     list(APPEND VOX_TESTED_PATHS ${path})
   endif()
 endforeach()
+set(VOX_TESTED_SETS "")
+foreach(set IN LISTS VOX_BUILT_SETS)
+  if(set IN_LIST VOX_RUNNABLE_SETS)
+    list(APPEND VOX_TESTED_SETS ${set})
+  endif()
+endforeach()
 list(GET VOX_TESTED_PATHS -1 VOX_SLOWLY_TESTED_PATHS)
 if(VOX_SANITIZE STREQUAL "thread") # races are the drivers', which all paths share
   set(VOX_TESTED_PATHS ${VOX_SLOWLY_TESTED_PATHS})
+  set(VOX_TESTED_SETS ${VOX_SLOWLY_TESTED_PATHS})
 elseif(NOT VOX_SANITIZE)
   list(PREPEND VOX_SLOWLY_TESTED_PATHS def)
   list(REMOVE_DUPLICATES VOX_SLOWLY_TESTED_PATHS)
 endif()
 
-# The setting that forces a path: a processor type, or the reproducibility branch for cnr_def.
+# The setting that forces a path or a set: a processor type, or a reproducibility branch; the path of sse41,
+# which is a set alone, is cnr_def.
 set(_vox_types def ssse3 sse42 avx avx2 avx512_zel avx512)
 set(_vox_type_values 0 2 3 4 5 6 7)
 function(vox_path_environment path out)
   list(FIND _vox_types ${path} i)
-  if(i LESS 0)
+  if(path STREQUAL "cnr_def")
     set(${out} "VOX_CBWR=COMPATIBLE" PARENT_SCOPE)
+  elseif(path STREQUAL "sse41")
+    set(${out} "VOX_CBWR=SSE4_1" PARENT_SCOPE)
   else()
     list(GET _vox_type_values ${i} type)
     set(${out} "VOX_DEBUG_CPU_TYPE=${type}" PARENT_SCOPE)
@@ -79,8 +90,18 @@ function(vox_register_test_per_path test command)
   endforeach()
 endfunction()
 
+function(vox_register_test_per_set test command)
+  foreach(set IN LISTS VOX_TESTED_SETS)
+    vox_path_environment(${set} setting)
+    string(REPLACE sse41 cnr_def path ${set})
+    vox_register_test(${test}.${set} "${command}" ${ARGN})
+    set_tests_properties(${test}.${set} PROPERTIES
+      ENVIRONMENT "${VOX_TEST_ENVIRONMENT};${setting};VOX_TEST_PATH=${path};VOX_TEST_SET=${set}")
+  endforeach()
+endfunction()
+
 function(vox_add_test name)
-  cmake_parse_arguments(ARG "INTERNAL;PER_PATH" "" "LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "INTERNAL;PER_PATH;PER_SET" "" "LABELS" ${ARGN})
   add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
   if(ARG_INTERNAL)
     set(library vox_static)
@@ -90,6 +111,8 @@ function(vox_add_test name)
   target_link_libraries(${name} PRIVATE vox_test_support ${library} Threads::Threads)
   if(ARG_PER_PATH)
     vox_register_test_per_path(${name} ${name} ${ARG_LABELS})
+  elseif(ARG_PER_SET)
+    vox_register_test_per_set(${name} ${name} ${ARG_LABELS})
   else()
     vox_register_test(${name} ${name} ${ARG_LABELS})
   endif()

@@ -28,10 +28,13 @@ inline constexpr uint8_t live = 1; // marker of a valid stream
 enum method : int {
     seed = 0,     // n seed words
     leapfrog = 1, // n streams, of which this becomes number params[0]
-    skip = 2      // params: a count of 64 bits as two words, the lower one first
+    skip = 2,     // params: a count of 64 bits as two words, the lower one first
+    validate =
+        3 // a state that came from outside: ok if the routines can work with it, else bad_state
 };
 
-// Status codes; those of the entry points have names in rsk.h.
-enum status : int { ok = 0, unknown_method = -2 };
+// Status codes; those of the entry points have names in rsk.h. A generator that needs no validation, since it
+// works with any bytes, may answer unknown_method.
+enum status : int { ok = 0, unknown_method = -2, bad_state = -1207 };
 
 } // namespace vox::rng

@@ -13,5 +13,8 @@ namespace vox::rng {
                      (s, n, r, a, b))
 
 VOX_BRNG_DISPATCH(mcg31m1)
+VOX_BRNG_DISPATCH(mt19937)
+VOX_BRNG_DISPATCH(mt2203)
+VOX_BRNG_DISPATCH(sfmt19937)
 
 } // namespace vox::rng

@@ -90,7 +90,8 @@ template <class Store>
 inline void to_doubles(words w, Store store) {
     const auto part = [&](auto half) {
 #if defined(__AVX512F__)
-        store(__builtin_convertvector(half, vec<double>));
+        // Compilers would convert signed integers. Masked, since gcc warns of what the plain form leaves open.
+        store(vec<double>(_mm512_maskz_cvtepu32_pd(0xFF, __m256i(half))));
 #else
         using doubles = typename simd::vec_of<double, integer_bytes>::type;
         using longs = typename simd::vec_of<uint64_t, integer_bytes>::type;
@@ -125,17 +126,17 @@ struct bits32 {
 } // namespace output
 } // namespace
 
-// The routines of a generator whose state is State and whose values are of a kind.
+// The routines of a generator whose state is State and whose values are of a kind. Flattened, so that an output
+// is not passed through memory, which for a single number takes longer than making it.
+#define VOX_BRNG_ROUTINE(name) extern "C" __attribute__((flatten)) int VOX_KERNEL_NAMED(rng, name)
 #define VOX_BRNG_KERNELS(name, State, Kind)                                                        \
-    extern "C" int VOX_KERNEL_NAMED(rng, name##_i)(vox::rng::stream * s, int n, uint32_t *r) {     \
+    VOX_BRNG_ROUTINE(name##_i)(vox::rng::stream * s, int n, uint32_t *r) {                         \
         using out = output::integers<Kind>;                                                        \
         return generate(s->state<State>(), n, out{reinterpret_cast<out::word *>(r)});              \
     }                                                                                              \
-    extern "C" int VOX_KERNEL_NAMED(rng, name##_s)(vox::rng::stream * s, int n, float *r, float a, \
-                                                   float b) {                                      \
+    VOX_BRNG_ROUTINE(name##_s)(vox::rng::stream * s, int n, float *r, float a, float b) {          \
         return generate(s->state<State>(), n, output::uniforms<Kind, float>{r, a, b - a});         \
     }                                                                                              \
-    extern "C" int VOX_KERNEL_NAMED(rng, name##_d)(vox::rng::stream * s, int n, double *r,         \
-                                                   double a, double b) {                           \
+    VOX_BRNG_ROUTINE(name##_d)(vox::rng::stream * s, int n, double *r, double a, double b) {       \
         return generate(s->state<State>(), n, output::uniforms<Kind, double>{r, a, b - a});        \
     }
