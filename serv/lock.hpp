@@ -29,6 +29,7 @@ enum class lock_id {
     verbose_mode,
     verbose_file,
     timer,
+    shared_chunks,
     cleanup,
     environment,
     count
