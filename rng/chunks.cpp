@@ -87,8 +87,8 @@ void delete_until(stream &s, const chunk *end) {
 }
 
 int copy_chunk(stream &to, const chunk &c) {
-    if (c.key)
-        return share_chunk(to, c.id, c.key, c.bytes);
+    if (const int status = share_chunk(to, c.id, c.key, c.bytes); status != key_not_found)
+        return status;
     void *data = new_chunk_data(c.bytes);
     if (!data)
         return RSK_ERROR_NO_MEMORY;

@@ -66,6 +66,11 @@ vox::rng::brng_place vox::rng::rskGetBrngBaseOffset(int id) {
     return {brng_place::legacy, id, wh ? id - legacy_wh : 0};
 }
 
+vox::rng::brng_place vox::rng::current_place(int id) {
+    const brng_place place = rskGetBrngBaseOffset(id);
+    return {brng_place::current, current_row(place), place.member};
+}
+
 int vox::rng::rskIsBrngValid(brng_place place) {
     bool valid;
     if (place.table == brng_place::legacy) // its two empty rows are no generators
@@ -86,6 +91,8 @@ int vox::rng::rskGetBrngProperties(int id, brng_properties *properties) {
 int vox::rng::rskGetNumRegBrngs() { return rows; }
 
 int vox::rng::rskRegisterBrng(const brng_properties *p) {
+    if (!p)
+        return RSK_ERROR_NULL_PTR;
     if (p->stream_size < 0)
         return RSK_ERROR_STREAM_SIZE;
     if (p->word_size != 4 && p->word_size != 8 && p->word_size != 16)

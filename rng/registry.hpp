@@ -66,14 +66,18 @@ VOX_BRNGS(VOX_BRNG_DECLARE)
 struct brng_place {
     enum numbering { legacy, current } table;
     int row, member;
+    bool operator==(const brng_place &) const = default;
 };
 
 brng_place rskGetBrngBaseOffset(int id);
+// The same in the newer numbering, for a valid identifier.
+brng_place current_place(int id);
 int rskIsBrngValid(brng_place place); // 0 or -1000
 // Validates and copies the row.
 int rskGetBrngProperties(int id, brng_properties *properties);
 int rskGetNumRegBrngs();
-// The new identifier, or a negative status. Without a lock: before other threads use the registry.
+// The new identifier, or a negative status. Without a lock: before other threads use the registry. Rows stay
+// until the process ends.
 int rskRegisterBrng(const brng_properties *properties);
 
 } // namespace vox::rng

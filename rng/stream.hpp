@@ -30,7 +30,7 @@ enum method : int {
     leapfrog = 1, // n streams, of which this becomes number params[0]
     skip = 2,     // params: a count of 64 bits as two words, the lower one first
     validate =
-        3 // is the state, which came from a file, one that the routines can work with: ok or bad_state
+        3 // a state that came from outside: ok if the routines can work with it, else bad_state
 };
 
 // Status codes; those of the entry points have names in rsk.h. A generator that needs no validation, since it

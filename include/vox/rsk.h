@@ -56,22 +56,124 @@ enum {
     RSK_ERROR_BITS = -1011,         /* registration: fewer than one bit */
     RSK_ERROR_NSTREAMS = -1013,     /* leapfrog: negative number of streams */
     RSK_ERROR_CALLBACK = -1120, /* the callback of an abstract stream returned a negative value */
-    RSK_ERROR_NO_INSTRUCTIONS = -1140 /* the processor lacks instructions of the generator */
+    RSK_ERROR_NO_INSTRUCTIONS = -1140, /* the processor lacks instructions of the generator */
+    RSK_ERROR_FILE_OPEN = -1201,       /* the file cannot be opened; errno says why */
+    RSK_ERROR_FILE_WRITE = -1202,      /* it cannot be written, in part or at all */
+    RSK_ERROR_FILE_READ = -1203,       /* it cannot be read */
+    RSK_ERROR_FOREIGN = -1204,         /* what is loaded is no saved stream, or not all of one */
+    RSK_ERROR_CHECKSUM = -1205,        /* it has changed since it was saved */
+    RSK_ERROR_VERSION = -1206,         /* its format is of another version than 1 */
+    RSK_ERROR_BAD_STATE = -1207,       /* the state is none that the generator can have */
+    RSK_ERROR_NOT_SAVABLE = -1208      /* abstract streams, and what is too large, are not saved */
 };
 
 /* A new stream of the generator, from one seed word or from n. What the words mean is the generator's, see
- * docs/rng.md; n of 0 or less gives its default state. Errors: brng below 0 (argument 2), no such generator:
- * -1000; no memory: -4, *stream is null. */
+ * docs/rng.md; n of 0 or less gives its default state. Errors: brng below 0 (argument 2); not reported: no
+ * such generator, or an abstract one, -1000; no memory, -4, *stream is null; null pointers, -5; what the
+ * generator says to the words, with the stream made nevertheless. */
 VOX_API int rskNewStream(rskStream *stream, vox_int brng, uint32_t seed);
 VOX_API int rskNewStreamEx(rskStream *stream, vox_int brng, vox_int n, const uint32_t *params);
-/* Releases the stream and sets *stream to null. */
+/* Releases the stream and sets *stream to null. Errors: argument 1. */
 VOX_API int rskDeleteStream(rskStream *stream);
 
-/* Makes the stream number k of nstreams into which the sequence is dealt out, one number each in turn. */
+/* A new stream that continues as the source does. An abstract one has the same buffer and callback. Errors:
+ * the source (argument 2); no memory, -4, *stream is null. */
+VOX_API int rskCopyStream(rskStream *stream, rskStream source);
+/* The same with a stream that there is, of the same generator. If it is of another, it keeps its generator
+ * and gets as many bytes as the source has words of state and it has room for; -1207 where its generator
+ * could not work with them. Nothing happens to an abstract stream. Errors: arguments 1 and 2; no memory, -4.
+ * The destination has changed only if the result is 0. */
+VOX_API int rskCopyStreamState(rskStream destination, rskStream source);
+
+/* Makes the stream number k of nstreams into which the sequence is dealt out, one number each in turn. Errors:
+ * the stream (argument 1); nstreams below 0, -1013; not with this generator, -1002, stream unchanged. */
 VOX_API int rskLeapfrogStream(rskStream stream, vox_int k, vox_int nstreams);
-/* Skips the next nskip numbers. */
+/* Skips the next nskip numbers. Errors: argument 1; not with this generator, -1003, stream unchanged. */
 VOX_API int rskSkipAheadStream(rskStream stream, uint64_t nskip);
+/* The identifier that the stream was made with, or a negative status. Errors: argument 1. */
 VOX_API int rskGetStreamStateBrng(rskStream stream);
+
+/* Abstract streams deliver numbers of your own from a buffer of n entries, which stays yours and must live as
+ * long as the stream and its copies. Where all entries have been used and more are needed, the callback is
+ * asked to write the next ones, in order, from buffer[*idx] on, going on at buffer[0] after buffer[*n - 1]:
+ * at least *nmin and at most *nmax. It returns how many it wrote. 0 counts as *nmin, more than *nmax as
+ * *nmax; after fewer than *nmin it is asked again. A negative result ends the request with -1120: what came
+ * before is in the result array. It may look at the stream, but neither use nor delete it.
+ *
+ * Integers are taken as words of 32 random bits. Floating numbers are of [a, b), a < b, both finite, and
+ * are mapped onto what is asked for: a request for [c, d) gets c + (d - c) u, u = (x - a) / (b - a). Numbers
+ * outside count as the nearest inside, NaN as a. Integer output of a floating stream is floor(u 2^32),
+ * floating output of an integer stream has u = x / 2^32 (single precision: of the upper 24 bits).
+ *
+ * Errors, not reported: n below 1, no buffer, no callback or no interval, -3; no memory, -4; stream null, -5.
+ * To a callback written in Fortran the first argument comes by value. */
+typedef int (*rskiCallback)(rskStream stream, vox_int *n, uint32_t *buffer, vox_int *nmin,
+                            vox_int *nmax, vox_int *idx);
+typedef int (*rskdCallback)(rskStream stream, vox_int *n, double *buffer, vox_int *nmin,
+                            vox_int *nmax, vox_int *idx);
+typedef int (*rsksCallback)(rskStream stream, vox_int *n, float *buffer, vox_int *nmin,
+                            vox_int *nmax, vox_int *idx);
+VOX_API int rskiNewAbstractStream(rskStream *stream, vox_int n, uint32_t *buffer,
+                                  rskiCallback callback);
+VOX_API int rskdNewAbstractStream(rskStream *stream, vox_int n, double *buffer, double a, double b,
+                                  rskdCallback callback);
+VOX_API int rsksNewAbstractStream(rskStream *stream, vox_int n, float *buffer, float a, float b,
+                                  rsksCallback callback);
+
+/* A stream to a file or to memory, and a new stream from there which continues as the saved one did; the
+ * format is in docs/streams.md. rskGetStreamSize: the bytes of memory that rskSaveStreamM writes, or a
+ * negative status. Loading checks all it reads, and gives *stream null with one of -1201 to -1207 for what
+ * is no saved stream, changed or cut off; -4, no memory. rskLoadStreamM reads 36 bytes, and more only if
+ * these begin a saved stream. A file that could not be written is no saved stream afterwards. Errors: a bad
+ * stream or null `stream` (argument 1), null name or memory (argument 2, -5); -1208, abstract stream.
+ * Fortran passes file names as CHARACTER(*); trailing blanks do not count. */
+VOX_API int rskSaveStream(rskStream stream, const char *name);
+VOX_API int rskLoadStream(rskStream *stream, const char *name);
+VOX_API int rskSaveStreamM(rskStream stream, void *memory);
+VOX_API int rskLoadStreamM(rskStream *stream, const void *memory);
+VOX_API int rskGetStreamSize(rskStream stream);
+
+/* Fortran forms */
+VOX_API int rsknewstream_(rskStream *stream, const vox_int *brng, const uint32_t *seed);
+VOX_API int RSKNEWSTREAM_(rskStream *stream, const vox_int *brng, const uint32_t *seed);
+VOX_API int rsknewstreamex_(rskStream *stream, const vox_int *brng, const vox_int *n,
+                            const uint32_t *params);
+VOX_API int RSKNEWSTREAMEX_(rskStream *stream, const vox_int *brng, const vox_int *n,
+                            const uint32_t *params);
+VOX_API int rskdeletestream_(rskStream *stream);
+VOX_API int RSKDELETESTREAM_(rskStream *stream);
+VOX_API int rskcopystream_(rskStream *stream, const rskStream *source);
+VOX_API int RSKCOPYSTREAM_(rskStream *stream, const rskStream *source);
+VOX_API int rskcopystreamstate_(const rskStream *destination, const rskStream *source);
+VOX_API int RSKCOPYSTREAMSTATE_(const rskStream *destination, const rskStream *source);
+VOX_API int rskleapfrogstream_(const rskStream *stream, const vox_int *k, const vox_int *nstreams);
+VOX_API int RSKLEAPFROGSTREAM_(const rskStream *stream, const vox_int *k, const vox_int *nstreams);
+VOX_API int rskskipaheadstream_(const rskStream *stream, const uint64_t *nskip);
+VOX_API int RSKSKIPAHEADSTREAM_(const rskStream *stream, const uint64_t *nskip);
+VOX_API int rskgetstreamstatebrng_(const rskStream *stream);
+VOX_API int RSKGETSTREAMSTATEBRNG_(const rskStream *stream);
+VOX_API int rskinewabstractstream_(rskStream *stream, const vox_int *n, uint32_t *buffer,
+                                   rskiCallback callback);
+VOX_API int RSKINEWABSTRACTSTREAM_(rskStream *stream, const vox_int *n, uint32_t *buffer,
+                                   rskiCallback callback);
+VOX_API int rskdnewabstractstream_(rskStream *stream, const vox_int *n, double *buffer,
+                                   const double *a, const double *b, rskdCallback callback);
+VOX_API int RSKDNEWABSTRACTSTREAM_(rskStream *stream, const vox_int *n, double *buffer,
+                                   const double *a, const double *b, rskdCallback callback);
+VOX_API int rsksnewabstractstream_(rskStream *stream, const vox_int *n, float *buffer,
+                                   const float *a, const float *b, rsksCallback callback);
+VOX_API int RSKSNEWABSTRACTSTREAM_(rskStream *stream, const vox_int *n, float *buffer,
+                                   const float *a, const float *b, rsksCallback callback);
+VOX_API int rsksavestream_(const rskStream *stream, const char *name, size_t name_length);
+VOX_API int RSKSAVESTREAM_(const rskStream *stream, const char *name, size_t name_length);
+VOX_API int rskloadstream_(rskStream *stream, const char *name, size_t name_length);
+VOX_API int RSKLOADSTREAM_(rskStream *stream, const char *name, size_t name_length);
+VOX_API int rsksavestreamm_(const rskStream *stream, void *memory);
+VOX_API int RSKSAVESTREAMM_(const rskStream *stream, void *memory);
+VOX_API int rskloadstreamm_(rskStream *stream, const void *memory);
+VOX_API int RSKLOADSTREAMM_(rskStream *stream, const void *memory);
+VOX_API int rskgetstreamsize_(const rskStream *stream);
+VOX_API int RSKGETSTREAMSIZE_(const rskStream *stream);
 
 #ifdef __cplusplus
 }

@@ -14,6 +14,7 @@ inline int report(const char *name, vox_int position, int status) {
 }
 
 inline stream *object(rskStream s) { return reinterpret_cast<stream *>(s); }
+inline rskStream handle(stream *s) { return reinterpret_cast<rskStream>(s); }
 
 // 0, or the status of a null stream or one whose marker is wrong.
 inline int validity(const stream *s) {
