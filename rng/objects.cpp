@@ -1,13 +1,18 @@
 // objects.cpp - see objects.hpp.
 #include "rng/objects.hpp"
 
+#include <string.h>
+
 #include "rng/chunks.hpp"
 #include "vox/service.h"
 
 vox::rng::stream *vox::rng::new_object(int id, const brng_properties &row) {
-    auto *s = static_cast<stream *>(vox_serv_calloc(1, sizeof(stream) + state_bytes(row), 128));
-    if (s)
-        *s = {id, live, {}, nullptr};
+    const size_t bytes = state_bytes(row);
+    auto *s = static_cast<stream *>(vox_serv_malloc(sizeof(stream) + bytes, 128));
+    if (!s)
+        return nullptr;
+    *s = {id, live, {}, nullptr};
+    memset(s + 1, 0, bytes);
     return s;
 }
 
