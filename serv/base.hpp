@@ -37,8 +37,8 @@ using index_t = int64_t;
     extern "C" result lower##_ parameters { return lower arguments; }                              \
     VOX_ALIAS(upper, lower##_)
 
-// The same for a C function whose name has capitals; lower and upper are whole names, as in
-// rsknewstream_ and RSKNEWSTREAM_.
+// The same for a C function whose name has capitals: lower and upper are
+// whole names, rsknewstream_ and RSKNEWSTREAM_.
 #define VOX_FORTRAN_FORMS_OF(name, result, lower, upper, parameters, arguments)                    \
     extern "C" result lower parameters { return name arguments; }                                  \
     VOX_ALIAS(upper, lower)

@@ -91,6 +91,24 @@ TEST(Streams, OnlyNegativeIdentifiersAreReported) {
         EXPECT_EQ(refused(id), "") << id;
 }
 
+// A live stream whose identifier has been overwritten.
+TEST(Streams, OfNoGenerator) {
+    reports reported;
+    owned_stream s(RSK_BRNG_MCG31M1), good(RSK_BRNG_MCG31M1), copy;
+    for (int id : {-1, 279, 0x7FF00000}) {
+        s.object().id = id;
+        EXPECT_EQ(rskGetStreamStateBrng(s), id);
+        EXPECT_EQ(rskLeapfrogStream(s, 0, 1), RSK_ERROR_INVALID_BRNG);
+        EXPECT_EQ(rskSkipAheadStream(s, 1), RSK_ERROR_INVALID_BRNG);
+        EXPECT_EQ(rskCopyStream(&copy, s), RSK_ERROR_INVALID_BRNG);
+        EXPECT_EQ(rskCopyStreamState(s, good), RSK_ERROR_INVALID_BRNG);
+        EXPECT_EQ(rskCopyStreamState(good, s), RSK_ERROR_INVALID_BRNG);
+        EXPECT_EQ(rskGetStreamSize(s), RSK_ERROR_INVALID_BRNG);
+    }
+    EXPECT_EQ(reported.take(), "");
+    EXPECT_EQ(copy.s, nullptr);
+}
+
 TEST(Streams, KeepTheIdentifierThatTheyWereMadeWith) {
     std::vector<int> ids = {RSK_BRNG_WH + 272, RSK_BRNG_MT2203 + 6023, RSK_BRNG_SOBOL,
                             RSK_BRNG_PHILOX4X32X10};
