@@ -24,7 +24,7 @@ struct entry {
 };
 static_assert(sizeof(entry) == 32);
 
-constinit entry table[capacity + 1];
+constinit entry table[capacity + 1]{};
 constinit int entries;
 
 class locked_table : vox::scoped_lock {

@@ -9,10 +9,9 @@ using namespace vox::rng;
 
 constexpr int capacity = 512;
 constexpr int row_shift = 20;
-constexpr int legacy_rows = 281; // the last two are empty
 constexpr int legacy_wh = 4, legacy_sobol = 277, legacy_niederr = 278;
 
-constinit brng_properties registered[capacity - built_in_rows];
+constinit brng_properties registered[capacity - built_in_rows]{};
 constinit int rows = built_in_rows;
 
 int members(int row) {
