@@ -29,8 +29,7 @@ enum method : int {
     seed = 0,     // n seed words
     leapfrog = 1, // n streams, of which this becomes number params[0]
     skip = 2,     // params: a count of 64 bits as two words, the lower one first
-    validate =
-        3 // a state that came from outside: ok if the routines can work with it, else bad_state
+    validate = 3  // a state from outside: ok, or bad_state if the routines cannot work with it
 };
 
 // Status codes; those of the entry points have names in rsk.h. A generator that needs no validation, since it

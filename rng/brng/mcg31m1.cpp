@@ -22,6 +22,10 @@ extern "C" int vox_rng_mcg31m1_init(int method, vox::rng::stream *s, int n,
     case skip:
         state.x = ring.multiply(ring.power(state.a, count_of(params)), state.x);
         return ok;
+    case validate: {
+        const auto unit = [](uint32_t x) { return x > 0 && x < ring.m; };
+        return unit(state.x) && unit(state.a) ? ok : bad_state;
+    }
     default:
         return unknown_method;
     }

@@ -1,7 +1,9 @@
 // save_test.cpp - streams as bytes: they continue after loading, and what is no intact image is refused.
 #include "tests/rng/streams.hpp"
 
+#include <algorithm>
 #include <functional>
+#include <random>
 
 #include "tests/support/failing_memory.hpp"
 #include "tests/support/temporary.hpp"
@@ -182,6 +184,47 @@ TEST(Save, ImagesOfNoStream) {
     ASSERT_EQ(rskLoadStreamM(&forged, with(data_at + 4 * 11, 12345).data()), 0);
     EXPECT_EQ(draw(forged, 1).words[0], 12345u);
     EXPECT_NE(draw(honest, 1).words[0], 12345u);
+}
+
+// Whatever the state is, it is refused, or the generator works with it: uniforms in [0, 1), no byte beyond
+// the state (a checker sees to that).
+TEST(Save, StatesThatNobodyHad) {
+    std::mt19937 random(1);
+    for (const owned_stream &s : one_of_each()) {
+        const int id = rskGetStreamStateBrng(s);
+        SCOPED_TRACE(id);
+        const std::string image = image_of(s);
+        uint32_t state_bytes;
+        memcpy(&state_bytes, image.data() + state_bytes_at, 4);
+        const auto try_state = [&](const std::string &changed) {
+            owned_stream t;
+            const int status = rskLoadStreamM(&t, sealed(changed).data());
+            EXPECT_TRUE(status == 0 || status == RSK_ERROR_BAD_STATE) << status;
+            std::vector<double> u(2000, 0.5);
+            if (status == 0 && properties_of(id).doubles(&t.object(), 2000, u.data(), 0, 1) == 0) {
+                EXPECT_GE(*std::min_element(u.begin(), u.end()), 0);
+                EXPECT_LT(*std::max_element(u.begin(), u.end()), 1);
+            }
+            return status;
+        };
+        for (char byte : {'\0', '\1', '\x7F', '\x80', '\xFF'}) {
+            std::string changed = image;
+            changed.replace(state_at, state_bytes, std::string(state_bytes, byte));
+            try_state(changed);
+        }
+        for (int i = 0; i < 200; ++i) { // one word or all
+            std::string changed = image;
+            const size_t words = state_bytes / 4,
+                         word = i < 100 ? random() % words : words - 1 - i % 4;
+            if (i % 50 == 0)
+                for (size_t w = 0; w < words; ++w)
+                    put(changed, state_at + 4 * w, uint32_t(random()));
+            else
+                put(changed, state_at + 4 * std::min(word, words - 1),
+                    uint32_t(random() >> i % 32));
+            try_state(changed);
+        }
+    }
 }
 
 TEST(Save, ChunksAreSharedAgain) {
