@@ -177,6 +177,9 @@ TEST(Save, ImagesOfNoStream) {
     };
     for (const std::string &r : refused)
         EXPECT_EQ(load_memory(r), RSK_ERROR_BAD_STATE) << &r - refused;
+    std::string longer = image + "more";
+    put(longer, bytes_at, uint32_t(longer.size()));
+    EXPECT_EQ(load_memory(sealed(longer)), RSK_ERROR_BAD_STATE);
 
     // Other data than those which the key stands for are nobody else's.
     const owned_stream honest(walker(), {11, standard_chunk});
