@@ -115,7 +115,7 @@ TEST_F(Chunks, FreshKeysAreNew) {
 // Streams of many threads come and go, over keys that are few enough to meet and many enough to fill the
 // table now and then.
 TEST_F(Chunks, OfManyThreads) {
-    constexpr int threads = 16, rounds = 400;
+    constexpr int threads = 16, rounds = 2000;
     std::barrier together(threads);
     std::atomic<int> wrong{0};
     const auto work = [&](unsigned seed) {
