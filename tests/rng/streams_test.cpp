@@ -10,7 +10,7 @@ namespace {
 
 using namespace test;
 
-uint32_t seed_word = 1;
+constexpr uint32_t seed_word = 1;
 
 // A function's answers to a bad stream: the argument that is reported, in C and in Fortran.
 struct bad_stream_case {
@@ -166,6 +166,27 @@ TEST(Streams, SplitsReachTheGeneratorWithAllTheirBits) {
     EXPECT_EQ(seen, (words{1, 7, uint32_t(-5)}));
     EXPECT_EQ(rskSkipAheadStream(s, 0x123456789ABCDEF0), -77);
     EXPECT_EQ(seen, (words{2, 2, 0x9ABCDEF0, 0x12345678}));
+}
+
+TEST(Streams, FortranFormsDoTheSame) {
+    const vox_int id = RSK_BRNG_MCG31M1, n = 1, k = 2, nstreams = 5;
+    const uint64_t skipped = 0x123456789;
+    const uint32_t seven = 7;
+    owned_stream c(id, {7}), fortran, upper, copy;
+    ASSERT_EQ(rskLeapfrogStream(c, k, nstreams), 0);
+    ASSERT_EQ(rskSkipAheadStream(c, skipped), 0);
+    ASSERT_EQ(rsknewstream_(&fortran, &id, &seven), 0);
+    ASSERT_EQ(rskleapfrogstream_(&fortran.s, &k, &nstreams), 0);
+    ASSERT_EQ(rskskipaheadstream_(&fortran.s, &skipped), 0);
+    ASSERT_EQ(RSKNEWSTREAMEX_(&upper, &id, &n, &seven), 0);
+    ASSERT_EQ(rskcopystreamstate_(&upper.s, &fortran.s), 0);
+    ASSERT_EQ(rskcopystream_(&copy, &fortran.s), 0);
+    EXPECT_EQ(rskgetstreamstatebrng_(&copy.s), id);
+    const drawn expected = draw(c, 50);
+    for (rskStream s : {fortran.s, upper.s, copy.s})
+        EXPECT_EQ(draw(s, 50), expected);
+    EXPECT_EQ(rskdeletestream_(&copy), 0);
+    EXPECT_EQ(copy.s, nullptr);
 }
 
 TEST(Streams, CopiesContinueAlikeAndApart) {
