@@ -1,10 +1,11 @@
 // mcg31m1.cpp - numbers of MCG31M1, see rng/brng/mcg31m1.hpp.
 //
-// Lane i holds the number i places ahead; all move by the same power of the multiplier. A product of 62 bits
-// is reduced by 2^31 = 1: the sum of its halves, twice.
+// A product of 62 bits is reduced by 2^31 = 1: the sum of its upper and lower 31 bits, below 2 m, once more. It
+// is never m, since no number is 0.
 #include "rng/brng/mcg31m1.hpp"
 
-#include "rng/kernels/outputs.hpp"
+#include "rng/kernels/arithmetic.hpp"
+#include "rng/kernels/congruential.hpp"
 
 namespace {
 
@@ -13,45 +14,61 @@ using vox::rng::mcg31m1_state;
 
 constexpr uint32_t m = mcg31m1_state::modulus;
 
-inline uint32_t multiply(uint32_t x, uint32_t y) {
-    const uint64_t product = uint64_t(x) * y;
-    const uint32_t sum = uint32_t(product & m) + uint32_t(product >> 31);
-    return sum >= m ? sum - m : sum;
+template <class T>
+inline T fold(T x) {
+    return (x & m) + (x >> 31);
 }
 
-struct mcg31m1 {
+// fold(x) of the sum of two halves.
+inline longs fold_sum(longs x) {
+#if defined(__AVX512F__)
+    return longs(_mm512_maskz_min_epu32(0xFFFF, __m512i(x), __m512i(x - m)));
+#elif defined(__AVX2__)
+    return longs(_mm256_min_epu32(__m256i(x), __m256i(x - m)));
+#else
+    return fold(x);
+#endif
+}
+
+struct ring {
+    using element = uint64_t;
+    using vector = longs;
+    static constexpr int lanes = sizeof(longs) / 8, vectors = 4;
+
+    static element multiply(element x, element y) { return fold(fold(x * y)); }
+    static vector multiply(vector x, vector y) {
+        return fold_sum(fold(arithmetic::multiply_halves(x, y)));
+    }
+    static vector load(const element *p) { return simd::load<sizeof(vector)>(p); }
+    static void store(element *p, vector v) { simd::store(p, v); }
+    static vector broadcast(element x) { return simd::broadcast<sizeof(vector)>(x); }
+    static vector value(vector v) { return v; }
+};
+
+struct kind {
     using word_type = uint32_t;
     template <class Store>
-    static void word(words x, Store store) {
-        store(x);
+    static void word(longs x, Store store) {
+        store(to_words(x));
     }
     template <class Store>
-    static void unit(words x, double, Store store) {
-        to_doubles(x, [&](auto y) { store(y * 4.656612875245797e-10); });
+    static void unit(longs x, double, Store store) {
+        store(to_doubles(x) * 4.656612875245797e-10);
     }
     template <class Store>
-    static void unit(words x, float, Store store) {
-        bits32::unit(x << 1, float(), store);
+    static void unit(longs x, float, Store store) {
+        store(to_floats(x >> 7) * 0x1p-24f);
     }
 };
 
 template <class Out>
 int generate(mcg31m1_state &state, index_t n, Out out) {
-    uint32_t x = state.x;
-    for (; n >= word_lanes; n -= word_lanes) {
-        words v;
-        for (int i = 0; i < word_lanes; ++i, x = multiply(x, state.a))
-            v[i] = x;
-        out.put(v);
-    }
-    words v{};
-    for (int i = 0; i < n; ++i, x = multiply(x, state.a))
-        v[i] = x;
-    out.put_first(v, int(n));
-    state.x = x;
-    return vox::rng::ok;
+    uint64_t x = state.x;
+    const int status = congruential(ring(), x, uint64_t(state.a), n, out);
+    state.x = uint32_t(x);
+    return status;
 }
 
 } // namespace
 
-VOX_BRNG_KERNELS(mcg31m1, mcg31m1_state, mcg31m1)
+VOX_BRNG_KERNELS(mcg31m1, mcg31m1_state, kind)

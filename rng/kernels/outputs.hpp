@@ -33,6 +33,7 @@ constexpr int integer_bytes = simd::vector_bytes;
 #endif
 using words = typename simd::vec_of<uint32_t, integer_bytes>::type;
 constexpr int word_lanes = integer_bytes / 4;
+using longs = typename simd::vec_of<uint64_t, integer_bytes>::type;
 
 // The first k elements of an array on the stack: what a vector is cut through.
 template <class T, int N>
@@ -51,7 +52,7 @@ struct integers {
     template <class V>
     void put(V v) {
         Kind::word(v, [&](auto w) {
-            simd::store(r, w);
+            __builtin_memcpy(r, &w, sizeof w);
             r += sizeof(w) / sizeof(word);
         });
     }
@@ -94,7 +95,6 @@ inline void to_doubles(words w, Store store) {
         store(vec<double>(_mm512_maskz_cvtepu32_pd(0xFF, __m256i(half))));
 #else
         using doubles = typename simd::vec_of<double, integer_bytes>::type;
-        using longs = typename simd::vec_of<uint64_t, integer_bytes>::type;
         const longs bits =
             longs(__builtin_convertvector(half, longs)) | (longs{} + 0x4330000000000000u);
         store(doubles(bits) - 0x1p52);
@@ -102,6 +102,24 @@ inline void to_doubles(words w, Store store) {
     };
     part(simd::low_half(w));
     part(simd::high_half(w));
+}
+
+// The lanes of a vector of longs: as words, their lower halves; as floats, below 2^24; as doubles, below 2^52.
+inline auto to_words(longs x) {
+    return __builtin_convertvector(x, simd::vec_of<uint32_t, integer_bytes / 2>::type);
+}
+inline auto to_floats(longs x) {
+    using ints = typename simd::vec_of<int32_t, integer_bytes / 2>::type;
+    using floats = typename simd::vec_of<float, integer_bytes / 2>::type;
+    return __builtin_convertvector(ints(to_words(x)), floats);
+}
+inline auto to_doubles(longs x) {
+    using doubles = typename simd::vec_of<double, integer_bytes>::type;
+#if defined(__AVX512DQ__)
+    return __builtin_convertvector(x, doubles);
+#else
+    return doubles(x | 0x4330000000000000u) - 0x1p52;
+#endif
 }
 
 // Words of 32 random bits: u = w / 2^32 in double precision, the upper 24 bits in single.
