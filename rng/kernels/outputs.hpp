@@ -5,10 +5,14 @@
 //
 //   out.put(v)          all lanes of v
 //   out.put_first(v, k) its first k lanes, 0 <= k < lanes
+//   out.at(i)           the same output from i numbers on
 //
 // The type of output is made of a kind of value: `vector`, the values as they come from the generator;
 // word(v), the integer output; unit(v, T(), store), which calls store with vec<T> of u in [0, 1) for all
 // lanes in order. VOX_BRNG_KERNELS makes the three routines from them.
+//
+// A kind may leave a power of two to uniforms: with scale(T()), u is what unit gives times that. It is then
+// multiplied into b - a beforehand, which is exact unless |b - a| is next to nothing (2^-990).
 //
 // Results must be the same in all kernel sets, so kernels are compiled without contraction of products and
 // sums, and what is rounded is rounded once in each of them: u is exact or one rounding, then a + (b - a) u
@@ -63,12 +67,20 @@ struct integers {
         copy_first(r, all, k);
         r += k;
     }
+    integers at(index_t i) const { return {r + i}; }
 };
 
 template <class Kind, class T>
 struct uniforms {
     T *r;
     T a, width;
+
+    static uniforms between(T *r, T a, T b) {
+        if constexpr (requires { Kind::scale(T()); })
+            return {r, a, (b - a) * Kind::scale(T())};
+        else
+            return {r, a, b - a};
+    }
 
     template <class V>
     void put(V v) {
@@ -84,6 +96,7 @@ struct uniforms {
         copy_first(r, all, k);
         r += k;
     }
+    uniforms at(index_t i) const { return {r + i, a, width}; }
 };
 
 // The halves of a vector of words as doubles, exactly: the word becomes the mantissa of 2^52 + w.
@@ -125,19 +138,21 @@ inline auto to_doubles(longs x) {
 // Words of 32 random bits: u = w / 2^32 in double precision, the upper 24 bits in single.
 struct bits32 {
     using word_type = uint32_t;
+    static constexpr double scale(double) { return 0x1p-32; }
+    static constexpr float scale(float) { return 0x1p-24f; }
     template <class Store>
     static void word(words w, Store store) {
         store(w);
     }
     template <class Store>
     static void unit(words w, double, Store store) {
-        to_doubles(w, [&](auto x) { store(x * 0x1p-32); });
+        to_doubles(w, store);
     }
     template <class Store>
     static void unit(words w, float, Store store) {
         using ints = typename simd::vec_of<int32_t, integer_bytes>::type;
         using floats = typename simd::vec_of<float, integer_bytes>::type;
-        store(__builtin_convertvector(ints(w >> 8), floats) * 0x1p-24f);
+        store(__builtin_convertvector(ints(w >> 8), floats));
     }
 };
 
@@ -153,8 +168,8 @@ struct bits32 {
         return generate(s->state<State>(), n, out{reinterpret_cast<out::word *>(r)});              \
     }                                                                                              \
     VOX_BRNG_ROUTINE(name##_s)(vox::rng::stream * s, int n, float *r, float a, float b) {          \
-        return generate(s->state<State>(), n, output::uniforms<Kind, float>{r, a, b - a});         \
+        return generate(s->state<State>(), n, output::uniforms<Kind, float>::between(r, a, b));    \
     }                                                                                              \
     VOX_BRNG_ROUTINE(name##_d)(vox::rng::stream * s, int n, double *r, double a, double b) {       \
-        return generate(s->state<State>(), n, output::uniforms<Kind, double>{r, a, b - a});        \
+        return generate(s->state<State>(), n, output::uniforms<Kind, double>::between(r, a, b));   \
     }
