@@ -55,7 +55,8 @@ enum {
     RSK_ERROR_SEED_WORDS = -1010,   /* registration: fewer than one seed word */
     RSK_ERROR_BITS = -1011,         /* registration: fewer than one bit */
     RSK_ERROR_NSTREAMS = -1013,     /* leapfrog: negative number of streams */
-    RSK_ERROR_CALLBACK = -1120, /* the callback of an abstract stream returned a negative value */
+    RSK_ERROR_CALLBACK = -1120,   /* the callback of an abstract stream returned a negative value */
+    RSK_ERROR_NO_ENTROPY = -1130, /* the processor's random source stayed empty, see NONDETERM */
     RSK_ERROR_NO_INSTRUCTIONS = -1140, /* the processor lacks instructions of the generator */
     RSK_ERROR_FILE_OPEN = -1201,       /* the file cannot be opened; errno says why */
     RSK_ERROR_FILE_WRITE = -1202,      /* it cannot be written, in part or at all */

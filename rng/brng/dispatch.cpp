@@ -12,9 +12,11 @@ namespace vox::rng {
     VOX_DISPATCH_SET(rng, name##_d, int, (stream * s, int n, double *r, double a, double b),       \
                      (s, n, r, a, b))
 
+VOX_BRNG_DISPATCH(ars5)
 VOX_BRNG_DISPATCH(mcg31m1)
 VOX_BRNG_DISPATCH(mt19937)
 VOX_BRNG_DISPATCH(mt2203)
+VOX_BRNG_DISPATCH(philox4x32x10)
 VOX_BRNG_DISPATCH(sfmt19937)
 
 } // namespace vox::rng

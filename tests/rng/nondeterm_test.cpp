@@ -1,0 +1,95 @@
+// NONDETERM: what can be said of numbers that nobody can repeat, and what happens when there are none.
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "rng/brng/instructions.hpp"
+#include "rng/brng/nondeterm.hpp"
+#include "tests/rng/generator.hpp"
+
+namespace {
+
+using test::generator;
+using vox::rng::draw_with_retries;
+using vox::rng::nondeterm_state;
+
+constexpr int id = RSK_BRNG_NONDETERM;
+
+TEST(Nondeterm, TakesTheRetryLimitFromTheSecondSeedWord) {
+    const auto retries = [](const std::vector<uint32_t> &seeds) {
+        generator g(id, seeds);
+        EXPECT_EQ(g.status, 0);
+        return g.object()->state<nondeterm_state>().retries;
+    };
+    EXPECT_EQ(retries({}), 10u);
+    EXPECT_EQ(retries({5}), 10u);
+    EXPECT_EQ(retries({5, 0}), 10u);
+    EXPECT_EQ(retries({5, 3}), 3u);
+    EXPECT_EQ(retries({5, ~0u, 9}), ~0u);
+}
+
+TEST(Nondeterm, TriesOnceAndAgainUpToTheLimit) {
+    for (uint32_t limit : {1u, 10u})
+        for (uint32_t failures = 0; failures <= 12; ++failures) {
+            uint32_t tries = 0;
+            uint64_t bits = 0;
+            const auto source = [&](uint64_t *out) {
+                *out = 42;
+                return ++tries > failures;
+            };
+            const bool drawn = draw_with_retries(source, limit, &bits);
+            EXPECT_EQ(drawn, failures <= limit);
+            EXPECT_EQ(tries, std::min(failures, limit) + 1);
+        }
+}
+
+TEST(Nondeterm, GivesExactlyAsManyNumbersAsAskedForAndNeverTheSame) {
+    generator g(id, {});
+    std::set<uint32_t> seen;
+    for (int n = 0; n < 40; ++n) {
+        std::vector<uint32_t> r(41, 0);
+        ASSERT_EQ(g.integers(n, r.data()), 0);
+        for (int i = n; i < 41; ++i)
+            EXPECT_EQ(r[i], 0u);
+        seen.insert(r.begin(), r.begin() + n);
+    }
+    EXPECT_GE(seen.size(), 775u); // of 780; five equal pairs: once in 10^22 runs
+}
+
+TEST(Nondeterm, FillsIntervals) {
+    generator g(id, {});
+    double sum = 0, sum_of_floats = 0;
+    for (double x : g.doubles(4000, -2, 6)) {
+        EXPECT_TRUE(x >= -2 && x < 6);
+        sum += x / 4000;
+    }
+    for (float x : g.floats(4000, -2, 6)) {
+        EXPECT_TRUE(x >= -2 && x < 6);
+        sum_of_floats += x / 4000;
+    }
+    // Seven standard errors: once in 10^11 runs.
+    const double error = 7 * 8 / std::sqrt(12.0 * 4000);
+    EXPECT_NEAR(sum, 2, error);
+    EXPECT_NEAR(sum_of_floats, 2, error);
+}
+
+TEST(Nondeterm, CannotLeapOrSkip) {
+    generator g(id, {});
+    EXPECT_EQ(rskLeapfrogStream(g.handle(), 0, 2), RSK_ERROR_NO_LEAPFROG);
+    EXPECT_EQ(rskSkipAheadStream(g.handle(), 2), RSK_ERROR_NO_SKIPAHEAD);
+    EXPECT_EQ(g.call(5, 0, {}), RSK_ERROR_UNKNOWN_METHOD);
+}
+
+TEST(Nondeterm, NeedsTheInstruction) {
+    generator g(id, {});
+    vox::rng::allowed_features = ~vox::feature_mask(vox::feature::rdrand);
+    EXPECT_EQ(generator(id, {}).status, RSK_ERROR_NO_INSTRUCTIONS);
+    uint32_t word = 77;
+    EXPECT_EQ(g.integers(1, &word), RSK_ERROR_NO_INSTRUCTIONS);
+    EXPECT_EQ(word, 77u);
+    vox::rng::allowed_features = ~uint64_t(0);
+}
+
+} // namespace
