@@ -40,6 +40,18 @@ enum {
     RSK_BRNG_PHILOX4X32X10 = 0x1000000
 };
 
+/* Forms in which seed words describe dimensions of SOBOL and NIEDERR, see docs/rng.md. */
+enum { RSK_QUASI_POLYNOMIALS = 1, RSK_QUASI_DIRECTIONS = 2 };
+
+/* The standard tables of SOBOL (dimensions 2 to 40) and NIEDERR (1 to 318): degrees, polynomials over GF(2) with
+ * bit i the coefficient of x^i, and eight initial direction integers for each dimension, 0 where there are
+ * fewer. */
+extern VOX_API const int32_t iSobolIrredPolyDeg[39];
+extern VOX_API const uint32_t uSobolIrredPoly[39];
+extern VOX_API const uint32_t uSobolMInit[312];
+extern VOX_API const int32_t iNiederrIrredPolyDeg[318];
+extern VOX_API const uint32_t uNiederrIrredPoly[318];
+
 enum {
     RSK_STATUS_OK = 0,
     RSK_ERROR_UNKNOWN_METHOD = -2, /* a generator's initialisation does not know the method */
@@ -57,6 +69,7 @@ enum {
     RSK_ERROR_NSTREAMS = -1013,     /* leapfrog: negative number of streams */
     RSK_ERROR_CALLBACK = -1120,   /* the callback of an abstract stream returned a negative value */
     RSK_ERROR_NO_ENTROPY = -1130, /* the processor's random source stayed empty, see NONDETERM */
+    RSK_ERROR_SEQUENCE_END = -1131,    /* quasi-random: more numbers than the sequence has left */
     RSK_ERROR_NO_INSTRUCTIONS = -1140, /* the processor lacks instructions of the generator */
     RSK_ERROR_FILE_OPEN = -1201,       /* the file cannot be opened; errno says why */
     RSK_ERROR_FILE_WRITE = -1202,      /* it cannot be written, in part or at all */
