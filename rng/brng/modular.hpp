@@ -7,7 +7,7 @@ namespace vox::rng {
 
 // base^exponent by repeated squaring; multiply(a, b) is the ring's product, one its unit.
 template <class Element, class Multiply>
-inline Element power(Element base, uint64_t exponent, Element one, Multiply multiply) {
+constexpr Element power(Element base, uint64_t exponent, Element one, Multiply multiply) {
     Element result = one;
     for (; exponent; exponent >>= 1) {
         if (exponent & 1)

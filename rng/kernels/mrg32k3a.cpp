@@ -1,0 +1,195 @@
+// mrg32k3a.cpp - numbers of MRG32K3A, see rng/brng/mrg32k3a.hpp.
+//
+// Each lane has a piece of the sequence to itself and steps through it; rows of steps are turned into columns, so
+// that what is given out is consecutive. Where the lanes begin follows from the state by matrices.
+//
+// In doubles: a step's two products lie below 2^53, so they and their difference are exact.
+#include "rng/brng/mrg32k3a.hpp"
+
+#include "rng/kernels/arithmetic.hpp"
+
+namespace {
+
+using namespace output;
+using parameters = vox::rng::mrg32k3a_state;
+using jumps = vox::rng::mrg32k3a_jumps;
+
+using row = vec<double>;
+constexpr int row_lanes = simd::lanes<double>;
+constexpr int rows = row_lanes == jumps::multiples ? 1 : 2; // at a time, to hide latencies
+constexpr int width = rows * row_lanes;
+
+template <uint32_t M>
+struct modulo {
+    // The residue of a whole number below 2^53. Rounding errors of the quotient: with one rounding, downwards, a
+    // third of 1/M more keeps it from missing a whole number for p from -1403580 M to 1403580 M; otherwise it is
+    // taken to the nearest, and a wrong choice between two near ones is as good.
+    static row residue(row p) {
+        constexpr double m = M, inverse = 1 / m;
+        const row modulus = row() + m;
+#if defined(__AVX512F__)
+        const row quotient = _mm512_fmadd_round_pd(p, row() + inverse, row() + inverse / 3,
+                                                   _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+        return arithmetic::multiply_add(-arithmetic::floor(quotient), modulus, p);
+#else
+        const row quotient = arithmetic::nearest(p * inverse);
+        return positive(arithmetic::multiply_add(-quotient, modulus, p));
+#endif
+    }
+    // r + M if r is below 0.
+    static row positive(row r) {
+        const row other = r + double(M);
+#if defined(__AVX512F__) // negative numbers are the larger patterns of bits
+        return row(_mm512_maskz_min_epu64(0xFF, __m512i(r), __m512i(other)));
+#else
+        return r < 0 ? other : r;
+#endif
+    }
+};
+
+using modulo1 = modulo<parameters::m1>;
+using modulo2 = modulo<parameters::m2>;
+
+struct state_rows {
+    row x[3][rows], y[3][rows];
+
+    // The next number of each lane.
+    template <class Store>
+    void step(Store store) {
+        simd::unroll<rows>([&](auto v) VOX_INLINED {
+            const row next_x = modulo1::residue(arithmetic::multiply_add(
+                row() - double(parameters::x3), x[0][v], x[1][v] * double(parameters::x2)));
+            const row next_y = modulo2::residue(arithmetic::multiply_add(
+                row() - double(parameters::y3), y[0][v], y[2][v] * double(parameters::y1)));
+            x[0][v] = x[1][v];
+            x[1][v] = x[2][v];
+            x[2][v] = next_x;
+            y[0][v] = y[1][v];
+            y[1][v] = y[2][v];
+            y[2][v] = next_y;
+            store(v, modulo1::positive(next_x - next_y));
+        });
+    }
+};
+
+// The state as many multiples of the distance ahead as the lane's number.
+template <class Modulo>
+inline void spread(const float (&upper)[3][3][jumps::multiples],
+                   const float (&lower)[3][3][jumps::multiples], const uint32_t (&from)[3],
+                   row (&to)[3][rows]) {
+    for (int v = 0; v < rows; ++v)
+        for (int i = 0; i < 3; ++i) {
+            const auto sum = [&](const float(&coefficients)[3][jumps::multiples], row start) {
+                for (int j = 0; j < 3; ++j)
+                    start = arithmetic::multiply_add(
+                        simd::load_as<double>(coefficients[j] + v * row_lanes),
+                        row() + double(from[j]), start);
+                return start;
+            };
+            const row high = Modulo::residue(sum(upper[i], row()));
+            to[i][v] = Modulo::residue(sum(lower[i], high * 0x1p16));
+        }
+}
+
+// A square of numbers, its rows made columns.
+template <int... I>
+inline void transpose(row (&r)[row_lanes], std::integer_sequence<int, I...>) {
+    for (int distance = 1; distance < row_lanes; distance *= 2) {
+        row mixed[row_lanes];
+        simd::unroll<row_lanes / 2>([&](auto i) VOX_INLINED {
+            const row a = r[i], b = r[i + row_lanes / 2];
+            mixed[2 * i] = __builtin_shufflevector(a, b, (I / 2 + I % 2 * row_lanes)...);
+            mixed[2 * i + 1] =
+                __builtin_shufflevector(a, b, (I / 2 + row_lanes / 2 + I % 2 * row_lanes)...);
+        });
+        simd::unroll<row_lanes>([&](auto i) VOX_INLINED { r[i] = mixed[i]; });
+    }
+}
+
+// The first `lanes` pieces of Length numbers.
+template <int Length, class Out>
+inline void give(parameters &state, const jumps &distance, int lanes, Out out) {
+    state_rows s;
+    spread<modulo1>(distance.upper[0], distance.lower[0], state.x, s.x);
+    spread<modulo2>(distance.upper[1], distance.lower[1], state.y, s.y);
+    const auto keep = [&](int lane) {
+        for (int i = 0; i < 3; ++i) {
+            state.x[i] = uint32_t(s.x[i][lane / row_lanes][lane % row_lanes]);
+            state.y[i] = uint32_t(s.y[i][lane / row_lanes][lane % row_lanes]);
+        }
+    };
+    if (lanes < width)
+        keep(lanes);
+    for (int i = 0; i < Length; i += row_lanes) {
+        row z[rows][row_lanes];
+        simd::unroll<row_lanes>([&](auto j) VOX_INLINED {
+            s.step([&](auto v, row value) VOX_INLINED { z[v][j] = value; });
+        });
+        simd::unroll<rows>([&](auto v) VOX_INLINED {
+            transpose(z[v], std::make_integer_sequence<int, row_lanes>());
+            simd::unroll<row_lanes>([&](auto lane) VOX_INLINED {
+                if (v * row_lanes + lane < lanes)
+                    out.at((v * row_lanes + lane) * Length + i).put(z[v][lane]);
+            });
+        });
+    }
+    if (lanes == width)
+        keep(width - 1);
+}
+
+inline double step(parameters &s) {
+    const auto residue = [](int64_t p, uint32_t m) {
+        const int64_t r = p % int64_t(m);
+        return uint32_t(r < 0 ? r + m : r);
+    };
+    const uint32_t x = residue(int64_t(parameters::x2) * s.x[1] - int64_t(parameters::x3) * s.x[0],
+                               parameters::m1);
+    const uint32_t y = residue(int64_t(parameters::y1) * s.y[2] - int64_t(parameters::y3) * s.y[0],
+                               parameters::m2);
+    s = {{s.x[1], s.x[2], x}, {s.y[1], s.y[2], y}};
+    return double(x < y ? x - y + parameters::m1 : x - y);
+}
+
+struct kind {
+    using word_type = uint32_t;
+    static auto words_of(row z) {
+        using integers = typename simd::vec_of<uint64_t, sizeof(row)>::type;
+        using half = typename simd::vec_of<uint32_t, sizeof(row) / 2>::type;
+        return __builtin_convertvector(integers(z + 0x1p52), half);
+    }
+    template <class Store>
+    static void word(row z, Store store) {
+        store(words_of(z));
+    }
+    template <class Store>
+    static void unit(row z, double, Store store) {
+        store(z * 2.328306549295728e-10);
+    }
+    template <class Store>
+    static void unit(row z, float, Store store) {
+        using ints = typename simd::vec_of<int32_t, sizeof(row) / 2>::type;
+        using floats = typename simd::vec_of<float, sizeof(row) / 2>::type;
+        store(__builtin_convertvector(ints(words_of(z) >> 8), floats) * 0x1p-24f);
+    }
+};
+
+template <class Out>
+int generate(parameters &state, index_t n, Out out) {
+    index_t i = 0;
+    for (; n - i >= width * 128; i += width * 128)
+        give<128>(state, vox::rng::mrg32k3a_jumps_of_128, width, out.at(i));
+    for (; n - i >= width * 32; i += width * 32)
+        give<32>(state, vox::rng::mrg32k3a_jumps_of_32, width, out.at(i));
+    while (n - i >= 8) {
+        const int lanes = n - i < width * 8 ? int(n - i) / 8 : width;
+        give<8>(state, vox::rng::mrg32k3a_jumps_of_8, lanes, out.at(i));
+        i += lanes * 8;
+    }
+    for (; i < n; ++i)
+        out.at(i).put_first(row() + step(state), 1);
+    return vox::rng::ok;
+}
+
+} // namespace
+
+VOX_BRNG_KERNELS(mrg32k3a, parameters, kind)
