@@ -19,11 +19,11 @@ struct mrg32k3a_state {
     static constexpr int x2 = 1403580, x3 = 810728, y1 = 527612, y3 = 1370589;
 };
 
-// What takes a state 0, distance, .., 7 distance steps on: for each component and row of its matrix, the
+// What takes a state 0, distance, .., 15 distance steps on: for each component and row of its matrix, the
 // coefficient of each of the three values for every multiple, cut into upper and lower 16 bits, so that sums of
 // products with values are exact in doubles.
 struct mrg32k3a_jumps {
-    static constexpr int multiples = 8;
+    static constexpr int multiples = 16;
     float upper[2][3][3][multiples], lower[2][3][3][multiples];
 };
 

@@ -16,7 +16,7 @@ using jumps = vox::rng::mrg32k3a_jumps;
 
 using row = vec<double>;
 constexpr int row_lanes = simd::lanes<double>;
-constexpr int rows = row_lanes == jumps::multiples ? 1 : 2; // at a time, to hide latencies
+constexpr int rows = 2; // at a time, to hide latencies
 constexpr int width = rows * row_lanes;
 
 template <uint32_t M>
@@ -38,11 +38,11 @@ struct modulo {
     }
     // r + M if r is below 0.
     static row positive(row r) {
-        const row other = r + double(M);
-#if defined(__AVX512F__) // negative numbers are the larger patterns of bits
-        return row(_mm512_maskz_min_epu64(0xFF, __m512i(r), __m512i(other)));
+#if defined(__AVX512F__) // comparisons would compete with products
+        using bits = typename simd::vec_of<int64_t, sizeof(row)>::type;
+        return r + row((bits(r) >> 63) & bits(row() + double(M)));
 #else
-        return r < 0 ? other : r;
+        return r < 0 ? r + double(M) : r;
 #endif
     }
 };
@@ -60,7 +60,7 @@ struct state_rows {
             const row next_x = modulo1::residue(arithmetic::multiply_add(
                 row() - double(parameters::x3), x[0][v], x[1][v] * double(parameters::x2)));
             const row next_y = modulo2::residue(arithmetic::multiply_add(
-                row() - double(parameters::y3), y[0][v], y[2][v] * double(parameters::y1)));
+                row() + double(parameters::y1), y[2][v], y[0][v] * -double(parameters::y3)));
             x[0][v] = x[1][v];
             x[1][v] = x[2][v];
             x[2][v] = next_x;
@@ -72,6 +72,14 @@ struct state_rows {
     }
 };
 
+inline row load(const float *p) {
+#if defined(__AVX512F__) // gcc would convert halves
+    return _mm512_maskz_cvtps_pd(0xFF, _mm256_loadu_ps(p));
+#else
+    return simd::load_as<double>(p);
+#endif
+}
+
 // The state as many multiples of the distance ahead as the lane's number.
 template <class Modulo>
 inline void spread(const float (&upper)[3][3][jumps::multiples],
@@ -81,9 +89,8 @@ inline void spread(const float (&upper)[3][3][jumps::multiples],
         for (int i = 0; i < 3; ++i) {
             const auto sum = [&](const float(&coefficients)[3][jumps::multiples], row start) {
                 for (int j = 0; j < 3; ++j)
-                    start = arithmetic::multiply_add(
-                        simd::load_as<double>(coefficients[j] + v * row_lanes),
-                        row() + double(from[j]), start);
+                    start = arithmetic::multiply_add(load(coefficients[j] + v * row_lanes),
+                                                     row() + double(from[j]), start);
                 return start;
             };
             const row high = Modulo::residue(sum(upper[i], row()));
@@ -92,18 +99,50 @@ inline void spread(const float (&upper)[3][3][jumps::multiples],
 }
 
 // A square of numbers, its rows made columns.
-template <int... I>
-inline void transpose(row (&r)[row_lanes], std::integer_sequence<int, I...>) {
-    for (int distance = 1; distance < row_lanes; distance *= 2) {
-        row mixed[row_lanes];
-        simd::unroll<row_lanes / 2>([&](auto i) VOX_INLINED {
-            const row a = r[i], b = r[i + row_lanes / 2];
-            mixed[2 * i] = __builtin_shufflevector(a, b, (I / 2 + I % 2 * row_lanes)...);
-            mixed[2 * i + 1] =
-                __builtin_shufflevector(a, b, (I / 2 + row_lanes / 2 + I % 2 * row_lanes)...);
-        });
-        simd::unroll<row_lanes>([&](auto i) VOX_INLINED { r[i] = mixed[i]; });
-    }
+inline void transpose(row (&r)[row_lanes]) {
+    row t[row_lanes];
+#if defined(__AVX512F__)
+    simd::unroll<4>([&](auto i) VOX_INLINED {
+        const row a = r[2 * i], b = r[2 * i + 1];
+        t[2 * i] = __builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14);
+        t[2 * i + 1] = __builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15);
+    });
+    simd::unroll<2>([&](auto i) VOX_INLINED {
+        const auto lower = [](row a, row b) {
+            return row(__builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11));
+        };
+        const auto upper = [](row a, row b) {
+            return row(__builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15));
+        };
+        const auto even = [](row a, row b) {
+            return row(__builtin_shufflevector(a, b, 0, 1, 4, 5, 8, 9, 12, 13));
+        };
+        const auto odd = [](row a, row b) {
+            return row(__builtin_shufflevector(a, b, 2, 3, 6, 7, 10, 11, 14, 15));
+        };
+        const row a = lower(t[i], t[2 + i]), b = lower(t[4 + i], t[6 + i]);
+        const row c = upper(t[i], t[2 + i]), d = upper(t[4 + i], t[6 + i]);
+        r[i] = even(a, b);
+        r[2 + i] = odd(a, b);
+        r[4 + i] = even(c, d);
+        r[6 + i] = odd(c, d);
+    });
+#elif defined(__AVX__)
+    simd::unroll<2>([&](auto i) VOX_INLINED {
+        const row a = r[2 * i], b = r[2 * i + 1];
+        t[2 * i] = __builtin_shufflevector(a, b, 0, 4, 2, 6);
+        t[2 * i + 1] = __builtin_shufflevector(a, b, 1, 5, 3, 7);
+    });
+    simd::unroll<2>([&](auto i) VOX_INLINED {
+        r[i] = __builtin_shufflevector(t[i], t[2 + i], 0, 1, 4, 5);
+        r[2 + i] = __builtin_shufflevector(t[i], t[2 + i], 2, 3, 6, 7);
+    });
+#else
+    t[0] = __builtin_shufflevector(r[0], r[1], 0, 2);
+    t[1] = __builtin_shufflevector(r[0], r[1], 1, 3);
+    r[0] = t[0];
+    r[1] = t[1];
+#endif
 }
 
 // The first `lanes` pieces of Length numbers.
@@ -121,12 +160,13 @@ inline void give(parameters &state, const jumps &distance, int lanes, Out out) {
     if (lanes < width)
         keep(lanes);
     for (int i = 0; i < Length; i += row_lanes) {
-        row z[rows][row_lanes];
+        row z[rows][row_lanes]; // in memory: registers are for the state
         simd::unroll<row_lanes>([&](auto j) VOX_INLINED {
             s.step([&](auto v, row value) VOX_INLINED { z[v][j] = value; });
         });
+        simd::in_memory(z);
         simd::unroll<rows>([&](auto v) VOX_INLINED {
-            transpose(z[v], std::make_integer_sequence<int, row_lanes>());
+            transpose(z[v]);
             simd::unroll<row_lanes>([&](auto lane) VOX_INLINED {
                 if (v * row_lanes + lane < lanes)
                     out.at((v * row_lanes + lane) * Length + i).put(z[v][lane]);
