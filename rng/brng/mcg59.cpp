@@ -32,6 +32,8 @@ extern "C" int vox_rng_mcg59_init(int method, vox::rng::stream *s, int n, const 
     case skip:
         state.x = power(state.a, count_of(params)) * state.x & mask;
         return ok;
+    case validate:
+        return state.x <= mask && state.a <= mask ? ok : bad_state;
     default:
         return unknown_method;
     }

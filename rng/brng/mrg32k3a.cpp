@@ -92,6 +92,11 @@ extern "C" int vox_rng_mrg32k3a_init(int method, vox::rng::stream *s, int n,
         components[0].skip(state.x, count_of(params));
         components[1].skip(state.y, count_of(params));
         return ok;
+    case validate:
+        for (int i = 0; i < 3; ++i)
+            if (state.x[i] >= parameters::m1 || state.y[i] >= parameters::m2)
+                return bad_state;
+        return ok;
     default:
         return unknown_method;
     }

@@ -43,6 +43,8 @@ extern "C" int vox_rng_r250_init(int method, vox::rng::stream *s, int n, const u
         return RSK_ERROR_NO_LEAPFROG;
     case skip:
         return RSK_ERROR_NO_SKIPAHEAD;
+    case validate:
+        return state.next < r250_state::size && state.back == r250_state::lag ? ok : bad_state;
     default:
         return unknown_method;
     }

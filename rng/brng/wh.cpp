@@ -23,8 +23,6 @@ extern "C" int vox_rng_wh_init(int method, vox::rng::stream *s, int n, const uin
     using namespace vox::rng;
     const wh_member &member = wh_member_of(s);
     wh_state &state = s->state<wh_state>();
-    if (method != seed && method != leapfrog && method != skip)
-        return unknown_method;
     for (int i = 0; i < 4; ++i) {
         const modulo ring{member.m[i]};
         uint32_t &x = state.x[i], &a = state.a[i];
@@ -41,6 +39,12 @@ extern "C" int vox_rng_wh_init(int method, vox::rng::stream *s, int n, const uin
         case skip:
             x = ring.multiply(ring.power(a, count_of(params)), x);
             break;
+        case validate:
+            if (x == 0 || x >= ring.m || a == 0 || a >= ring.m)
+                return bad_state;
+            break;
+        default:
+            return unknown_method;
         }
     }
     return ok;

@@ -17,6 +17,8 @@ namespace {
 template <class Ring, class Out>
 inline int congruential(const Ring &ring, typename Ring::element &x,
                         const typename Ring::element &a, vox::index_t n, Out out) {
+    if (n <= 0)
+        return vox::rng::ok;
     constexpr int lanes = Ring::lanes, vectors = Ring::vectors, all = lanes * vectors;
     alignas(64) typename Ring::element next[all] = {x};
     typename Ring::element step = a;

@@ -12,6 +12,16 @@
 
 namespace test {
 
+// The numbers in a text, whatever stands between them.
+inline std::vector<uint64_t> numbers_in(const std::string &text, int base = 10) {
+    const std::string digits = base == 16 ? "0123456789abcdefABCDEF" : "0123456789";
+    std::vector<uint64_t> found;
+    for (size_t at = 0; (at = text.find_first_of(digits, at)) != text.npos;
+         at = text.find_first_not_of(digits, at))
+        found.push_back(std::stoull(text.substr(at), nullptr, base));
+    return found;
+}
+
 using csv_cells = std::vector<std::string>;
 
 class csv_row {
@@ -31,15 +41,8 @@ class csv_row {
     uint64_t number(const std::string &column, int base = 10) const {
         return std::stoull((*this)[column], nullptr, base);
     }
-    // The numbers of a cell that holds several, whatever stands between them.
     std::vector<uint64_t> numbers(const std::string &column, int base = 10) const {
-        const std::string digits = base == 16 ? "0123456789abcdefABCDEF" : "0123456789";
-        const std::string &text = (*this)[column];
-        std::vector<uint64_t> found;
-        for (size_t at = 0; (at = text.find_first_of(digits, at)) != text.npos;
-             at = text.find_first_not_of(digits, at))
-            found.push_back(std::stoull(text.substr(at), nullptr, base));
-        return found;
+        return numbers_in((*this)[column], base);
     }
 
   private:

@@ -1,0 +1,273 @@
+// What holds for every generator: requests may be split and mixed, all kernel sets give the same bits, skipping
+// is discarding, leapfrogging is sub-sampling, uniform numbers stay in their interval.
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "serv/kernel_sets.hpp"
+#include "tests/rng/csv.hpp"
+#include "tests/rng/outputs.hpp"
+#include "tests/support/guarded.hpp"
+
+namespace {
+
+using test::generator;
+using test::numbers;
+
+enum ability { no, yes, by_coordinate };
+
+struct sequence {
+    const char *name;
+    int id;
+    numbers seed;
+    ability leapfrog, skip;
+    int skip_unit = 1; // counts that are skipped are multiples of it
+    bool repeats = true;
+
+    generator start() const {
+        generator g(id, seed);
+        EXPECT_EQ(g.status, 0);
+        return g;
+    }
+};
+
+const sequence sequences[] = {
+    {"mcg31m1", RSK_BRNG_MCG31M1, {777}, yes, yes},
+    {"r250", RSK_BRNG_R250, {777}, no, no},
+    {"mrg32k3a", RSK_BRNG_MRG32K3A, {777, 778, 779, 780}, no, yes},
+    {"mcg59", RSK_BRNG_MCG59, {777, 778}, yes, yes},
+    {"wh0", RSK_BRNG_WH, {777, 778}, yes, yes},
+    {"wh272", RSK_BRNG_WH + 272, {}, yes, yes},
+};
+
+// One type of output: the numbers of a sequence from its beginning, and whether a further request gives those
+// from `from` on, written no farther than where they belong.
+template <class T>
+struct output {
+    output(const sequence &s, int n)
+        : per_number(std::is_same_v<T, uint32_t> ? s.start().words() : 1) {
+        all.resize(size_t(n * per_number));
+        EXPECT_EQ(s.start().fill(all.data(), n), 0);
+    }
+    testing::AssertionResult gives(generator &g, int from, int n) const {
+        constexpr size_t before = 16;
+        const size_t count = size_t(n * per_number), first = size_t(from * per_number);
+        std::vector<T> expected(before, T(7));
+        const test::guarded<T> r(std::vector<T>(before + count, T(7)), test::edge::back);
+        expected.insert(expected.end(), all.begin() + long(first),
+                        all.begin() + long(first + count));
+        const int status = g.fill(r.data() + before, n);
+        if (status)
+            return testing::AssertionFailure() << "status " << status;
+        for (size_t i = 0; i < expected.size(); ++i)
+            if (std::memcmp(r.data() + i, &expected[i], sizeof(T)))
+                return testing::AssertionFailure()
+                       << "word " << i << " of " << n << " numbers from " << from << ": "
+                       << r.data()[i] << ", not " << expected[i];
+        return testing::AssertionSuccess();
+    }
+
+    int per_number;
+    std::vector<T> all;
+};
+
+struct outputs {
+    outputs(const sequence &s, int n) : integers(s, n), singles(s, n), doubles(s, n) {}
+    testing::AssertionResult gives(int type, generator &g, int from, int n) const {
+        return type == 0   ? integers.gives(g, from, n)
+               : type == 1 ? singles.gives(g, from, n)
+                           : doubles.gives(g, from, n);
+    }
+    output<uint32_t> integers;
+    output<float> singles;
+    output<double> doubles;
+};
+constexpr int types = 3, mixed = 3;
+
+template <class Body>
+void for_each(bool only_repeating, const Body &body) {
+    for (const sequence &s : sequences)
+        if (s.repeats || !only_repeating) {
+            SCOPED_TRACE(s.name);
+            body(s);
+        }
+}
+
+TEST(Sequences, RunOnTheSetThatWasAskedFor) {
+    const char *running = nullptr;
+#define NAME(set, ...)                                                                             \
+    if (vox::this_kernel_set() == vox::kernel_set::set)                                            \
+        running = #set;
+    VOX_KERNEL_SETS(NAME)
+#undef NAME
+    const char *const wanted = std::getenv("VOX_TEST_SET");
+    EXPECT_STREQ(running, wanted ? wanted : running);
+}
+
+TEST(Sequences, Splits) {
+    constexpr int n = 12000;
+    std::vector<int> ladder; // every remainder and alignment
+    for (int i = 0; i <= 140; ++i)
+        ladder.push_back(i);
+    const std::vector<int> patterns[] = {
+        {1}, {3}, {7}, {1000}, {5, 1, 2048, 17, 250, 0, 623, 64, 4097, 128}, ladder};
+    for_each(true, [&](const sequence &s) {
+        const outputs reference(s, n);
+        for (const std::vector<int> &pattern : patterns)
+            for (int type = 0; type <= mixed; ++type) {
+                SCOPED_TRACE(testing::Message() << "type " << type << ", " << pattern.size()
+                                                << " sizes, " << pattern[0]);
+                generator g = s.start();
+                const int end = pattern.size() > 1 || pattern[0] > 100 ? n : 2500;
+                for (int from = 0, i = 0; from < end; ++i) {
+                    const int piece = std::min(pattern[size_t(i) % pattern.size()], end - from);
+                    ASSERT_TRUE(reference.gives(type == mixed ? i % types : type, g, from, piece));
+                    from += piece;
+                }
+            }
+    });
+}
+
+TEST(Sequences, NothingIsNothing) {
+    for_each(true, [](const sequence &s) {
+        const numbers expected = s.start().integers(50);
+        generator g = s.start();
+        for (int n : {0, -1, -2147483647 - 1}) {
+            EXPECT_EQ(g.fill(static_cast<uint32_t *>(nullptr), n), 0);
+            EXPECT_EQ(g.fill(static_cast<float *>(nullptr), n), 0);
+            EXPECT_EQ(g.fill(static_cast<double *>(nullptr), n), 0);
+        }
+        EXPECT_EQ(g.integers(50), expected);
+    });
+}
+
+uint64_t hash(const void *data, size_t bytes) { // FNV-1a
+    uint64_t h = 0xcbf29ce484222325;
+    for (size_t i = 0; i < bytes; ++i)
+        h = (h ^ static_cast<const unsigned char *>(data)[i]) * 0x100000001b3;
+    return h;
+}
+
+// The same bits in every set, on every machine and from one version to the next.
+TEST(Sequences, SameBits) {
+    constexpr int n = 10007;
+    const std::vector<test::csv_row> rows = test::read_csv("sequences.csv");
+    for_each(true, [&](const sequence &s) {
+        const auto expect = [&](const char *type, const auto &values) {
+            char text[20];
+            std::snprintf(text, sizeof text, "%016llx",
+                          static_cast<unsigned long long>(
+                              hash(values.data(), values.size() * sizeof values[0])));
+            for (const test::csv_row &row : rows)
+                if (row["generator"] == s.name && row["output"] == type) {
+                    EXPECT_EQ(row["hash"], text) << type;
+                    return;
+                }
+            ADD_FAILURE() << "no row; it would be " << s.name << ',' << type << ',' << text;
+        };
+        expect("integers", s.start().integers(n));
+        std::vector<float> singles(n);
+        std::vector<double> doubles(n);
+        EXPECT_EQ(s.start().fill(singles.data(), n, -1, 3), 0);
+        EXPECT_EQ(s.start().fill(doubles.data(), n, -1, 3), 0);
+        expect("singles", singles);
+        expect("doubles", doubles);
+    });
+}
+
+TEST(Sequences, SkippingIsDiscarding) {
+    constexpr int n = 100;
+    for_each(true, [&](const sequence &s) {
+        if (s.skip == no) {
+            generator g = s.start();
+            EXPECT_EQ(g.skip(5), RSK_ERROR_NO_SKIPAHEAD);
+            EXPECT_EQ(g.integers(n), s.start().integers(n));
+            return;
+        }
+        const int counts[] = {0, 1, 2, 3, 4, 5, 63, 64, 624, 1000, 4097};
+        const outputs reference(s, 10 + 5000 * s.skip_unit);
+        for (const int count : counts)
+            for (const int drawn : {0, 3}) {
+                SCOPED_TRACE(testing::Message() << count << " after " << drawn);
+                for (int type = 0; type < types; ++type) {
+                    generator g = s.start();
+                    ASSERT_TRUE(reference.gives((type + 1) % types, g, 0, drawn));
+                    ASSERT_EQ(g.skip(uint64_t(count * s.skip_unit)), 0);
+                    EXPECT_TRUE(reference.gives(type, g, drawn + count * s.skip_unit, n));
+                }
+            }
+        const uint64_t unit = uint64_t(s.skip_unit);
+        const uint64_t far = s.skip == by_coordinate ? 1u << 20 : (uint64_t(1) << 62) + 12345;
+        generator once = s.start(), twice = s.start();
+        EXPECT_EQ(once.skip((far + 54321) * unit), 0);
+        EXPECT_EQ(twice.skip(54321 * unit), 0);
+        EXPECT_EQ(twice.skip(far * unit), 0);
+        EXPECT_EQ(once.integers(n), twice.integers(n));
+        EXPECT_NE(once.integers(n), s.start().integers(n));
+    });
+}
+
+TEST(Sequences, LeapfrogIsSubsampling) {
+    constexpr int n = 200;
+    for_each(true, [&](const sequence &s) {
+        if (s.leapfrog != yes) {
+            generator g = s.start();
+            EXPECT_EQ(g.leapfrog(1, 3), RSK_ERROR_NO_LEAPFROG);
+            EXPECT_EQ(g.integers(n), s.start().integers(n));
+            return;
+        }
+        const output<uint32_t> reference(s, 10000);
+        const auto every = [&](int step, int from) {
+            numbers r;
+            for (int i = 0; i < n; ++i)
+                for (int w = 0; w < reference.per_number; ++w)
+                    r.push_back(
+                        reference.all[size_t((from + i * step) * reference.per_number + w)]);
+            return r;
+        };
+        for (const auto &[k, streams] : {std::pair(0, 1), {0, 3}, {2, 3}, {6, 7}, {5, 37}}) {
+            SCOPED_TRACE(testing::Message() << k << " of " << streams);
+            generator g = s.start();
+            ASSERT_EQ(g.leapfrog(k, streams), 0);
+            EXPECT_EQ(g.integers(n), every(streams, k));
+            generator skipped = s.start();
+            ASSERT_EQ(skipped.leapfrog(k, streams), 0);
+            ASSERT_EQ(skipped.skip(13), 0);
+            EXPECT_EQ(skipped.integers(n), every(streams, k + 13 * streams));
+        }
+        generator nested = s.start();
+        ASSERT_EQ(nested.leapfrog(1, 2), 0);
+        ASSERT_EQ(nested.leapfrog(2, 3), 0);
+        EXPECT_EQ(nested.integers(n), every(6, 5));
+    });
+}
+
+template <class T>
+void check_interval(const sequence &s, T a, T b) {
+    constexpr int n = 100000;
+    std::vector<T> u(n), r(n);
+    generator g = s.start(), h = s.start();
+    EXPECT_EQ(g.fill(u.data(), n), 0);
+    EXPECT_EQ(h.fill(r.data(), n, a, b), 0);
+    T least = 1, most = 0;
+    for (size_t i = 0; i < n; ++i) {
+        ASSERT_TRUE(u[i] >= 0 && u[i] < 1) << u[i];
+        ASSERT_TRUE(r[i] >= a && r[i] < b) << r[i];
+        if (s.repeats) {
+            ASSERT_EQ(r[i], a + (b - a) * u[i]);
+        }
+        least = std::min(least, u[i]);
+        most = std::max(most, u[i]);
+    }
+    EXPECT_LT(least, T(0.001)); // missed with a probability of 1e-43
+    EXPECT_GT(most, T(0.999));
+}
+
+TEST(Sequences, UniformOnTheInterval) {
+    for_each(false, [](const sequence &s) {
+        check_interval<float>(s, -1, 3);
+        check_interval<double>(s, -1, 3);
+    });
+}
+
+} // namespace
