@@ -15,8 +15,8 @@
 namespace {
 
 template <class Ring, class Out>
-inline int congruential(const Ring &ring, typename Ring::element &x,
-                        const typename Ring::element &a, vox::index_t n, Out out) {
+inline int congruential(Ring ring, typename Ring::element &x, const typename Ring::element &a,
+                        vox::index_t n, Out out) {
     if (n <= 0)
         return vox::rng::ok;
     constexpr int lanes = Ring::lanes, vectors = Ring::vectors, all = lanes * vectors;
@@ -31,11 +31,13 @@ inline int congruential(const Ring &ring, typename Ring::element &x,
         const typename Ring::vector power = ring.broadcast(step);
         typename Ring::vector v[vectors];
         simd::unroll<vectors>([&](auto k) VOX_INLINED { v[k] = ring.load(next + k * lanes); });
-        for (; n >= all; n -= all)
+        for (; n >= all; n -= all) {
             simd::unroll<vectors>([&](auto k) VOX_INLINED {
                 out.put(ring.value(v[k]));
                 v[k] = ring.multiply(v[k], power);
             });
+            __asm__ volatile(""); // gcc would make a loop of each vector's
+        }
         simd::unroll<vectors>([&](auto k) VOX_INLINED { ring.store(next + k * lanes, v[k]); });
     }
     int given = 0;

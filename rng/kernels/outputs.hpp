@@ -39,6 +39,15 @@ using words = typename simd::vec_of<uint32_t, integer_bytes>::type;
 constexpr int word_lanes = integer_bytes / 4;
 using longs = typename simd::vec_of<uint64_t, integer_bytes>::type;
 
+// How many values a vector has: a structure that is one says so itself.
+template <class V>
+constexpr int lanes_of() {
+    if constexpr (requires { V::lanes; })
+        return V::lanes;
+    else
+        return sizeof(V) / sizeof(std::declval<V>()[0]);
+}
+
 // The first k elements of an array on the stack: what a vector is cut through.
 template <class T, int N>
 inline void copy_first(T *to, const T (&from)[N], int k) {
@@ -62,7 +71,7 @@ struct integers {
     }
     template <class V>
     void put_first(V v, int k) {
-        word all[sizeof(V) / sizeof(v[0])];
+        word all[lanes_of<V>()];
         integers{all}.put(v);
         copy_first(r, all, k);
         r += k;
@@ -91,7 +100,7 @@ struct uniforms {
     }
     template <class V>
     void put_first(V v, int k) {
-        T all[sizeof(V) / sizeof(v[0])];
+        T all[lanes_of<V>()];
         uniforms{all, a, width}.put(v);
         copy_first(r, all, k);
         r += k;

@@ -21,28 +21,30 @@ struct number {
     uint32_t x[4];
 };
 
-// Four sequences side by side; v[i] is the i-th number.
+// Four sequences side by side.
 struct value_type {
-    four<vec<double>> x;
-    const double *inverse;
-    number operator[](int) const;
+    four<vec<double>> x, inverse;
+    static constexpr int lanes = simd::lanes<double>;
 };
 
 struct ring {
     using element = four<double>;
     using vector = four<vec<double>>;
-    static constexpr int lanes = simd::lanes<double>, vectors = 1;
+    static constexpr int lanes = simd::lanes<double>, vectors = 2;
 
-    double m[4], inverse[4];
+    four<vec<double>> m, inverse;
+
+    static double of_lane(vec<double> v, double) { return v[0]; }
+    static vec<double> of_lane(vec<double> v, vec<double>) { return v; }
 
     template <class T>
     four<T> multiply(const four<T> &x, const four<T> &y) const {
         four<T> z;
         simd::unroll<4>([&](auto i) VOX_INLINED {
-            const T product = x.x[i] * y.x[i], scale = T() + inverse[i];
+            const T product = x.x[i] * y.x[i], scale = of_lane(inverse.x[i], T());
             const T quotient =
                 arithmetic::floor(arithmetic::multiply_add(product, scale, 0.5 * scale));
-            z.x[i] = arithmetic::multiply_add(-quotient, T() + m[i], product);
+            z.x[i] = arithmetic::multiply_add(-quotient, of_lane(m.x[i], T()), product);
         });
         return z;
     }
@@ -80,9 +82,10 @@ struct kind {
         store(all);
     }
     static vec<double> unit(const value_type &v) {
-        vec<double> sum = v.x.x[0] * v.inverse[0];
-        for (int i = 1; i < 4; ++i)
-            sum += v.x.x[i] * v.inverse[i];
+        vec<double> sum = v.x.x[0] * v.inverse.x[0];
+        sum += v.x.x[1] * v.inverse.x[1];
+        sum += v.x.x[2] * v.inverse.x[2];
+        sum += v.x.x[3] * v.inverse.x[3];
         return sum - arithmetic::floor(sum);
     }
     template <class Store>
@@ -105,8 +108,8 @@ int generate(wh_state &state, index_t n, Out out) {
     ring r;
     ring::element x, a;
     for (int i = 0; i < 4; ++i) {
-        r.m[i] = m[i];
-        r.inverse[i] = 1.0 / m[i];
+        r.m.x[i] = simd::broadcast(double(m[i]));
+        r.inverse.x[i] = simd::broadcast(1.0 / m[i]);
         x.x[i] = state.x[i];
         a.x[i] = state.a[i];
     }
