@@ -38,6 +38,10 @@ const sequence sequences[] = {
     {"mcg59", RSK_BRNG_MCG59, {777, 778}, yes, yes},
     {"wh0", RSK_BRNG_WH, {777, 778}, yes, yes},
     {"wh272", RSK_BRNG_WH + 272, {}, yes, yes},
+    {"mt19937", RSK_BRNG_MT19937, {777}, no, yes},
+    {"mt2203_0", RSK_BRNG_MT2203, {777}, no, no},
+    {"mt2203_6023", RSK_BRNG_MT2203 + 6023, {777, 778}, no, no},
+    {"sfmt19937", RSK_BRNG_SFMT19937, {777}, no, yes},
 };
 
 // One type of output: the numbers of a sequence from its beginning, and whether a further request gives those
