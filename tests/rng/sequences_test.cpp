@@ -42,6 +42,11 @@ const sequence sequences[] = {
     {"mt2203_0", RSK_BRNG_MT2203, {777}, no, no},
     {"mt2203_6023", RSK_BRNG_MT2203 + 6023, {777, 778}, no, no},
     {"sfmt19937", RSK_BRNG_SFMT19937, {777}, no, yes},
+    {"sobol", RSK_BRNG_SOBOL, {10}, by_coordinate, by_coordinate, 10},
+    {"niederr", RSK_BRNG_NIEDERR, {318}, by_coordinate, by_coordinate, 318},
+    {"nondeterm", RSK_BRNG_NONDETERM, {}, no, no, 1, false},
+    {"ars5", RSK_BRNG_ARS5, {1, 2, 3, 4, 5, 6, 7, ~0u}, no, yes},
+    {"philox4x32x10", RSK_BRNG_PHILOX4X32X10, {1, 2, 3, ~0u, ~0u, ~0u}, no, yes},
 };
 
 // One type of output: the numbers of a sequence from its beginning, and whether a further request gives those
