@@ -165,7 +165,8 @@ TEST(UniformBits, GeneratorsWithoutThemSaySo) {
     } cases[] = {{RSK_BRNG_MCG31M1, none, none},  {RSK_BRNG_R250, 0, 0},
                  {RSK_BRNG_MRG32K3A, none, none}, {RSK_BRNG_MCG59, 0, none},
                  {RSK_BRNG_WH, none, none},       {RSK_BRNG_MT19937, 0, 0},
-                 {RSK_BRNG_MT2203, 0, 0},         {RSK_BRNG_SFMT19937, 0, 0}};
+                 {RSK_BRNG_MT2203, 0, 0},         {RSK_BRNG_SFMT19937, 0, 0},
+                 {RSK_BRNG_PHILOX4X32X10, 0, 0},  {RSK_BRNG_SOBOL, 0, 0}};
     for (const auto &c : cases) {
         const a_stream s(c.id, 1);
         uint32_t words[10];
