@@ -70,6 +70,7 @@ enum {
     RSK_ERROR_CALLBACK = -1120,   /* the callback of an abstract stream returned a negative value */
     RSK_ERROR_NO_ENTROPY = -1130, /* the processor's random source stayed empty, see NONDETERM */
     RSK_ERROR_SEQUENCE_END = -1131,    /* quasi-random: more numbers than the sequence has left */
+    RSK_ERROR_NO_UNIFORM_BITS = -1132, /* the generator has no words of uniform bits */
     RSK_ERROR_NO_INSTRUCTIONS = -1140, /* the processor lacks instructions of the generator */
     RSK_ERROR_FILE_OPEN = -1201,       /* the file cannot be opened; errno says why */
     RSK_ERROR_FILE_WRITE = -1202,      /* it cannot be written, in part or at all */
@@ -188,6 +189,101 @@ VOX_API int rskloadstreamm_(rskStream *stream, const void *memory);
 VOX_API int RSKLOADSTREAMM_(rskStream *stream, const void *memory);
 VOX_API int rskgetstreamsize_(const rskStream *stream);
 VOX_API int RSKGETSTREAMSIZE_(const rskStream *stream);
+/* Distributions: n numbers into r. Wrong arguments are reported with their place in the list and give -3 (the
+ * stream: -5, -1006); n = 0 gives 0 whatever follows. Errors of the generator are passed on; what it had made
+ * before stands in r, and nothing is written after. A parameter that is not a number passes the checks.
+ * Each method takes the same number of uniforms for every result, so that requests may be split at will; the
+ * pairs of RSK_GAUSSIAN_BOXMULLER2 alone begin anew with each call. docs/rng.md gives accuracy and tails. */
+enum {
+    RSK_UNIFORM_DEFAULT = 0,
+    RSK_UNIFORM_CLAMP_BIT = 0x40000000, /* added: nothing is rounded to beyond a or b */
+    RSK_UNIFORM_BITS_DEFAULT = 0,
+    RSK_BERNOULLI_DEFAULT = 0,   /* inverse distribution function, from one uniform */
+    RSK_GAUSSIAN_BOXMULLER = 0,  /* one result from two uniforms */
+    RSK_GAUSSIAN_BOXMULLER2 = 1, /* two from two; of an odd number the last one's other is lost */
+    RSK_GAUSSIAN_INVERSE = 2,    /* inverse distribution function, from one uniform */
+    RSK_EXPONENTIAL_INVERSE = 0, /* the same */
+    RSK_POISSON_INVERSE = 0      /* the same */
+};
+
+/* Uniform on [a, b), a < b; rounding may give b, and with the clamp bit nothing beyond. */
+VOX_API int vsRngUniform(vox_int method, rskStream stream, vox_int n, float *r, float a, float b);
+VOX_API int vdRngUniform(vox_int method, rskStream stream, vox_int n, double *r, double a,
+                         double b);
+/* Integers from a to b - 1, a < b. */
+VOX_API int viRngUniform(vox_int method, rskStream stream, vox_int n, vox_int *r, vox_int a,
+                         vox_int b);
+/* The generator's words as they are: r takes n of 4 bytes, of 8 from MCG59, of 16 from WH. */
+VOX_API int viRngUniformBits(vox_int method, rskStream stream, vox_int n, uint32_t *r);
+/* Words with all bits uniform. Of 32 bits: from R250, MT19937, SFMT19937, MT2203, PHILOX4X32X10, ARS5,
+ * NONDETERM, the quasi-random ones, abstract streams, and MCG59, whose upper bits they are. Of 64 bits: two
+ * numbers each, the lower half first, from the same but MCG59. Others give -1132. */
+VOX_API int viRngUniformBits32(vox_int method, rskStream stream, vox_int n, uint32_t *r);
+VOX_API int viRngUniformBits64(vox_int method, rskStream stream, vox_int n, uint64_t *r);
+/* 1 with probability p, rounded to single precision; else 0. 0 <= p <= 1. */
+VOX_API int viRngBernoulli(vox_int method, rskStream stream, vox_int n, vox_int *r, double p);
+/* Normal with mean a and standard deviation sigma > 0. */
+VOX_API int vsRngGaussian(vox_int method, rskStream stream, vox_int n, float *r, float a,
+                          float sigma);
+VOX_API int vdRngGaussian(vox_int method, rskStream stream, vox_int n, double *r, double a,
+                          double sigma);
+/* a plus exponential with mean beta > 0. */
+VOX_API int vsRngExponential(vox_int method, rskStream stream, vox_int n, float *r, float a,
+                             float beta);
+VOX_API int vdRngExponential(vox_int method, rskStream stream, vox_int n, double *r, double a,
+                             double beta);
+/* Poisson with mean lambda, 0 < lambda <= 2e9. */
+VOX_API int viRngPoisson(vox_int method, rskStream stream, vox_int n, vox_int *r, double lambda);
+
+/* Their Fortran forms */
+VOX_API int vsrnguniform_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          float *r, const float *a, const float *b);
+VOX_API int VSRNGUNIFORM_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          float *r, const float *a, const float *b);
+VOX_API int vdrnguniform_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          double *r, const double *a, const double *b);
+VOX_API int VDRNGUNIFORM_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          double *r, const double *a, const double *b);
+VOX_API int virnguniform_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          vox_int *r, const vox_int *a, const vox_int *b);
+VOX_API int VIRNGUNIFORM_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          vox_int *r, const vox_int *a, const vox_int *b);
+VOX_API int virnguniformbits_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                              uint32_t *r);
+VOX_API int VIRNGUNIFORMBITS_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                              uint32_t *r);
+VOX_API int virnguniformbits32_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                                uint32_t *r);
+VOX_API int VIRNGUNIFORMBITS32_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                                uint32_t *r);
+VOX_API int virnguniformbits64_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                                uint64_t *r);
+VOX_API int VIRNGUNIFORMBITS64_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                                uint64_t *r);
+VOX_API int virngbernoulli_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                            vox_int *r, const double *p);
+VOX_API int VIRNGBERNOULLI_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                            vox_int *r, const double *p);
+VOX_API int vsrnggaussian_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                           float *r, const float *a, const float *sigma);
+VOX_API int VSRNGGAUSSIAN_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                           float *r, const float *a, const float *sigma);
+VOX_API int vdrnggaussian_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                           double *r, const double *a, const double *sigma);
+VOX_API int VDRNGGAUSSIAN_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                           double *r, const double *a, const double *sigma);
+VOX_API int vsrngexponential_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                              float *r, const float *a, const float *beta);
+VOX_API int VSRNGEXPONENTIAL_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                              float *r, const float *a, const float *beta);
+VOX_API int vdrngexponential_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                              double *r, const double *a, const double *beta);
+VOX_API int VDRNGEXPONENTIAL_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                              double *r, const double *a, const double *beta);
+VOX_API int virngpoisson_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          vox_int *r, const double *lambda);
+VOX_API int VIRNGPOISSON_(const vox_int *method, const rskStream *stream, const vox_int *n,
+                          vox_int *r, const double *lambda);
 
 #ifdef __cplusplus
 }

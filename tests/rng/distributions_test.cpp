@@ -1,0 +1,278 @@
+// distributions_test.cpp - calls of distributions: checks, forms, requests that are split, generators that
+// fail, the same bits everywhere.
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "tests/rng/distributions.hpp"
+#include "tests/support/child.hpp"
+#include "vox/service.h"
+
+namespace {
+
+using test::a_stream;
+using test::distribution;
+using test::distributions;
+using test::form;
+using test::script;
+
+std::string reported;
+void record(const char *name, const vox_int *position, int length) {
+    reported += std::string(name, size_t(length)) + ' ' + std::to_string(*position);
+}
+
+// Numbers for every distribution: words and uniforms with no pattern.
+void fill_script(int n) {
+    script::words.clear();
+    script::uniforms.clear();
+    uint64_t x = 88172645463325252u;
+    for (int i = 0; i < n; ++i) {
+        x ^= x << 13, x ^= x >> 7, x ^= x << 17;
+        script::words.push_back(uint32_t(x >> 32));
+        script::uniforms.push_back(double(x >> 11) * 0x1p-53);
+    }
+}
+
+// Arguments of which some are wrong, and what is reported: the first in the order of the checks.
+TEST(Distributions, WrongArgumentsAreReportedInOrderAndNothingIsWritten) {
+    fill_script(100);
+    const a_stream good(script::id());
+    std::vector<char> dead(128, 0);
+    const rskStream no_stream = reinterpret_cast<rskStream>(dead.data());
+    vox_set_xerbla(record);
+    for (const distribution &d : distributions())
+        for (const form f : {form::c, form::lower, form::upper}) {
+            std::vector<char> r(10 * d.element, 'x');
+            const auto untouched = r;
+            const std::vector<double> none(2, std::nan(""));
+            const std::vector<double> &bad = d.bad.empty() ? none : d.bad[0].first;
+            const struct {
+                int method;
+                rskStream s;
+                int n;
+                void *r;
+                const double *parameters;
+                int status, position;
+            } calls[] = {
+                {-1, nullptr, -1, nullptr, bad.data(), -3, 1},
+                {d.methods, nullptr, -1, nullptr, bad.data(), -5, 2},
+                {d.methods, no_stream, -1, nullptr, bad.data(), -1006, 2},
+                {d.methods, good, -1, nullptr, bad.data(), -3, 3},
+                {d.methods, good, 0, nullptr, bad.data(), 0, 0},
+                {d.methods, good, 10, nullptr, bad.data(), -3, 4},
+                {d.methods, good, 10, r.data(), bad.data(), -3, 1},
+                {0x20000000, good, 10, r.data(), d.parameters.data(), -3, 1},
+            };
+            const auto expect = [&](int status, int expected_status, int position) {
+                EXPECT_EQ(status, expected_status) << d.name << ' ' << position;
+                EXPECT_EQ(reported,
+                          position ? d.name + (' ' + std::to_string(position)) : std::string());
+                reported.clear();
+            };
+            for (const auto &c : calls)
+                expect(d.call(f, c.method, c.s, c.n, c.r, c.parameters), c.status, c.position);
+            for (const auto &[parameters, position] : d.bad)
+                expect(d.call(f, 0, good, 10, r.data(), parameters.data()), -3, position);
+            EXPECT_EQ(r, untouched) << d.name;
+            if (d.name[1] == 'i' && d.parameters.size() == 2)
+                continue; // integers are always numbers
+            expect(d.call(f, 0, a_stream(script::id()), 10, r.data(), none.data()), 0, 0);
+        }
+    vox_set_xerbla(nullptr);
+}
+
+TEST(Distributions, AllFormsGiveTheSame) {
+    fill_script(100);
+    for (const distribution &d : distributions())
+        for (int method = 0; method < d.methods; ++method) {
+            std::vector<char> r[3];
+            for (const form f : {form::c, form::lower, form::upper}) {
+                std::vector<char> &mine = r[int(f)];
+                mine.resize(50 * d.element);
+                EXPECT_EQ(
+                    d.call(f, method, a_stream(script::id()), 50, mine.data(), d.parameters.data()),
+                    0);
+            }
+            EXPECT_EQ(r[0], r[1]) << d.name;
+            EXPECT_EQ(r[0], r[2]) << d.name;
+        }
+}
+
+// Sizes around vectors and blocks. Pairs are split at even places.
+TEST(Distributions, SplitRequestsGiveTheSameNumbers) {
+    constexpr int n = 8000;
+    fill_script(2 * n);
+    for (const distribution &d : distributions())
+        for (int method = 0; method < d.methods; ++method) {
+            const bool pairs = d.methods == 3 && method == RSK_GAUSSIAN_BOXMULLER2;
+            const std::vector<char> whole = d.bytes(method, a_stream(script::id()), n);
+            const a_stream s(script::id());
+            std::vector<char> parts(whole.size());
+            const int sizes[] = {1, 3, 7, 8, 17, 64, 1000, 1025, 511, 2};
+            for (int at = 0, i = 0; at < n; ++i) {
+                const int m = std::min(n - at, sizes[i % 10] * (pairs ? 2 : 1));
+                EXPECT_EQ(d.draw(method, s, m, parts.data() + size_t(at) * d.element), 0);
+                at += m;
+            }
+            EXPECT_EQ(whole, parts) << d.name << ' ' << method;
+        }
+}
+
+TEST(Distributions, AnOddRequestOfPairsLosesTheOther) {
+    fill_script(10);
+    const a_stream s(script::id());
+    double odd[5], whole[10];
+    vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, a_stream(script::id()), 10, whole, 0, 1);
+    EXPECT_EQ(vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, s, 3, odd, 0, 1), 0);
+    EXPECT_EQ(vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, s, 2, odd + 3, 0, 1), 0);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(odd[i], whole[i < 3 ? i : i + 1]) << i;
+}
+
+// The generator's error comes back, and the elements that it has not made are as they were.
+TEST(Distributions, AFailingGeneratorEndsTheRequest) {
+    fill_script(6000);
+    for (const distribution &d : distributions())
+        for (int method = 0; method < d.methods; ++method) {
+            std::vector<char> r(8000 * d.element, 'x');
+            EXPECT_EQ(d.draw(method, a_stream(script::id()), 8000, r.data()), RSK_ERROR_CALLBACK)
+                << d.name;
+            for (size_t i = 6000 * d.element; i < r.size(); ++i)
+                ASSERT_EQ(r[i], 'x') << d.name << ' ' << i;
+        }
+}
+
+TEST(UniformBits, WordsComeFromThoseThatAreUniform) {
+    fill_script(20);
+    uint32_t words[10];
+    uint64_t wide[10];
+    EXPECT_EQ(viRngUniformBits32(0, a_stream(script::id()), 10, words), 0);
+    EXPECT_EQ(viRngUniformBits64(0, a_stream(script::id()), 10, wide), 0);
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(words[i], script::words[size_t(i)]);
+        EXPECT_EQ(wide[i], script::words[size_t(2 * i)] | uint64_t(script::words[size_t(2 * i + 1)])
+                                                              << 32);
+    }
+    const a_stream few(RSK_BRNG_MCG31M1, 5);
+    EXPECT_EQ(viRngUniformBits(0, few, 2, words), 0);
+    EXPECT_EQ(words[0], 5u);
+}
+
+TEST(UniformBits, GeneratorsWithoutThemSaySo) {
+    constexpr int none = RSK_ERROR_NO_UNIFORM_BITS;
+    const struct {
+        int id, status32, status64;
+    } cases[] = {{RSK_BRNG_MCG31M1, none, none},  {RSK_BRNG_R250, 0, 0},
+                 {RSK_BRNG_MRG32K3A, none, none}, {RSK_BRNG_MCG59, 0, none},
+                 {RSK_BRNG_WH, none, none},       {RSK_BRNG_MT19937, 0, 0},
+                 {RSK_BRNG_MT2203, 0, 0},         {RSK_BRNG_SFMT19937, 0, 0},
+                 {RSK_BRNG_PHILOX4X32X10, 0, 0},  {RSK_BRNG_SOBOL, 0, 0}};
+    for (const auto &c : cases) {
+        const a_stream s(c.id, 1);
+        uint32_t words[10];
+        uint64_t wide[10];
+        EXPECT_EQ(viRngUniformBits32(0, s, 10, words), c.status32) << std::hex << c.id;
+        EXPECT_EQ(viRngUniformBits64(0, s, 10, wide), c.status64) << std::hex << c.id;
+    }
+}
+
+TEST(UniformBits, TheUpperBitsOfWideWordsAreUniform) {
+    static const vox::rng::brng_properties wide = [] {
+        vox::rng::brng_properties row = script::properties();
+        row.word_size = 8;
+        row.bits = 59;
+        row.integers = [](vox::rng::stream *, int n, uint32_t *r) {
+            for (uint64_t i = 0; i < uint64_t(n); ++i) {
+                const uint64_t word = (0x12345678u + i) << 27 | 0x7FFFFFF;
+                memcpy(r + 2 * i, &word, 8);
+            }
+            return 0;
+        };
+        return row;
+    }();
+    const a_stream s(vox::rng::rskRegisterBrng(&wide));
+    uint32_t r[3];
+    EXPECT_EQ(viRngUniformBits32(0, s, 3, r), 0);
+    EXPECT_EQ(r[0], 0x12345678u);
+    EXPECT_EQ(r[2], 0x1234567Au);
+    uint64_t none[3];
+    EXPECT_EQ(viRngUniformBits64(0, s, 3, none), RSK_ERROR_NO_UNIFORM_BITS);
+}
+
+// Of every size that vectors and rests make.
+template <class T>
+void expect_clamped(int (*draw)(vox_int, rskStream, vox_int, T *, T, T)) {
+    const T a = T(-0.9), b = T(0.2); // a + (b - a) is above b
+    for (int n = 1; n < 40; ++n) {
+        std::vector<T> plain(size_t(n), 0), clamped(size_t(n), 0);
+        EXPECT_EQ(draw(0, a_stream(script::id()), n, plain.data(), a, b), 0);
+        EXPECT_EQ(draw(RSK_UNIFORM_CLAMP_BIT, a_stream(script::id()), n, clamped.data(), a, b), 0);
+        EXPECT_GT(plain.back(), b);
+        EXPECT_EQ(clamped, std::vector<T>(size_t(n), b));
+    }
+}
+TEST(Uniform, TheClampBitKeepsResultsInside) {
+    script::uniforms.assign(100, 1);
+    expect_clamped(vsRngUniform);
+    expect_clamped(vdRngUniform);
+}
+
+// p against the uniforms in single precision, also where r is at no multiple of 16 bytes.
+TEST(Bernoulli, ComparesWithTheUniforms) {
+    constexpr int n = 300;
+    script::uniforms.clear();
+    for (int i = 0; i < n; ++i)
+        script::uniforms.push_back(i == 0 ? 0.3f : i == 1 ? 0 : i == 2 ? 1 - 0x1p-24 : i / 300.0);
+    float u[n];
+    vsRngUniform(0, a_stream(script::id()), n, u, 0, 1);
+    std::vector<vox_int> r(n + 4);
+    const double nan = std::nan("");
+    for (const double p : {0.0, -0.0, 0.3, 0.5, 1 - 0x1p-24, 1 - 0x1p-26, 1.0, nan, -nan})
+        for (int offset = 0; offset < 4; ++offset) {
+            EXPECT_EQ(viRngBernoulli(0, a_stream(script::id()), n, r.data() + offset, p), 0);
+            for (int i = 0; i < n; ++i) {
+                const bool one =
+                    std::isnan(p) ? !std::signbit(p) : u[i] < float(p); // by the bits of a NaN
+                ASSERT_EQ(r[size_t(i + offset)], one) << p << ' ' << i << ' ' << offset;
+            }
+        }
+#if !defined(__SANITIZE_ADDRESS__) // at an odd address, which no array of integers has
+    std::vector<char> bytes(4 * n + 1);
+    vox_int *const odd = reinterpret_cast<vox_int *>(bytes.data() + 1);
+    EXPECT_EQ(viRngBernoulli(0, a_stream(script::id()), n, odd, 0.5), 0);
+    for (int i = 0; i < n; ++i) {
+        vox_int x;
+        memcpy(&x, bytes.data() + 1 + 4 * i, 4);
+        EXPECT_EQ(x, u[i] < 0.5f);
+    }
+#endif
+}
+
+// A digest of everything, in a process of its own for each setting.
+CHILD(digest) {
+    for (const distribution &d : distributions())
+        for (int method = 0; method < d.methods; ++method) {
+            fill_script(6000);
+            std::vector<char> r(3000 * d.element);
+            d.draw(method, a_stream(script::id()), 3000, r.data());
+            std::vector<double> large(d.parameters);
+            if (large.size() == 1 && large[0] > 1) { // the other way to Poisson's
+                large[0] = 12345.678;
+                d.call(form::c, method, a_stream(script::id()), 1500, r.data(), large.data());
+            }
+            uint64_t hash = 0xCBF29CE484222325u;
+            for (const char c : r)
+                hash = (hash ^ uint8_t(c)) * 0x100000001B3u;
+            std::printf("%s %d %016llx\n", d.name, method, static_cast<unsigned long long>(hash));
+        }
+}
+TEST(Distributions, AllKernelSetsGiveTheSameBits) {
+    const std::string first = run_child(digest, {{"VOX_DEBUG_CPU_TYPE", "0"}}).out;
+    EXPECT_GT(first.size(), 400u);
+    for (const char *type : {"2", "3", "4", "5", "6", "7"})
+        EXPECT_EQ(run_child(digest, {{"VOX_DEBUG_CPU_TYPE", type}}).out, first) << type;
+    for (const char *branch : {"COMPATIBLE", "SSE4_1"})
+        EXPECT_EQ(run_child(digest, {{"VOX_CBWR", branch}}).out, first) << branch;
+}
+
+} // namespace
