@@ -39,7 +39,7 @@ class Counters : public testing::TestWithParam<counter_generator> {
     words blocks(counter128 first, int n) const {
         words all;
         for (int i = 0; i < n; ++i)
-            for (uint32_t w : at(first + unsigned(i)).words(4))
+            for (uint32_t w : at(first + unsigned(i)).integers(4))
                 all.push_back(w);
         return all;
     }
@@ -62,7 +62,7 @@ TEST_P(Counters, GivesTheKnownAnswers) {
                 seeds.push_back(uint32_t(row.number("c" + std::to_string(i), 16)));
                 expected.push_back(uint32_t(row.number("r" + std::to_string(i), 16)));
             }
-            EXPECT_EQ(generator(g.id, seeds).words(4), expected) << file << " row " << rows;
+            EXPECT_EQ(generator(g.id, seeds).integers(4), expected) << file << " row " << rows;
             ++rows;
         }
     EXPECT_GE(rows, 12);
@@ -73,8 +73,8 @@ TEST_P(Counters, TakesMissingSeedWordsAsZeros) {
     seeds.push_back(5);
     words all = seeds;
     all.resize(8);
-    EXPECT_EQ(generator(id, seeds).words(40), generator(id, all).words(40));
-    EXPECT_EQ(generator(id, {}).words(40), generator(id, words(8)).words(40));
+    EXPECT_EQ(generator(id, seeds).integers(40), generator(id, all).integers(40));
+    EXPECT_EQ(generator(id, {}).integers(40), generator(id, words(8)).integers(40));
 }
 
 TEST_P(Counters, CarriesTheCounterWhereverABatchMeetsABoundary) {
@@ -82,27 +82,27 @@ TEST_P(Counters, CarriesTheCounterWhereverABatchMeetsABoundary) {
         for (int before = 1; before < 70; before += 3) {
             const counter128 boundary = bits == 128 ? 0 : counter128(1) << bits;
             const counter128 first = boundary - unsigned(before);
-            EXPECT_EQ(at(first).words(4 * 100), blocks(first, 100)) << bits << " " << before;
+            EXPECT_EQ(at(first).integers(4 * 100), blocks(first, 100)) << bits << " " << before;
         }
 }
 
 TEST_P(Counters, MakesUniformsOfTheSameWords) {
-    const words w = at(3).words(1000);
+    const words w = at(3).integers(1000);
     EXPECT_EQ(at(3).doubles(1000), test::as_doubles(w, 0, 1));
     EXPECT_EQ(at(3).doubles(1000, -3, 1e5), test::as_doubles(w, -3, 1e5));
-    EXPECT_EQ(at(3).floats(1000), test::as_floats(w, 0, 1));
-    EXPECT_EQ(at(3).floats(1000, 2, 7), test::as_floats(w, 2, 7));
+    EXPECT_EQ(at(3).singles(1000), test::as_floats(w, 0, 1));
+    EXPECT_EQ(at(3).singles(1000, 2, 7), test::as_floats(w, 2, 7));
 }
 
 TEST_P(Counters, ContinuesInTheMiddleOfABlock) {
-    const words all = at(9).words(3000);
+    const words all = at(9).integers(3000);
     for (int first : {1, 2, 3, 130, 511}) {
         generator g = at(9);
-        words got = g.words(first);
-        EXPECT_EQ(g.integers(0, nullptr), 0);
-        EXPECT_EQ(g.integers(-1, nullptr), 0);
+        words got = g.integers(first);
+        EXPECT_EQ(g.fill(static_cast<uint32_t *>(nullptr), 0), 0);
+        EXPECT_EQ(g.fill(static_cast<uint32_t *>(nullptr), -1), 0);
         for (int n : {1, 1, 2, 3, 5, 64, 127, 700})
-            for (uint32_t w : g.words(n))
+            for (uint32_t w : g.integers(n))
                 got.push_back(w);
         EXPECT_EQ(got, words(all.begin(), all.begin() + long(got.size()))) << first;
     }
@@ -112,10 +112,10 @@ TEST_P(Counters, SkipsAsIfNumbersWereDiscarded) {
     for (int drawn : {0, 1, 2, 3, 6})
         for (int skipped : {0, 1, 2, 3, 4, 5, 101}) {
             generator g = at(11), discarding = at(11);
-            g.words(drawn);
-            ASSERT_EQ(rskSkipAheadStream(g.handle(), uint64_t(skipped)), 0);
-            discarding.words(drawn + skipped);
-            EXPECT_EQ(g.words(50), discarding.words(50)) << drawn << " " << skipped;
+            g.integers(drawn);
+            ASSERT_EQ(rskSkipAheadStream(g.handle, uint64_t(skipped)), 0);
+            discarding.integers(drawn + skipped);
+            EXPECT_EQ(g.integers(50), discarding.integers(50)) << drawn << " " << skipped;
         }
 }
 
@@ -124,25 +124,25 @@ TEST_P(Counters, SkipsFarWithCarries) {
     for (uint64_t skipped : {uint64_t(1) << 34, ~uint64_t(0)})
         for (unsigned drawn = 0; drawn < 4; ++drawn) {
             generator g = at(start);
-            g.words(int(drawn));
-            ASSERT_EQ(rskSkipAheadStream(g.handle(), skipped), 0);
+            g.integers(int(drawn));
+            ASSERT_EQ(rskSkipAheadStream(g.handle, skipped), 0);
             const counter128 place = counter128(skipped) + drawn; // from the start
             generator there = at(start + place / 4);
-            there.words(int(place % 4));
-            EXPECT_EQ(g.words(20), there.words(20)) << skipped << " " << drawn;
+            there.integers(int(place % 4));
+            EXPECT_EQ(g.integers(20), there.integers(20)) << skipped << " " << drawn;
         }
 }
 
 TEST_P(Counters, RefusesWhatItCannotDo) {
     generator g = at(1), same = at(1);
-    EXPECT_EQ(rskLeapfrogStream(g.handle(), 0, 2), RSK_ERROR_NO_LEAPFROG);
+    EXPECT_EQ(rskLeapfrogStream(g.handle, 0, 2), RSK_ERROR_NO_LEAPFROG);
     EXPECT_EQ(g.call(17, 0, {}), RSK_ERROR_UNKNOWN_METHOD);
-    EXPECT_EQ(g.words(9), same.words(9));
+    EXPECT_EQ(g.integers(9), same.integers(9));
 }
 
 TEST(PhiloxState, IsBadWithAPositionBeyondTheBlock) {
     generator g(RSK_BRNG_PHILOX4X32X10, {1});
-    g.words(3);
+    g.integers(3);
     EXPECT_EQ(g.call(vox::rng::validate, 0, {}), 0);
     g.object()->state<vox::rng::philox_state>().position = 4;
     EXPECT_EQ(g.call(vox::rng::validate, 0, {}), vox::rng::bad_state);
@@ -158,18 +158,18 @@ TEST_F(Ars5, NeedsAes) {
     generator g(RSK_BRNG_ARS5, {1, 2, 3}), same(RSK_BRNG_ARS5, {1, 2, 3});
     disallow(vox::feature_mask(vox::feature::aes));
     EXPECT_EQ(generator(RSK_BRNG_ARS5, {1}).status, RSK_ERROR_NO_INSTRUCTIONS);
-    EXPECT_EQ(rskSkipAheadStream(g.handle(), 5), RSK_ERROR_NO_INSTRUCTIONS);
+    EXPECT_EQ(rskSkipAheadStream(g.handle, 5), RSK_ERROR_NO_INSTRUCTIONS);
     words r(10, 77);
-    EXPECT_EQ(g.integers(10, r.data()), RSK_ERROR_NO_INSTRUCTIONS);
+    EXPECT_EQ(g.fill(r.data(), 10), RSK_ERROR_NO_INSTRUCTIONS);
     EXPECT_EQ(r, words(10, 77));
     TearDown();
-    EXPECT_EQ(g.words(10), same.words(10));
+    EXPECT_EQ(g.integers(10), same.integers(10));
 }
 
 TEST_F(Ars5, GivesTheSameNumbersWithoutWideAes) {
-    const words wide = generator(RSK_BRNG_ARS5, {1, 2, 3, 4, ~0u, ~0u}).words(1000);
+    const words wide = generator(RSK_BRNG_ARS5, {1, 2, 3, 4, ~0u, ~0u}).integers(1000);
     disallow(vox::rng::allowed_vaes);
-    EXPECT_EQ(generator(RSK_BRNG_ARS5, {1, 2, 3, 4, ~0u, ~0u}).words(1000), wide);
+    EXPECT_EQ(generator(RSK_BRNG_ARS5, {1, 2, 3, 4, ~0u, ~0u}).integers(1000), wide);
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 #include "rng/brng/mrg32k3a.hpp"
 #include "rng/brng/wh.hpp"
 #include "tests/rng/csv.hpp"
-#include "tests/rng/outputs.hpp"
+#include "tests/rng/generator.hpp"
 
 namespace {
 

@@ -50,7 +50,7 @@ TEST(Nondeterm, GivesExactlyAsManyNumbersAsAskedForAndNeverTheSame) {
     std::set<uint32_t> seen;
     for (int n = 0; n < 40; ++n) {
         std::vector<uint32_t> r(41, 0);
-        ASSERT_EQ(g.integers(n, r.data()), 0);
+        ASSERT_EQ(g.fill(r.data(), n), 0);
         for (int i = n; i < 41; ++i)
             EXPECT_EQ(r[i], 0u);
         seen.insert(r.begin(), r.begin() + n);
@@ -65,7 +65,7 @@ TEST(Nondeterm, FillsIntervals) {
         EXPECT_TRUE(x >= -2 && x < 6);
         sum += x / 4000;
     }
-    for (float x : g.floats(4000, -2, 6)) {
+    for (float x : g.singles(4000, -2, 6)) {
         EXPECT_TRUE(x >= -2 && x < 6);
         sum_of_floats += x / 4000;
     }
@@ -77,8 +77,8 @@ TEST(Nondeterm, FillsIntervals) {
 
 TEST(Nondeterm, CannotLeapOrSkip) {
     generator g(id, {});
-    EXPECT_EQ(rskLeapfrogStream(g.handle(), 0, 2), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(rskSkipAheadStream(g.handle(), 2), RSK_ERROR_NO_SKIPAHEAD);
+    EXPECT_EQ(rskLeapfrogStream(g.handle, 0, 2), RSK_ERROR_NO_LEAPFROG);
+    EXPECT_EQ(rskSkipAheadStream(g.handle, 2), RSK_ERROR_NO_SKIPAHEAD);
     EXPECT_EQ(g.call(5, 0, {}), RSK_ERROR_UNKNOWN_METHOD);
 }
 
@@ -87,7 +87,7 @@ TEST(Nondeterm, NeedsTheInstruction) {
     vox::rng::allowed_features = ~vox::feature_mask(vox::feature::rdrand);
     EXPECT_EQ(generator(id, {}).status, RSK_ERROR_NO_INSTRUCTIONS);
     uint32_t word = 77;
-    EXPECT_EQ(g.integers(1, &word), RSK_ERROR_NO_INSTRUCTIONS);
+    EXPECT_EQ(g.fill(&word, 1), RSK_ERROR_NO_INSTRUCTIONS);
     EXPECT_EQ(word, 77u);
     vox::rng::allowed_features = ~uint64_t(0);
 }

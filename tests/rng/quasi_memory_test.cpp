@@ -19,20 +19,20 @@ struct refuse {
 
 TEST(QuasiMemory, SeedingAnswersThatThereIsNone) {
     const words seeds = {2, RSK_QUASI_POLYNOMIALS, 1, 2, 3};
-    const words expected = generator(RSK_BRNG_NIEDERR, seeds).words(10);
+    const words expected = generator(RSK_BRNG_NIEDERR, seeds).integers(10);
     int failures = 0;
     for (int request = 1;; ++request, ++failures) {
         ASSERT_LE(request, 10);
         refuse now(request);
         generator g(RSK_BRNG_NIEDERR, seeds);
         if (g.status == 0) {
-            EXPECT_EQ(g.words(10), expected);
+            EXPECT_EQ(g.integers(10), expected);
             break;
         }
         EXPECT_EQ(g.status, RSK_ERROR_NO_MEMORY);
         words r(10, 77);
-        if (g.handle()) {
-            EXPECT_EQ(g.integers(10, r.data()), vox::rng::bad_state);
+        if (g.handle) {
+            EXPECT_EQ(g.fill(r.data(), 10), vox::rng::bad_state);
             EXPECT_EQ(r, words(10, 77));
         }
     }
@@ -43,9 +43,9 @@ TEST(QuasiMemory, ACoordinateIsNotSelectedWithoutIt) {
     generator g(RSK_BRNG_SOBOL, {10}), same(RSK_BRNG_SOBOL, {10});
     {
         refuse now(test::every_request);
-        EXPECT_EQ(rskLeapfrogStream(g.handle(), 3, 0x7FFFFFFF), RSK_ERROR_NO_MEMORY);
+        EXPECT_EQ(rskLeapfrogStream(g.handle, 3, 0x7FFFFFFF), RSK_ERROR_NO_MEMORY);
     }
-    EXPECT_EQ(g.words(100), same.words(100));
+    EXPECT_EQ(g.integers(100), same.integers(100));
 }
 
 } // namespace

@@ -54,11 +54,11 @@ words upper_30_bits(words w) {
 TEST(Quasi, EqualsGsl) {
     for (uint32_t d : {1, 2, 3, 7, 10, 12, 13, 16, 31, 32, 40}) {
         const int vectors = 5000, n = vectors * int(d);
-        EXPECT_EQ(upper_30_bits(generator(sobol, {d}).words(n)),
+        EXPECT_EQ(upper_30_bits(generator(sobol, {d}).integers(n)),
                   gsl_vectors(gsl_qrng_sobol, d, vectors))
             << d;
         if (d <= 12) {
-            EXPECT_EQ(upper_30_bits(generator(niederr, {d}).words(n)),
+            EXPECT_EQ(upper_30_bits(generator(niederr, {d}).integers(n)),
                       gsl_vectors(gsl_qrng_niederreiter_2, d, vectors))
                 << d;
         }
@@ -67,21 +67,21 @@ TEST(Quasi, EqualsGsl) {
 
 TEST(Quasi, GivesTheSameSequenceHoweverItIsAskedFor) {
     for (uint32_t d : {1, 3, 10, 40, 64, 100, 318}) {
-        const words all = generator(niederr, {d}).words(9000);
+        const words all = generator(niederr, {d}).integers(9000);
         generator g(niederr, {d});
         words got;
         for (int n : {1, 3, 7, 1, 1, 64, 1000, 2, 333, 80, 4000})
-            append(got, g.words(n));
+            append(got, g.integers(n));
         EXPECT_EQ(got, words(all.begin(), all.begin() + long(got.size()))) << d;
     }
 }
 
 TEST(Quasi, MakesUniformsOfTheSameWords) {
     for (uint32_t d : {1, 10, 33}) {
-        const words w = generator(sobol, {d}).words(2000);
+        const words w = generator(sobol, {d}).integers(2000);
         EXPECT_EQ(generator(sobol, {d}).doubles(2000), test::as_doubles(w, 0, 1));
         EXPECT_EQ(generator(sobol, {d}).doubles(2000, -3, 1e5), test::as_doubles(w, -3, 1e5));
-        EXPECT_EQ(generator(sobol, {d}).floats(2000, 2, 7), test::as_floats(w, 2, 7));
+        EXPECT_EQ(generator(sobol, {d}).singles(2000, 2, 7), test::as_floats(w, 2, 7));
     }
 }
 
@@ -90,7 +90,7 @@ TEST(Quasi, MakesUniformsOfTheSameWords) {
 TEST(Quasi, IsEquidistributedInEveryDimension) {
     constexpr int m = 12, vectors = (1 << m) - 1;
     for (const auto &[id, d] : {std::pair(sobol, 40u), std::pair(niederr, 318u)}) {
-        const words w = generator(int(id), {d}).words(vectors * int(d));
+        const words w = generator(int(id), {d}).integers(vectors * int(d));
         for (uint32_t i = 0; i < d; ++i) {
             const int t = id == sobol ? 0 : iNiederrIrredPolyDeg[i] - 1;
             std::vector<int> count(1 << (m - t));
@@ -122,10 +122,10 @@ TEST(Quasi, ExportsItsTables) {
 }
 
 TEST(Quasi, TakesDimensionOneForWhatItsTablesLack) {
-    const words one = generator(sobol, {1}).words(100);
+    const words one = generator(sobol, {1}).integers(100);
     for (const words &seeds : {words{}, words{0}, words{41}, words{777, 0}, words{~0u}})
-        EXPECT_EQ(generator(sobol, seeds).words(100), one);
-    EXPECT_EQ(generator(niederr, {319}).words(100), generator(niederr, {1}).words(100));
+        EXPECT_EQ(generator(sobol, seeds).integers(100), one);
+    EXPECT_EQ(generator(niederr, {319}).integers(100), generator(niederr, {1}).integers(100));
 }
 
 // The tables once more, as the user's own.
@@ -147,16 +147,16 @@ words own_niederr(uint32_t d, uint32_t first) {
 
 TEST(QuasiOwnTables, GiveWhatTheStandardOnesGive) {
     for (uint32_t first : {2, 9, 40})
-        EXPECT_EQ(generator(sobol, own_sobol(40, first)).words(4000),
-                  generator(sobol, {40}).words(4000));
+        EXPECT_EQ(generator(sobol, own_sobol(40, first)).integers(4000),
+                  generator(sobol, {40}).integers(4000));
     for (uint32_t first : {1, 2, 318})
-        EXPECT_EQ(generator(niederr, own_niederr(318, first)).words(4000),
-                  generator(niederr, {318}).words(4000));
+        EXPECT_EQ(generator(niederr, own_niederr(318, first)).integers(4000),
+                  generator(niederr, {318}).integers(4000));
 }
 
 TEST(QuasiOwnTables, TakeDirectionNumbers) {
     // Vector 2^i is v_i ^ v_(i-1); dimensions 2 and 3 of the table take the place of 1 and 2.
-    const words w = generator(sobol, {3}).words(3 * 1024);
+    const words w = generator(sobol, {3}).integers(3 * 1024);
     words seeds = {2, direction_numbers, 1};
     for (uint32_t dimension : {1, 2}) {
         uint32_t v = 0;
@@ -168,15 +168,15 @@ TEST(QuasiOwnTables, TakeDirectionNumbers) {
     words expected;
     for (size_t i = 0; i < 1023; ++i)
         append(expected, {w[3 * i + 1], w[3 * i + 2]});
-    EXPECT_EQ(generator(sobol, seeds).words(2 * 1023), expected);
-    EXPECT_EQ(generator(niederr, seeds).words(2 * 1023), expected);
+    EXPECT_EQ(generator(sobol, seeds).integers(2 * 1023), expected);
+    EXPECT_EQ(generator(niederr, seeds).integers(2 * 1023), expected);
 }
 
 TEST(QuasiOwnTables, ReachBeyondTheStandardDimensions) {
     // Next in the order of Sobol's polynomials is one of degree 8; any odd m do.
     words seeds = {41, polynomials, 41, 0x171, 1, 1, 5, 11, 7, 33, 101, 203};
-    words w = generator(sobol, seeds).words(41 * 255);
-    EXPECT_EQ(every(w, 39, 41), every(generator(sobol, {40}).words(40 * 255), 39, 40));
+    words w = generator(sobol, seeds).integers(41 * 255);
+    EXPECT_EQ(every(w, 39, 41), every(generator(sobol, {40}).integers(40 * 255), 39, 40));
     words last = every(w, 40, 41);
     for (uint32_t &x : last)
         x >>= 24; // all of 1..255 once
@@ -188,8 +188,8 @@ TEST(QuasiOwnTables, ReachBeyondTheStandardDimensions) {
     for (uint32_t i = 0; i < 2896 * 32; ++i)
         all_room.push_back(0x80000000u >> i % 32);
     generator largest(sobol, all_room);
-    w = largest.words(2896 * 20);
-    EXPECT_EQ(every(w, 0, 2896), generator(sobol, {1}).words(20));
+    w = largest.integers(2896 * 20);
+    EXPECT_EQ(every(w, 0, 2896), generator(sobol, {1}).integers(20));
     EXPECT_EQ(every(w, 2895, 2896), every(w, 0, 2896));
 }
 
@@ -236,10 +236,10 @@ TEST(QuasiOwnTables, AreRefusedWhereTheyAreWrong) {
         generator g(int(c.id), c.seeds);
         EXPECT_EQ(g.status, RSK_ERROR_BAD_ARGS) << c.what;
         words r(10, 77); // the caller has the stream, but nothing can be drawn from it
-        EXPECT_EQ(g.integers(10, r.data()), vox::rng::bad_state) << c.what;
+        EXPECT_EQ(g.fill(r.data(), 10), vox::rng::bad_state) << c.what;
         EXPECT_EQ(r, words(10, 77)) << c.what;
-        EXPECT_EQ(rskSkipAheadStream(g.handle(), 1), RSK_ERROR_NO_SKIPAHEAD);
-        EXPECT_EQ(rskLeapfrogStream(g.handle(), 0, any_stream), RSK_ERROR_NO_LEAPFROG);
+        EXPECT_EQ(rskSkipAheadStream(g.handle, 1), RSK_ERROR_NO_SKIPAHEAD);
+        EXPECT_EQ(rskLeapfrogStream(g.handle, 0, any_stream), RSK_ERROR_NO_LEAPFROG);
     }
 }
 
@@ -264,38 +264,38 @@ TEST(QuasiLeapfrog, SelectsACoordinate) {
         for (uint32_t k : {0u, 1u, d / 2, d - 1}) {
             if (k >= d)
                 continue;
-            const words all = generator(niederr, {d}).words(int(d) * 3000);
+            const words all = generator(niederr, {d}).integers(int(d) * 3000);
             generator g(niederr, {d});
-            g.words(int(3 * d));
-            ASSERT_EQ(rskLeapfrogStream(g.handle(), int(k), any_stream), 0);
+            g.integers(int(3 * d));
+            ASSERT_EQ(rskLeapfrogStream(g.handle, int(k), any_stream), 0);
             words got;
             for (int n : {1, 100, 63, 2000})
-                append(got, g.words(n));
+                append(got, g.integers(n));
             words expected = every(all, 3 * d + k, d);
             expected.resize(got.size());
             EXPECT_EQ(got, expected) << d << " " << k;
-            ASSERT_EQ(rskSkipAheadStream(g.handle(), 7), 0); // counts this stream's numbers
-            EXPECT_EQ(g.words(1)[0], all[(3 + got.size() + 7) * d + k]);
+            ASSERT_EQ(rskSkipAheadStream(g.handle, 7), 0); // counts this stream's numbers
+            EXPECT_EQ(g.integers(1)[0], all[(3 + got.size() + 7) * d + k]);
         }
 }
 
 TEST(QuasiLeapfrog, GoesOnWithTheFirstVectorWhoseCoordinateIsLeft) {
-    const words all = generator(sobol, {5}).words(100);
+    const words all = generator(sobol, {5}).integers(100);
     for (int k = 0; k < 5; ++k) {
         generator g(sobol, {5});
-        g.words(12); // coordinates 0 and 1 of vector 2
-        ASSERT_EQ(rskLeapfrogStream(g.handle(), k, any_stream), 0);
-        EXPECT_EQ(g.words(1)[0], all[size_t(k < 2 ? 15 + k : 10 + k)]) << k;
+        g.integers(12); // coordinates 0 and 1 of vector 2
+        ASSERT_EQ(rskLeapfrogStream(g.handle, k, any_stream), 0);
+        EXPECT_EQ(g.integers(1)[0], all[size_t(k < 2 ? 15 + k : 10 + k)]) << k;
     }
 }
 
 TEST(QuasiLeapfrog, RefusesAnythingElse) {
     generator g(sobol, {5}), same(sobol, {5});
-    EXPECT_EQ(rskLeapfrogStream(g.handle(), 0, 2), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(rskLeapfrogStream(g.handle(), 5, any_stream), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(rskLeapfrogStream(g.handle(), -1, any_stream), RSK_ERROR_NO_LEAPFROG);
+    EXPECT_EQ(rskLeapfrogStream(g.handle, 0, 2), RSK_ERROR_NO_LEAPFROG);
+    EXPECT_EQ(rskLeapfrogStream(g.handle, 5, any_stream), RSK_ERROR_NO_LEAPFROG);
+    EXPECT_EQ(rskLeapfrogStream(g.handle, -1, any_stream), RSK_ERROR_NO_LEAPFROG);
     EXPECT_EQ(g.call(9, 0, {}), RSK_ERROR_UNKNOWN_METHOD);
-    EXPECT_EQ(g.words(99), same.words(99));
+    EXPECT_EQ(g.integers(99), same.integers(99));
 }
 
 TEST(QuasiSkip, EqualsDiscarding) {
@@ -303,57 +303,57 @@ TEST(QuasiSkip, EqualsDiscarding) {
         for (int drawn : {0, 1, 25})
             for (int skipped : {0, 1, 2, 9, 10, 640, 12345}) {
                 generator g(niederr, {d}), discarding(niederr, {d});
-                g.words(drawn);
-                ASSERT_EQ(rskSkipAheadStream(g.handle(), uint64_t(skipped)), 0);
-                discarding.words(drawn + skipped);
-                EXPECT_EQ(g.words(700), discarding.words(700)) << d << " " << skipped;
+                g.integers(drawn);
+                ASSERT_EQ(rskSkipAheadStream(g.handle, uint64_t(skipped)), 0);
+                discarding.integers(drawn + skipped);
+                EXPECT_EQ(g.integers(700), discarding.integers(700)) << d << " " << skipped;
             }
 }
 
 TEST(QuasiSkip, ReachesVectorsFarAway) {
     // Number 2^31 + 2^10 is in Gray code bits 31, 30, 10 and 9; in dimension 1 v_i is 2^(31-i).
     generator g(sobol, {1});
-    ASSERT_EQ(rskSkipAheadStream(g.handle(), (1u << 31) + (1 << 10) - 1), 0);
-    EXPECT_EQ(g.words(1)[0], 0x00600003u);
+    ASSERT_EQ(rskSkipAheadStream(g.handle, (1u << 31) + (1 << 10) - 1), 0);
+    EXPECT_EQ(g.integers(1)[0], 0x00600003u);
 }
 
 TEST(QuasiSkip, StopsBeforeTheEnd) {
     constexpr uint64_t end = quasi_state::all_vectors;
     for (uint32_t d : {1, 3, 10, 100}) {
         generator g(niederr, {d}), same(niederr, {d});
-        g.words(int(2 * d)), same.words(int(2 * d));
+        g.integers(int(2 * d)), same.integers(int(2 * d));
         for (uint64_t count : {(end - 2) * d, (end - 2) * d + 1, ~uint64_t(0)})
-            EXPECT_EQ(rskSkipAheadStream(g.handle(), count), RSK_ERROR_NO_SKIPAHEAD);
+            EXPECT_EQ(rskSkipAheadStream(g.handle, count), RSK_ERROR_NO_SKIPAHEAD);
         EXPECT_EQ(g.call(vox::rng::skip, 0, {1}), RSK_ERROR_NO_SKIPAHEAD);
-        EXPECT_EQ(g.words(300), same.words(300));
+        EXPECT_EQ(g.integers(300), same.integers(300));
 
         // The last vector but two, and no number more than there are.
         generator last(niederr, {d});
-        last.words(1);
-        ASSERT_EQ(rskSkipAheadStream(last.handle(), (end - 1) * d - 1 - 2 * d), 0);
+        last.integers(1);
+        ASSERT_EQ(rskSkipAheadStream(last.handle, (end - 1) * d - 1 - 2 * d), 0);
         words r(3 * d + 1, 77);
-        EXPECT_EQ(last.integers(int(3 * d + 1), r.data()), RSK_ERROR_SEQUENCE_END);
+        EXPECT_EQ(last.fill(r.data(), int(3 * d + 1)), RSK_ERROR_SEQUENCE_END);
         EXPECT_EQ(r, words(3 * d + 1, 77));
-        words got = last.words(1);
-        append(got, last.words(int(3 * d - 1)));
+        words got = last.integers(1);
+        append(got, last.integers(int(3 * d - 1)));
         // 2^32 - 3, - 2 and - 1 are in Gray code bit 31 and bits 1 and 0, bit 0, none.
         EXPECT_EQ(got[0], 0xC0000001u);
         EXPECT_EQ(got[d], 0x80000001u);
         EXPECT_EQ(got[2 * d], 0x00000001u);
-        EXPECT_EQ(last.integers(1, r.data()), RSK_ERROR_SEQUENCE_END);
-        EXPECT_EQ(last.integers(0, r.data()), 0);
+        EXPECT_EQ(last.fill(r.data(), 1), RSK_ERROR_SEQUENCE_END);
+        EXPECT_EQ(last.fill(r.data(), 0), 0);
         EXPECT_EQ(last.call(vox::rng::validate, 0, {}), 0);
     }
 }
 
 TEST(QuasiState, IsCheckedAndItsRowMadeAgain) {
     generator g(niederr, {10}), same(niederr, {10});
-    g.words(33), same.words(33);
+    g.integers(33), same.integers(33);
     auto &state = g.object()->state<quasi_state>();
     const quasi_state saved = state;
     state.row()[5] ^= 1;
     EXPECT_EQ(g.call(vox::rng::validate, 0, {}), 0);
-    EXPECT_EQ(g.words(99), same.words(99));
+    EXPECT_EQ(g.integers(99), same.integers(99));
     const auto broken = [&](auto change) {
         state = saved;
         change();
@@ -375,15 +375,15 @@ TEST(QuasiState, GoesAlongWithCopiesAndSavedStreams) {
         words expected;
         {
             generator g(niederr, seeds);
-            g.words(33);
-            ASSERT_EQ(rskCopyStream(&copy, g.handle()), 0);
-            ASSERT_EQ(rskCopyStreamState(other.handle(), g.handle()), 0);
-            std::vector<char> saved(size_t(rskGetStreamSize(g.handle())));
-            ASSERT_EQ(rskSaveStreamM(g.handle(), saved.data()), 0);
+            g.integers(33);
+            ASSERT_EQ(rskCopyStream(&copy, g.handle), 0);
+            ASSERT_EQ(rskCopyStreamState(other.handle, g.handle), 0);
+            std::vector<char> saved(size_t(rskGetStreamSize(g.handle)));
+            ASSERT_EQ(rskSaveStreamM(g.handle, saved.data()), 0);
             ASSERT_EQ(rskLoadStreamM(&loaded, saved.data()), 0);
-            expected = g.words(500);
+            expected = g.integers(500);
         } // the others keep the rows
-        EXPECT_EQ(other.words(500), expected);
+        EXPECT_EQ(other.integers(500), expected);
         for (rskStream s : {copy, loaded}) {
             words r(500);
             EXPECT_EQ(

@@ -6,7 +6,7 @@
 
 #include "serv/kernel_sets.hpp"
 #include "tests/rng/csv.hpp"
-#include "tests/rng/outputs.hpp"
+#include "tests/rng/generator.hpp"
 #include "tests/support/guarded.hpp"
 
 namespace {
