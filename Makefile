@@ -18,8 +18,8 @@ CMAKE_ARGS ?=
 # Run by `make run` and `make bench`, in this order: <folder>/<CMake target>, in RUN with :<argument>.
 RUN := examples/regression examples/solve:examples/data/poisson.mtx examples/solve:examples/data/spiral.mtx \
        tools/vox-info
-BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives bench/serv/bench_startup \
-         bench/serv/bench_pool
+BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives \
+         bench/rng/random_peers bench/serv/bench_startup bench/serv/bench_pool
 
 RELEASE := cmake --build build -j $(JOBS)
 SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -name '*.[ch]pp' -print)
