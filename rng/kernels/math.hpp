@@ -58,8 +58,11 @@ inline vec<T> entries(const T *table, bits index) {
     return V(_mm512_permutex2var_pd(__m512d(simd::load(table)), __m512i(index),
                                     __m512d(simd::load(table + 8))));
 #else
+    uint64_t at[simd::lanes<T>]; // loads are cheaper than extractions, and than a gather
+    simd::store(at, index & 15);
+    simd::in_memory(at);
     vec<T> x{};
-    simd::unroll<simd::lanes<T>>([&](auto i) { x[int(i)] = table[index[int(i)] & 15]; });
+    simd::unroll<simd::lanes<T>>([&](auto i) { x[int(i)] = table[at[int(i)]]; });
     return x;
 #endif
 }
@@ -201,15 +204,15 @@ struct ends {
     int32_t place[Most + 16];
     double value[Most + 16];
 
-    // From a vector whose lane 0 is the place first. Writes up to 64 bytes.
-    void append(doubles u, int first) {
-        const doubles y = simd::abs(2.0 * (u - 0.5));
+    // From a vector at u, whose lane 0 is the place first. Writes up to 64 bytes.
+    void append(const double *u, int first) {
+        const doubles x = simd::load(u), y = simd::abs(2.0 * (x - 0.5));
 #if defined(__AVX512F__)
         const __mmask8 far = _mm512_cmp_pd_mask(y, doubles{} + middle, _CMP_GT_OQ);
         using places = vec<int32_t>;
         constexpr places lane = {0, 1, 2, 3, 4, 5, 6, 7};
         simd::store(place + n, places(_mm512_maskz_compress_epi32(far, __m512i(lane))) + first);
-        simd::store(value + n, doubles(_mm512_maskz_compress_pd(far, u)));
+        simd::store(value + n, doubles(_mm512_maskz_compress_pd(far, x)));
         n += __builtin_popcount(far);
 #else
         for (int i = 0; i < simd::lanes<double>; ++i) {
@@ -229,8 +232,8 @@ inline void normal_inverse(int n, const double *u, double *z) {
     ends<Most> far;
     for (int i = 0; i < n; i += lanes) {
         const doubles x = simd::load(u + i);
+        far.append(u + i, i);
         simd::store(z + i, normal_inverse_middle(x));
-        far.append(x, i);
     }
     simd::store(far.value + far.n, doubles{} + 0.5);
     for (int i = 0; i < far.n; i += lanes)
