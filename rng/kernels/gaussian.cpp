@@ -22,29 +22,43 @@ inline void join(doubles even, doubles odd, doubles &a, doubles &b,
 }
 constexpr auto places = std::make_integer_sequence<int, lanes>();
 
-// For a pair of uniforms, radius(first) times sine and cosine of so many turns as the second says.
-inline doubles radius(doubles u) { return math::sqrt(2.0 * math::minus_log_of_rest(u)); }
+// For a pair of uniforms, sqrt(-2 ln(1 - first)) times sine and cosine of so many turns as the second says.
+// The root of 2 is with these.
 inline doubles sine(doubles u) { // x, 1/2 - x or x - 1, whichever is within a quarter of 0
-    return math::sin_of_turns(math::larger(math::smaller(u, 0.5 - u), u - 1.0));
+    return math::root2_sin_of_turns(math::larger(math::smaller(u, 0.5 - u), u - 1.0));
 }
-inline doubles cosine(doubles u) { return math::sin_of_turns(math::larger(0.25 - u, u - 0.75)); }
+inline doubles cosine(doubles u) {
+    return math::root2_sin_of_turns(math::larger(0.25 - u, u - 0.75));
+}
+
+// Z variates of every pair: transform(length, turns, z). The logarithms of a whole block come first, since one
+// loop for all is too long a chain for the processor to look ahead to the next round.
+template <int Z, class R, class Transform>
+inline int box_muller(stream *s, int n, R *r, const Transform &transform) {
+    return in_blocks<2, Z>(s, n, r, [&](double *u, int m, R *to) VOX_INLINED {
+        for (int i = 0; i < (m + Z - 1) / Z * 2; i += 2 * lanes) {
+            doubles first, second;
+            part(simd::load(u + i), simd::load(u + i + lanes), first, second, places);
+            simd::store(u + i, math::minus_log_of_rest(first));
+            simd::store(u + i + lanes, second);
+        }
+        transform_block<2, Z>(u, m, to, [&](const auto &in, auto &z) VOX_INLINED {
+            transform(math::sqrt(in[0]), in[1], z);
+        });
+    });
+}
 
 // Arithmetic in double precision, whatever the result is.
 template <class R>
 int gaussian(int method, stream *s, int n, R *r, double a, double sigma) {
     switch (method) {
     case RSK_GAUSSIAN_BOXMULLER:
-        return draw<2, 1>(s, n, r, [&](const auto &u, auto &z) VOX_INLINED {
-            doubles first, second;
-            part(u[0], u[1], first, second, places);
-            z[0] = a + sigma * (radius(first) * sine(second));
+        return box_muller<1>(s, n, r, [&](doubles length, doubles turns, auto &z) VOX_INLINED {
+            z[0] = a + sigma * (length * sine(turns));
         });
     case RSK_GAUSSIAN_BOXMULLER2:
-        return draw<2, 2>(s, n, r, [&](const auto &u, auto &z) VOX_INLINED {
-            doubles first, second;
-            part(u[0], u[1], first, second, places);
-            const doubles length = radius(first);
-            join(a + sigma * (length * sine(second)), a + sigma * (length * cosine(second)), z[0],
+        return box_muller<2>(s, n, r, [&](doubles length, doubles turns, auto &z) VOX_INLINED {
+            join(a + sigma * (length * sine(turns)), a + sigma * (length * cosine(turns)), z[0],
                  z[1], places);
         });
     default:

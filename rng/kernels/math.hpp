@@ -5,6 +5,9 @@
 // exact function.
 #pragma once
 
+#include <array>
+#include <bit>
+
 #include "serv/simd.hpp"
 
 namespace {
@@ -47,43 +50,106 @@ inline doubles floor(doubles x) {
     return nearest > x ? nearest - 1 : nearest;
 }
 
-// -ln x of a normal x > 0, within 1 ulp: x = 2^k (1 + f) with 1 + f between the roots of 1/2 and 2, and
-// ln(1 + f) = 2 artanh(s), s = f / (2 + f), taken as f less a small correction.
-struct logarithm {
-    doubles k, f;
-
-    explicit logarithm(doubles x) {
-        constexpr uint64_t one = 0x3FF0000000000000, root_of_half = 0x3FE6A09E667F3BCD;
-        const bits shifted = bits(x) + (one - root_of_half);
-        k = doubles((shifted >> 52) | (bits{} + 0x4330000000000000u)) - (0x1p52 + 1023);
-        f = doubles((shifted & 0x000FFFFFFFFFFFFFu) + root_of_half) - 1.0;
-    }
-    doubles negative() const {
-        constexpr double series[] = {0.666666666666667,   0.3999999999989889, 0.28571428626253836,
-                                     0.22222211089379496, 0.1818289243253687, 0.15331611722055008,
-                                     0.14617807153417325};
-        constexpr double ln2_high = 0x1.62e42feep-1; // k ln2_high is exact
-        constexpr double ln2_low = 0x1.a39ef35793c76p-33;
-        const doubles s = f / (2.0 + f), z = s * s;
-        const doubles half_square = 0.5 * f * f;
-        const doubles correction = s * (half_square + z * polynomial(z, series)) + k * ln2_low;
-        return ((half_square - correction) - f) - k * ln2_high;
-    }
-};
-inline doubles minus_log(doubles x) { return logarithm(x).negative(); }
-
-// -ln(1 - u) for 0 <= u < 1, within 3 ulp. Where u is small it is f itself, with bits that 1 - u has no room for.
-inline doubles minus_log_of_rest(doubles u) {
-    logarithm l(1.0 - u);
-    l.f = u < 0.25 ? -u : l.f;
-    return l.negative();
+// The entries of a table of 16 at the indices, of which the low four bits count.
+template <class T>
+inline vec<T> entries(const T *table, bits index) {
+#if defined(__AVX512F__)
+    using V = vec<T>;
+    return V(_mm512_permutex2var_pd(__m512d(simd::load(table)), __m512i(index),
+                                    __m512d(simd::load(table + 8))));
+#else
+    uint64_t at[simd::lanes<T>]; // loads are cheaper than extractions, and than a gather
+    simd::store(at, index & 15);
+    simd::in_memory(at);
+    vec<T> x{};
+    simd::unroll<simd::lanes<T>>([&](auto i) { x[int(i)] = table[at[int(i)]]; });
+    return x;
+#endif
 }
 
-// sin(2 pi x) for |x| <= 1/4, within 2 ulp.
-inline doubles sin_of_turns(doubles x) {
-    constexpr double series[] = {6.283185307179586,  -41.341702240399755, 81.60524927607362,
-                                 -76.70585975282492, 42.058693925428685,  -15.0946416761179,
-                                 3.8199280942271643, -0.7177337921413454, 0.10089695501646812};
+// a b + c where a b is exact.
+inline doubles exact_fma(doubles a, double b, doubles c) {
+#if defined(__AVX512F__)
+    return _mm512_fmadd_pd(a, doubles{} + b, c);
+#else
+    return a * b + c;
+#endif
+}
+
+// k of a normal 2^k d > 0, 1 <= d < 2.
+inline doubles exponent_of(doubles x) {
+#if defined(__AVX512F__)
+    return _mm512_maskz_getexp_pd(0xFF, x); // gcc warns about the plain one
+#else
+    return doubles((bits(x) >> 52) | (bits{} + 0x4330000000000000u)) - (0x1p52 + 1023);
+#endif
+}
+
+// -ln(c + f) for a c that nearest_short gave and the small f to where it came from: with c = 2^k d and d
+// between 22/32 and 43/32, -k ln 2 - ln d - ln(1 + f / c). No division, and f / c is within 1/32.
+inline doubles nearest_short(doubles x) { // five bits
+    return doubles((bits(x) + (uint64_t(1) << 47)) & ~((uint64_t(1) << 48) - 1));
+}
+inline doubles minus_log(doubles c, doubles f) {
+    constexpr uint64_t one = 0x3FF0000000000000, least_d = 0x3FE6000000000000;
+    // 1 / c of c = 1 + i/16, such that it becomes that of any c when the bits of c are taken from it.
+    alignas(64) static constexpr auto inverse = [] {
+        std::array<uint64_t, 16> table{};
+        for (uint64_t i = 0; i < 16; ++i)
+            table[i] = std::bit_cast<uint64_t>(1 / (1 + double(i) / 16)) + one + (i << 48);
+        return table;
+    }();
+    alignas(64) static constexpr double minus_log_d[16] = {0.0,
+                                                           -0.06062462181643484,
+                                                           -0.11778303565638346,
+                                                           -0.17185025692665923,
+                                                           -0.22314355131420976,
+                                                           -0.27193371548364176,
+                                                           0.3746934494414107,
+                                                           0.33024168687057687,
+                                                           0.2876820724517809,
+                                                           0.24686007793152578,
+                                                           0.2076393647782445,
+                                                           0.16989903679539747,
+                                                           0.13353139262452263,
+                                                           0.09844007281325252,
+                                                           0.06453852113757118,
+                                                           0.0317486983145803};
+    constexpr double series[] = {0.5,
+                                 -0.3333333333333327,
+                                 0.2500000000233204,
+                                 -0.20000000002120089,
+                                 0.1666665472825626,
+                                 -0.14285703432369223,
+                                 0.1251955312667663,
+                                 -0.11128886987006753};
+    constexpr double ln2_high = 0x1.62e42feep-1; // k ln2_high is exact
+    constexpr double ln2_low = 0x1.a39ef35793c76p-33;
+    const bits index = bits(c) >> 48;
+    const doubles k = exponent_of(doubles(bits(c) + (one - least_d)));
+    const doubles r = f * doubles(entries(inverse.data(), index) - bits(c));
+    return exact_fma(k, -ln2_high, entries(minus_log_d, index)) -
+           (r - (r * r * polynomial(r, series) - k * ln2_low));
+}
+
+// -ln x of a normal x > 0, within 2 ulp.
+inline doubles minus_log(doubles x) {
+    const doubles c = nearest_short(x);
+    return minus_log(c, x - c);
+}
+
+// -ln(1 - u) for 0 <= u < 1, within 2 ulp, also where u has bits that 1 - u has no room for: both differences
+// after the first are exact.
+inline doubles minus_log_of_rest(doubles u) {
+    const doubles c = nearest_short(1.0 - u);
+    return minus_log(c, (1.0 - c) - u);
+}
+
+// sqrt(2) sin(2 pi x) for |x| <= 1/4, within 2 ulp.
+inline doubles root2_sin_of_turns(doubles x) {
+    constexpr double series[] = {8.885765876316732,   -58.4659959999635,   115.4072502870605,
+                                 -108.47846717593355, 59.47997536504015,   -21.34704697752808,
+                                 5.402194118146066,   -1.0150288630197626, 0.1426898421864373};
     return x * polynomial(x * x, series);
 }
 
@@ -131,47 +197,49 @@ inline doubles normal_inverse_ends(doubles u) {
     return u < 0.5 ? -z : z;
 }
 
-// Appends the places of lanes where |2 u - 1| > 0.9 to a list, first being that of lane 0, and returns their
-// number. Writes up to 64 bytes.
-inline int list_ends(doubles u, int first, int32_t *list) {
-    const doubles y = simd::abs(2.0 * (u - 0.5));
-#if defined(__AVX512F__)
-    const __mmask8 ends = _mm512_cmp_pd_mask(y, doubles{} + middle, _CMP_GT_OQ);
-    using places = vec<int32_t>;
-    constexpr places lane = {0, 1, 2, 3, 4, 5, 6, 7};
-    simd::store(list, places(_mm512_maskz_compress_epi32(ends, __m512i(lane))) + first);
-    return __builtin_popcount(ends);
-#else
+// Where |2 u - 1| > 0.9: their places in the request, and what stands there.
+template <int Most>
+struct ends {
     int n = 0;
-    for (int i = 0; i < simd::lanes<double>; ++i) {
-        list[n] = first + i;
-        n += y[i] > middle;
-    }
-    return n;
+    int32_t place[Most + 16];
+    double value[Most + 16];
+
+    // From a vector at u, whose lane 0 is the place first. Writes up to 64 bytes.
+    void append(const double *u, int first) {
+        const doubles x = simd::load(u), y = simd::abs(2.0 * (x - 0.5));
+#if defined(__AVX512F__)
+        const __mmask8 far = _mm512_cmp_pd_mask(y, doubles{} + middle, _CMP_GT_OQ);
+        using places = vec<int32_t>;
+        constexpr places lane = {0, 1, 2, 3, 4, 5, 6, 7};
+        simd::store(place + n, places(_mm512_maskz_compress_epi32(far, __m512i(lane))) + first);
+        simd::store(value + n, doubles(_mm512_maskz_compress_pd(far, x)));
+        n += __builtin_popcount(far);
+#else
+        for (int i = 0; i < simd::lanes<double>; ++i) {
+            place[n] = first + i;
+            value[n] = u[i];
+            n += y[i] > middle;
+        }
 #endif
-}
+    }
+};
 
 // z[i] with the distribution function u[i], 0 <= u < 1, within 6 ulp. n is a multiple of the lanes, at most
 // Most.
 template <int Most>
 inline void normal_inverse(int n, const double *u, double *z) {
     constexpr int lanes = simd::lanes<double>;
-    int32_t list[Most + 16];
-    int listed = 0;
+    ends<Most> far;
     for (int i = 0; i < n; i += lanes) {
         const doubles x = simd::load(u + i);
+        far.append(u + i, i);
         simd::store(z + i, normal_inverse_middle(x));
-        listed += list_ends(x, i, list + listed);
     }
-    for (int i = 0; i < listed; i += lanes) {
-        doubles x = doubles{} + 0.5;
-        const int here = listed - i < lanes ? listed - i : lanes;
-        for (int k = 0; k < here; ++k)
-            x[k] = u[list[i + k]];
-        x = normal_inverse_ends(x);
-        for (int k = 0; k < here; ++k)
-            z[list[i + k]] = x[k];
-    }
+    simd::store(far.value + far.n, doubles{} + 0.5);
+    for (int i = 0; i < far.n; i += lanes)
+        simd::store(far.value + i, normal_inverse_ends(simd::load(far.value + i)));
+    for (int i = 0; i < far.n; ++i)
+        z[far.place[i]] = far.value[i];
 }
 
 } // namespace math
