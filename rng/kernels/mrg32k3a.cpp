@@ -231,8 +231,8 @@ struct kind {
 template <class Out>
 int generate(parameters &state, index_t n, Out out) {
     index_t i = 0;
-    for (; n - i >= width * 128; i += width * 128)
-        give<128>(state, vox::rng::mrg32k3a_jumps_of_128, width, out.at(i));
+    for (; n - i >= width * 256; i += width * 256)
+        give<256>(state, vox::rng::mrg32k3a_jumps_of_256, width, out.at(i));
     for (; n - i >= width * 32; i += width * 32)
         give<32>(state, vox::rng::mrg32k3a_jumps_of_32, width, out.at(i));
     while (n - i >= 8) {
