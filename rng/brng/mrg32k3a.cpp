@@ -76,7 +76,7 @@ void seed_component(uint32_t (&v)[3], uint32_t m, int first, int n, const uint32
 
 constinit const vox::rng::mrg32k3a_jumps vox::rng::mrg32k3a_jumps_of_8 = jumps_of(8);
 constinit const vox::rng::mrg32k3a_jumps vox::rng::mrg32k3a_jumps_of_32 = jumps_of(32);
-constinit const vox::rng::mrg32k3a_jumps vox::rng::mrg32k3a_jumps_of_128 = jumps_of(128);
+constinit const vox::rng::mrg32k3a_jumps vox::rng::mrg32k3a_jumps_of_256 = jumps_of(256);
 
 extern "C" int vox_rng_mrg32k3a_init(int method, vox::rng::stream *s, int n,
                                      const uint32_t *params) {

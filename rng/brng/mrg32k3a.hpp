@@ -27,7 +27,7 @@ struct mrg32k3a_jumps {
     float upper[2][3][3][multiples], lower[2][3][3][multiples];
 };
 
-// Distances of 8, 32 and 128.
-extern const mrg32k3a_jumps mrg32k3a_jumps_of_8, mrg32k3a_jumps_of_32, mrg32k3a_jumps_of_128;
+// Distances of 8, 32 and 256.
+extern const mrg32k3a_jumps mrg32k3a_jumps_of_8, mrg32k3a_jumps_of_32, mrg32k3a_jumps_of_256;
 
 } // namespace vox::rng

@@ -39,8 +39,7 @@ struct modulo {
     // r + M if r is below 0.
     static row positive(row r) {
 #if defined(__AVX512F__) // comparisons would compete with products
-        using bits = typename simd::vec_of<int64_t, sizeof(row)>::type;
-        return r + row((bits(r) >> 63) & bits(row() + double(M)));
+        return row(_mm512_maskz_min_epu64(0xFF, __m512i(r), __m512i(r + double(M))));
 #else
         return r < 0 ? r + double(M) : r;
 #endif
@@ -98,50 +97,47 @@ inline void spread(const float (&upper)[3][3][jumps::multiples],
         }
 }
 
-// A square of numbers, its rows made columns.
-inline void transpose(row (&r)[row_lanes]) {
-    row t[row_lanes];
+// The left (Half 0) or right half of the columns of a square of numbers, each as a row. The square lies in memory,
+// so that halves of rows are put together by loads.
+template <int Half, class Store>
+inline void columns(const row (&z)[row_lanes], Store store) {
+    constexpr int first = Half * row_lanes / 2;
+#if defined(__AVX__)
+    const auto join = [&](int i, int j) {
+        const double *const p = reinterpret_cast<const double *>(z) + first;
+        const auto a = simd::load<sizeof(row) / 2>(p + i * row_lanes);
+        const auto b = simd::load<sizeof(row) / 2>(p + j * row_lanes);
 #if defined(__AVX512F__)
-    simd::unroll<4>([&](auto i) VOX_INLINED {
-        const row a = r[2 * i], b = r[2 * i + 1];
-        t[2 * i] = __builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14);
-        t[2 * i + 1] = __builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15);
-    });
-    simd::unroll<2>([&](auto i) VOX_INLINED {
-        const auto lower = [](row a, row b) {
-            return row(__builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11));
-        };
-        const auto upper = [](row a, row b) {
-            return row(__builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15));
-        };
-        const auto even = [](row a, row b) {
-            return row(__builtin_shufflevector(a, b, 0, 1, 4, 5, 8, 9, 12, 13));
-        };
-        const auto odd = [](row a, row b) {
-            return row(__builtin_shufflevector(a, b, 2, 3, 6, 7, 10, 11, 14, 15));
-        };
-        const row a = lower(t[i], t[2 + i]), b = lower(t[4 + i], t[6 + i]);
-        const row c = upper(t[i], t[2 + i]), d = upper(t[4 + i], t[6 + i]);
-        r[i] = even(a, b);
-        r[2 + i] = odd(a, b);
-        r[4 + i] = even(c, d);
-        r[6 + i] = odd(c, d);
-    });
-#elif defined(__AVX__)
-    simd::unroll<2>([&](auto i) VOX_INLINED {
-        const row a = r[2 * i], b = r[2 * i + 1];
-        t[2 * i] = __builtin_shufflevector(a, b, 0, 4, 2, 6);
-        t[2 * i + 1] = __builtin_shufflevector(a, b, 1, 5, 3, 7);
-    });
-    simd::unroll<2>([&](auto i) VOX_INLINED {
-        r[i] = __builtin_shufflevector(t[i], t[2 + i], 0, 1, 4, 5);
-        r[2 + i] = __builtin_shufflevector(t[i], t[2 + i], 2, 3, 6, 7);
-    });
+        return row(__builtin_shufflevector(a, b, 0, 1, 2, 3, 4, 5, 6, 7));
 #else
-    t[0] = __builtin_shufflevector(r[0], r[1], 0, 2);
-    t[1] = __builtin_shufflevector(r[0], r[1], 1, 3);
-    r[0] = t[0];
-    r[1] = t[1];
+        return row(__builtin_shufflevector(a, b, 0, 1, 2, 3));
+#endif
+    };
+#endif
+#if defined(__AVX512F__)
+    const auto even = [](row a, row b) {
+        return row(__builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14));
+    };
+    const auto odd = [](row a, row b) {
+        return row(__builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15));
+    };
+    const auto even_pairs = [](row a, row b) {
+        return row(__builtin_shufflevector(a, b, 0, 1, 4, 5, 8, 9, 12, 13));
+    };
+    const auto odd_pairs = [](row a, row b) {
+        return row(__builtin_shufflevector(a, b, 2, 3, 6, 7, 10, 11, 14, 15));
+    };
+    const row a = join(0, 2), b = join(1, 3), c = join(4, 6), d = join(5, 7);
+    store(simd::constant<first>(), even_pairs(even(a, b), even(c, d)));
+    store(simd::constant<first + 1>(), even_pairs(odd(a, b), odd(c, d)));
+    store(simd::constant<first + 2>(), odd_pairs(even(a, b), even(c, d)));
+    store(simd::constant<first + 3>(), odd_pairs(odd(a, b), odd(c, d)));
+#elif defined(__AVX__)
+    const row a = join(0, 2), b = join(1, 3);
+    store(simd::constant<first>(), row(__builtin_shufflevector(a, b, 0, 4, 2, 6)));
+    store(simd::constant<first + 1>(), row(__builtin_shufflevector(a, b, 1, 5, 3, 7)));
+#else
+    store(simd::constant<first>(), row{z[0][first], z[1][first]});
 #endif
 }
 
@@ -159,20 +155,38 @@ inline void give(parameters &state, const jumps &distance, int lanes, Out out) {
     };
     if (lanes < width)
         keep(lanes);
-    for (int i = 0; i < Length; i += row_lanes) {
-        row z[rows][row_lanes]; // in memory: registers are for the state
-        simd::unroll<row_lanes>([&](auto j) VOX_INLINED {
-            s.step([&](auto v, row value) VOX_INLINED { z[v][j] = value; });
+
+    // Squares of numbers, one for each row of the state. Steps to the next ones and output of the last ones take
+    // turns, because steps wait for one another.
+    using squares = row[rows][row_lanes];
+    squares both[2];
+    const auto make = [&](squares &z, auto j) VOX_INLINED {
+        s.step([&](auto v, row value) VOX_INLINED { z[v][j] = value; });
+    };
+    const auto put = [&](const squares &z, auto half, int at) VOX_INLINED {
+        constexpr int v = half / 2;
+        columns<half % 2>(z[v], [&](auto lane, row value) VOX_INLINED {
+            if (v * row_lanes + lane < lanes)
+                out.at((v * row_lanes + lane) * Length + at).put(value);
         });
-        simd::in_memory(z);
-        simd::unroll<rows>([&](auto v) VOX_INLINED {
-            transpose(z[v]);
-            simd::unroll<row_lanes>([&](auto lane) VOX_INLINED {
-                if (v * row_lanes + lane < lanes)
-                    out.at((v * row_lanes + lane) * Length + i).put(z[v][lane]);
+    };
+    simd::unroll<row_lanes>([&](auto j) VOX_INLINED { make(both[0], j); });
+    simd::in_memory(both[0]);
+    for (int i = row_lanes; i < Length; i += row_lanes) {
+        squares &last = both[i / row_lanes % 2 ^ 1], &next = both[i / row_lanes % 2];
+        constexpr int halves = 2 * rows;
+        simd::unroll<row_lanes>([&](auto j) VOX_INLINED {
+            make(next, j);
+            simd::unroll<halves>([&](auto half) VOX_INLINED {
+                if constexpr (half * row_lanes / halves == j)
+                    put(last, half, i - row_lanes);
             });
         });
+        simd::in_memory(next);
     }
+    simd::unroll<2 * rows>([&](auto half) VOX_INLINED {
+        put(both[Length / row_lanes % 2 ^ 1], half, Length - row_lanes);
+    });
     if (lanes == width)
         keep(width - 1);
 }
@@ -192,6 +206,7 @@ inline double step(parameters &s) {
 
 struct kind {
     using word_type = uint32_t;
+    static constexpr bool unit_apart = true;
     static auto words_of(row z) {
         using integers = typename simd::vec_of<uint64_t, sizeof(row)>::type;
         using half = typename simd::vec_of<uint32_t, sizeof(row) / 2>::type;
@@ -216,8 +231,8 @@ struct kind {
 template <class Out>
 int generate(parameters &state, index_t n, Out out) {
     index_t i = 0;
-    for (; n - i >= width * 128; i += width * 128)
-        give<128>(state, vox::rng::mrg32k3a_jumps_of_128, width, out.at(i));
+    for (; n - i >= width * 256; i += width * 256)
+        give<256>(state, vox::rng::mrg32k3a_jumps_of_256, width, out.at(i));
     for (; n - i >= width * 32; i += width * 32)
         give<32>(state, vox::rng::mrg32k3a_jumps_of_32, width, out.at(i));
     while (n - i >= 8) {

@@ -12,7 +12,8 @@
 // lanes in order. VOX_BRNG_KERNELS makes the three routines from them.
 //
 // A kind may leave a power of two to uniforms: with scale(T()), u is what unit gives times that. It is then
-// multiplied into b - a beforehand, which is exact unless |b - a| is next to nothing (2^-990).
+// multiplied into b - a beforehand, which is exact unless |b - a| is next to nothing (2^-990). A kind that is bound
+// by arithmetic says unit_apart: doubles in [0, 1) are then u as it is, which a + (b - a) u would be as well.
 //
 // Results must be the same in all kernel sets, so kernels are compiled without contraction of products and
 // sums, and what is rounded is rounded once in each of them: u is exact or one rounding, then a + (b - a) u
@@ -79,7 +80,12 @@ struct integers {
     integers at(index_t i) const { return {r + i}; }
 };
 
-template <class Kind, class T>
+template <class Kind>
+constexpr bool unit_apart = requires {
+    Kind::unit_apart;
+};
+
+template <class Kind, class T, bool IsUnit = false>
 struct uniforms {
     T *r;
     T a, width;
@@ -94,7 +100,10 @@ struct uniforms {
     template <class V>
     void put(V v) {
         Kind::unit(v, T(), [&](auto u) {
-            simd::store(r, a + width * u);
+            if constexpr (IsUnit)
+                simd::store(r, u);
+            else
+                simd::store(r, a + width * u);
             r += sizeof(u) / sizeof(T);
         });
     }
@@ -180,5 +189,9 @@ struct bits32 {
         return generate(s->state<State>(), n, output::uniforms<Kind, float>::between(r, a, b));    \
     }                                                                                              \
     VOX_BRNG_ROUTINE(name##_d)(vox::rng::stream * s, int n, double *r, double a, double b) {       \
+        if constexpr (output::unit_apart<Kind>)                                                    \
+            if (a == 0 && b == 1)                                                                  \
+                return generate(s->state<State>(), n,                                              \
+                                output::uniforms<Kind, double, true>::between(r, a, b));           \
         return generate(s->state<State>(), n, output::uniforms<Kind, double>::between(r, a, b));   \
     }

@@ -71,6 +71,7 @@ struct ring {
 
 struct kind {
     using word_type = number;
+    static constexpr bool unit_apart = true;
     template <class Store>
     static void word(const value_type &v, Store store) {
         struct {
