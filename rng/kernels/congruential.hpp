@@ -14,6 +14,18 @@
 
 namespace {
 
+// All but the products of a ring whose numbers are 64-bit words.
+struct ring_of_longs {
+    using element = uint64_t;
+    using vector = output::longs;
+    static constexpr int lanes = sizeof(vector) / 8, vectors = 4;
+
+    static vector load(const element *p) { return simd::load<sizeof(vector)>(p); }
+    static void store(element *p, vector v) { simd::store(p, v); }
+    static vector broadcast(element x) { return simd::broadcast<sizeof(vector)>(x); }
+    static vector value(vector v) { return v; }
+};
+
 template <class Ring, class Out>
 inline int congruential(Ring ring, typename Ring::element &x, const typename Ring::element &a,
                         vox::index_t n, Out out) {

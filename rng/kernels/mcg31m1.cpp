@@ -30,19 +30,11 @@ inline longs fold_sum(longs x) {
 #endif
 }
 
-struct ring {
-    using element = uint64_t;
-    using vector = longs;
-    static constexpr int lanes = sizeof(longs) / 8, vectors = 4;
-
+struct ring : ring_of_longs {
     static element multiply(element x, element y) { return fold(fold(x * y)); }
     static vector multiply(vector x, vector y) {
         return fold_sum(fold(arithmetic::multiply_halves(x, y)));
     }
-    static vector load(const element *p) { return simd::load<sizeof(vector)>(p); }
-    static void store(element *p, vector v) { simd::store(p, v); }
-    static vector broadcast(element x) { return simd::broadcast<sizeof(vector)>(x); }
-    static vector value(vector v) { return v; }
 };
 
 struct kind {

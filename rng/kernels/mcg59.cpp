@@ -11,11 +11,7 @@ namespace {
 using namespace output;
 using vox::rng::mcg59_state;
 
-struct ring {
-    using element = uint64_t;
-    using vector = longs;
-    static constexpr int lanes = sizeof(longs) / 8, vectors = 4;
-
+struct ring : ring_of_longs {
     static element multiply(element x, element y) { return x * y; }
     static vector multiply(vector x, vector y) {
 #if defined(__AVX512DQ__)
@@ -26,10 +22,6 @@ struct ring {
         return arithmetic::multiply_halves(x, y) + (cross << 32);
 #endif
     }
-    static vector load(const element *p) { return simd::load<sizeof(vector)>(p); }
-    static void store(element *p, vector v) { simd::store(p, v); }
-    static vector broadcast(element x) { return simd::broadcast<sizeof(vector)>(x); }
-    static vector value(vector v) { return v; }
 };
 
 // u has the upper 53 bits, or 24.
