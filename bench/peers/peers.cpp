@@ -61,9 +61,11 @@ void *open_copy(const char *file) {
     if (descriptor < 0)
         fail("cannot create " + copy);
     close(descriptor);
-    fs::copy_file(file, copy, fs::copy_options::overwrite_existing);
-    void *const handle = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
-    const std::string error = handle ? "" : dlerror();
+    std::error_code failed;
+    fs::copy_file(file, copy, fs::copy_options::overwrite_existing, failed);
+    void *const handle =
+        failed ? nullptr : dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+    const std::string error = handle ? "" : failed ? file + (": " + failed.message()) : dlerror();
     fs::remove(copy);
     if (!handle)
         fail(error);
