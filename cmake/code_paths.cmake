@@ -1,13 +1,16 @@
 # The code paths, lowest first: the one list from which kernels, dispatch tables and tests are made.
 #
 # A row is: name | compiler flags | /proc/cpuinfo words that its code needs, and for a step between two code
-# paths, which only the families have that choose by kernel set (serv/kernel_sets.hpp): | set.
-# cnr_def is def's copy for reproducible results, so it stands beside def and is no processor type.
+# paths, which only the families have that choose by kernel set (serv/kernel_sets.hpp): | set. Instead of flags,
+# "as above" says that a row's kernels would be those of the row above, byte for byte, and are these.
+#
+# cnr_def stands beside def for reproducible results and is no processor type. Only fused multiplications and
+# additions could tell the two apart, of which SSE2 has none.
 set(_vox_avx2_flags "-mavx2 -mfma -mbmi -mbmi2 -mlzcnt -mpclmul")
 set(_vox_avx2_words "avx2 fma bmi1 bmi2 abm pclmulqdq")
 set(VOX_CODE_PATH_TABLE
   "def        | -msse2                                                                    | sse2"
-  "cnr_def    | -msse2 -ffp-contract=off                                                  | sse2"
+  "cnr_def    | as above                                                                  | sse2"
   "ssse3      | -mssse3                                                                   | ssse3"
   "sse41      | -msse4.1                                                                  | sse4_1 | set"
   "sse42      | -msse4.2 -mpopcnt                                                         | sse4_2 popcnt"
@@ -25,12 +28,16 @@ set(VOX_CODE_PATHS "")
 set(VOX_KERNEL_SETS "")
 set(VOX_RUNNABLE_PATHS "")
 set(VOX_RUNNABLE_SETS "")
+set(_vox_shared "")
 foreach(row IN LISTS VOX_CODE_PATH_TABLE)
   string(REGEX REPLACE " *\\| *" ";" cells "${row}")
   list(GET cells 0 name)
   string(STRIP "${name}" name)
   list(GET cells 1 flags)
   list(GET cells 2 words)
+  if(flags STREQUAL "as above")
+    list(APPEND _vox_shared ${name})
+  endif()
   separate_arguments(flags UNIX_COMMAND "${flags}")
   separate_arguments(words UNIX_COMMAND "${words}")
   list(APPEND VOX_KERNEL_SETS ${name})
@@ -66,7 +73,7 @@ set(_vox_set_list "")
 set(VOX_BUILT_PATHS "")
 set(VOX_BUILT_SETS "")
 foreach(path IN LISTS VOX_KERNEL_SETS)
-  if(NOT VOX_PATHS OR path IN_LIST _vox_wanted)
+  if(NOT path IN_LIST _vox_shared AND (NOT VOX_PATHS OR path IN_LIST _vox_wanted))
     list(APPEND VOX_BUILT_SETS ${path})
     set(copy ${path})
     if(path IN_LIST VOX_CODE_PATHS)

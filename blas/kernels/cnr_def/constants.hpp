@@ -1,2 +1,0 @@
-// constants.hpp - as def.
-#include "blas/kernels/def/constants.hpp"

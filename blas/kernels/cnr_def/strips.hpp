@@ -1,2 +1,0 @@
-// strips.hpp - as def.
-#include "blas/kernels/def/strips.hpp"
