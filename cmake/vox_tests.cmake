@@ -59,6 +59,12 @@ target_link_libraries(vox_test_support PUBLIC vox_host_options GTest::gtest)
 if(VOX_SANITIZE)
   target_compile_options(vox_test_support PUBLIC -O1 -g1 -fno-sanitize=undefined)
 endif()
+# Half of a small test's compilation is reading GoogleTest, so that is read once. A compiler cache would take no
+# source any more, and does without.
+if(CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
+endif()
+target_precompile_headers(vox_test_support PRIVATE $<$<COMPILE_LANGUAGE:CXX>:<gtest/gtest.h$<ANGLE-R>>)
 
 set(VOX_TEST_ENVIRONMENT
   "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
@@ -109,6 +115,7 @@ function(vox_add_test name)
     set(library vox)
   endif()
   target_link_libraries(${name} PRIVATE vox_test_support ${library} Threads::Threads)
+  target_precompile_headers(${name} REUSE_FROM vox_test_support)
   if(ARG_PER_PATH)
     vox_register_test_per_path(${name} ${name} ${ARG_LABELS})
   elseif(ARG_PER_SET)

@@ -50,12 +50,14 @@ template <int I>
 struct constant {
     constexpr operator int() const { return I; }
 };
+template <class Body, int... I>
+__attribute__((always_inline)) inline void unroll(const Body &body,
+                                                  std::integer_sequence<int, I...>) {
+    (body(constant<I>()), ...);
+}
 template <int N, class Body>
 __attribute__((always_inline)) inline void unroll(const Body &body) {
-    if constexpr (N > 0) {
-        unroll<N - 1>(body);
-        body(constant<N - 1>());
-    }
+    unroll(body, std::make_integer_sequence<int, N>());
 }
 
 template <int Bytes = vector_bytes, class T>

@@ -6,10 +6,20 @@
 namespace {
 namespace trans {
 
-// One row. The rest of whole vectors goes by lanes, then by elements, so that nothing is done twice.
+// Elements i .. n-1 of a row by lanes, then one by one, so that nothing is done twice.
+template <class T, class Op>
+VOX_INLINE void copy_end(const Op &op, index_t i, index_t n, const T *a, T *b) {
+    constexpr int k = per_lane<T>;
+    for (; i + k <= n; i += k)
+        store(flat(b + i), op(load<16>(flat(a + i))));
+    for (; i < n; ++i)
+        one_element(op, a + i, b + i);
+}
+
+// One row.
 template <class T, class Op>
 VOX_INLINE void copy_row(const Op &op, index_t n, const T *a, T *b) {
-    constexpr int w = vector_bytes / int(sizeof(T)), k = per_lane<T>;
+    constexpr int w = vector_bytes / int(sizeof(T));
     index_t i = 0;
     const auto step = [&](auto count) VOX_INLINED {
         typename vec_of<mover<T>, vector_bytes>::type v[count];
@@ -21,10 +31,7 @@ VOX_INLINE void copy_row(const Op &op, index_t n, const T *a, T *b) {
         step(constant<4>());
     while (i + w <= n)
         step(constant<1>());
-    for (; i + k <= n; i += k)
-        store(flat(b + i), op(load<16>(flat(a + i))));
-    for (; i < n; ++i)
-        one_element(op, a + i, b + i);
+    copy_end(op, i, n, a, b);
 }
 
 // The same with stores past the caches, for rows of many lines.
@@ -32,13 +39,13 @@ template <class T, class Op>
 VOX_INLINE void stream_row(const Op &op, index_t n, const T *a, T *b) {
     constexpr int line = per_line<T>, w = stream_bytes / int(sizeof(T));
     const index_t skip = -place_in_line(b) & (line - 1);
-    copy_row(op, skip, a, b);
+    copy_end(op, 0, skip, a, b);
     index_t i = skip;
     for (; i + line <= n; i += line)
         unroll<64 / stream_bytes>([&](auto l) VOX_INLINED {
             stream(flat(b + i + l * w), op(load<stream_bytes>(flat(a + i + l * w))));
         });
-    copy_row(op, n - i, a + i, b + i);
+    copy_end(op, i, n, a, b);
 }
 
 template <class T, class Op>

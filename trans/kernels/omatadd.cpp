@@ -56,7 +56,7 @@ VOX_INLINE operand<T> rows_of(const operand<T> &a, index_t i, index_t j, index_t
                               add_block<T> &block) {
     if (!a.transposed)
         return {a.p + i * a.ld + j, a.ld, false};
-    piece(problem<T>{n, m, a.p + j * a.ld + i, a.ld, block, add_cols}, moved<T>());
+    piece(moved<T>(), problem<T>{n, m, a.p + j * a.ld + i, a.ld, block, add_cols});
     return {block, add_cols, false};
 }
 

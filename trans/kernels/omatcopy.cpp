@@ -9,8 +9,8 @@ namespace trans {
 
 // Elements that do not lie side by side, block by block so that lines met twice are still in cache.
 template <class T, class Op>
-VOX_INLINE void strided(const Op &op, index_t outer, index_t inner, const T *a, index_t lda,
-                        index_t stridea, T *b, index_t down, index_t along) {
+VOX_APART void strided(const Op op, index_t outer, index_t inner, const T *a, index_t lda,
+                       index_t stridea, T *b, index_t down, index_t along) {
     constexpr index_t side = 32;
     for (index_t i0 = 0; i0 < outer; i0 += side)
         for (index_t j0 = 0; j0 < inner; j0 += side)

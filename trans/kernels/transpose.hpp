@@ -68,16 +68,12 @@ VOX_INLINE auto stored(const problem<T> &p) {
     return [&p](index_t i, index_t j, auto v) VOX_INLINED { store(flat(p.b + j * p.ldb + i), v); };
 }
 
-// Rows from .. to-1 of A, at least Lanes per_lane of them above row `to`.
+// Rows from .. p.outer-1 of A; above the last there are as many as a tile of Lanes lanes has.
 template <int Lanes, class T, class Op>
-VOX_INLINE void some_rows(const problem<T> &p, const Op &op, index_t from, index_t to, index_t j0,
-                          index_t j1) {
+VOX_INLINE void last_rows(const problem<T> &p, const Op &op, index_t from, index_t j0, index_t j1) {
     constexpr int rows = Lanes * per_lane<T>;
-    index_t i = from;
-    for (; i + rows <= to; i += rows)
-        tiles<Lanes, 1>(p, op, i, j0, j1, stored(p));
-    if (i < to)
-        tiles<Lanes, 1>(p, op, to - rows, j0, j1, stored(p));
+    for (index_t i = from; i < p.outer; i += rows)
+        tiles<Lanes, 1>(p, op, i + rows <= p.outer ? i : p.outer - rows, j0, j1, stored(p));
 }
 
 template <class T, class Op>
@@ -87,9 +83,9 @@ VOX_INLINE void through_caches(const problem<T> &p, const Op &op, index_t j0, in
     for (; i + line <= p.outer; i += line)
         tiles<lanes<T>, line / tile_rows<T>>(p, op, i, j0, j1, stored(p));
     if (p.outer - i <= per_lane<T>)
-        some_rows<1>(p, op, i, p.outer, j0, j1);
+        last_rows<1>(p, op, i, j0, j1);
     else
-        some_rows<lanes<T>>(p, op, i, p.outer, j0, j1);
+        last_rows<lanes<T>>(p, op, i, j0, j1);
 }
 
 // Blocks of columns, the last one with all that would be less than a tile.
@@ -101,23 +97,31 @@ VOX_INLINE void by_blocks(index_t inner, index_t width, const Walk &walk) {
     }
 }
 
+// All columns, block by block. A whole problem is passed through memory, which takes longer than a small matrix.
 template <class T, class Op>
-VOX_INLINE void in_caches(const problem<T> &p, const Op &op) {
+VOX_APART void blocks(const Op op, index_t outer, index_t inner, const T *a, index_t lda, T *b,
+                      index_t ldb) {
+    const problem<T> p{outer, inner, a, lda, b, ldb};
+    by_blocks<T>(inner, block_columns,
+                 [&](index_t j0, index_t j1) VOX_INLINED { through_caches(p, op, j0, j1); });
+}
+
+template <class T, class Op>
+VOX_INLINE void in_caches(const Op &op, const problem<T> &p) {
     if (p.inner < per_lane<T> || p.outer < per_lane<T>)
         for (index_t j = 0; j < p.inner; ++j)
             for (index_t i = 0; i < p.outer; ++i)
                 one_element(op, p.a + i * p.lda + j, p.b + j * p.ldb + i);
     else if (p.outer < tile_rows<T>)
-        some_rows<1>(p, op, 0, p.outer, 0, p.inner);
+        last_rows<1>(p, op, 0, 0, p.inner);
     else
-        by_blocks<T>(p.inner, block_columns,
-                     [&](index_t j0, index_t j1) VOX_INLINED { through_caches(p, op, j0, j1); });
+        blocks(op, p.outer, p.inner, p.a, p.lda, p.b, p.ldb);
 }
 
 // The same for edges and small blocks of what is walked in another way.
 template <class T, class Op>
-VOX_APART void piece(const problem<T> p, const Op op) {
-    in_caches(p, op);
+VOX_APART void piece(const Op op, const problem<T> p) {
+    in_caches(op, p);
 }
 
 // Where all rows of A have the same place in a cache, and all rows of B, too few lines of a column stay
@@ -150,8 +154,8 @@ VOX_APART void gathered(const problem<T> p, const Op op) {
                 tiles<lanes<T>, m / tile_rows<T>>(from_block, op, 0, j, j + per_lane<T>,
                                                   stored(from_block));
         }
-    piece(part_of(p, 0, rows, cols, p.inner), op);
-    piece(part_of(p, rows, p.outer, 0, p.inner), op);
+    piece(op, part_of(p, 0, rows, cols, p.inner));
+    piece(op, part_of(p, rows, p.outer, 0, p.inner));
 }
 
 // Fetches the lines of A that will be needed after this walk along row i: those of some rows for each
@@ -170,7 +174,7 @@ template <class T, class Op>
 VOX_INLINE void past_caches(const problem<T> &p, const Op &op, index_t j0, index_t j1,
                             index_t skip) {
     constexpr int wide = vector_bytes / 16, line = per_line<T>;
-    piece(part_of(p, 0, skip, j0, j1), op);
+    piece(op, part_of(p, 0, skip, j0, j1));
     index_t i = skip;
     for (; i + line <= p.outer; i += line)
         tiles<wide, line / (wide * per_lane<T>)>(
@@ -178,7 +182,7 @@ VOX_INLINE void past_caches(const problem<T> &p, const Op &op, index_t j0, index
             [&](index_t row, index_t j, auto v)
                 VOX_INLINED { stream_vector(flat(p.b + j * p.ldb + row), v); },
             fetching(p, i));
-    piece(part_of(p, i, p.outer, j0, j1), op);
+    piece(op, part_of(p, i, p.outer, j0, j1));
 }
 
 // The rows of B begin anywhere in a line: what a tile has beyond the last whole line of a row is kept
@@ -213,7 +217,7 @@ VOX_INLINE void past_caches_carried(const problem<T> &p, const Op &op, index_t j
     for (index_t j = 0; j < j1 - j0; ++j)
         for (int e = 0; e < place[j]; ++e)
             p.b[(j0 + j) * p.ldb + i - place[j] + e] = ends[j].begun[e];
-    piece(part_of(p, i, p.outer, j0, j1), op);
+    piece(op, part_of(p, i, p.outer, j0, j1));
 }
 
 // Short rows of B that follow each other without a gap are one long row: blocks of it are put together on
@@ -229,7 +233,7 @@ VOX_INLINE void past_caches_joined(const problem<T> &p, const Op &op, index_t co
     alignas(64) T block[joined_bytes / int(sizeof(T))];
     for (index_t j = 0; j < p.inner; j += columns) {
         const index_t n = p.inner - j < columns ? p.inner - j : columns;
-        piece(problem<T>{p.outer, n, p.a + j, p.lda, block, p.outer}, op);
+        piece(op, problem<T>{p.outer, n, p.a + j, p.lda, block, p.outer});
         for (index_t i = 0; i < p.outer; ++i)
             for (index_t k = 0; k < columns; k += per_line<T>)
                 __builtin_prefetch(p.a + i * p.lda + j + columns + k, 0, 2);
@@ -265,7 +269,7 @@ VOX_INLINE void transpose(const Op &op, const problem<T> &p) {
     else if (is_gathered(p))
         gathered(p, op);
     else
-        in_caches(p, op);
+        in_caches(op, p);
 }
 
 } // namespace trans
