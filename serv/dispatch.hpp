@@ -7,7 +7,8 @@
 // The slot is empty at load and filled by the first call; from then on a call is a load, a
 // predicted test and an indirect jump. Two threads may both fill it: they store the same pointer.
 // The choice is code, not a table of addresses, which the dynamic linker would have to relocate at
-// load. A missing copy is a link error.
+// load. A missing copy is a link error, but for paths that borrow another's kernels (serv/code_path_list.hpp), whose
+// copies are made here: names for the other's.
 //
 //   VOX_DISPATCH_NAMED(trans, vox_domatcopy, domatcopy, void, (...), (...))
 //
@@ -45,10 +46,14 @@ inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(Copies)) {
 } // namespace vox
 
 #define VOX_COPY_DECLARE(path, copy, family, name, result, parameters)                             \
-    extern "C" result vox_##family##_##copy##_##name parameters;
+    extern "C" result vox_##family##_##path##_##name parameters;
+#define VOX_COPY_BORROW(path, copy, family, name, result, parameters, arguments)                   \
+    extern "C" result vox_##family##_##path##_##name parameters {                                  \
+        return vox_##family##_##copy##_##name arguments;                                           \
+    }
 #define VOX_COPY_CASE(path, copy, copies, family, name)                                            \
     case copies::path:                                                                             \
-        return vox_##family##_##copy##_##name;
+        return vox_##family##_##path##_##name;
 
 #define VOX_DISPATCH(family, routine, result, parameters, arguments)                               \
     VOX_DISPATCH_NAMED(family, x##routine, x##routine, result, parameters, arguments)
@@ -62,7 +67,8 @@ inline Kernel *bind(std::atomic<Kernel *> &slot, Kernel *(*choose)(Copies)) {
                        arguments)
 
 #define VOX_DISPATCH_AMONG(list, copies, family, name, object, result, parameters, arguments)      \
-    list(VOX_COPY_DECLARE, family, name, result, parameters) namespace {                           \
+    list(VOX_COPY_DECLARE, family, name, result, parameters)                                       \
+        list##_BORROWING(VOX_COPY_BORROW, family, name, result, parameters, arguments) namespace { \
         struct object##_dispatch {                                                                 \
             using kernel_type = result parameters;                                                 \
             static constinit inline std::atomic<kernel_type *> slot{nullptr};                      \
