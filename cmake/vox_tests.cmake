@@ -67,6 +67,7 @@ endif()
 target_precompile_headers(vox_test_support PRIVATE $<$<COMPILE_LANGUAGE:CXX>:<gtest/gtest.h$<ANGLE-R>>)
 
 set(VOX_TEST_ENVIRONMENT
+  "OMP_WAIT_POLICY=passive" # threads that spin keep other tests from the processors
   "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
   "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
   "ASAN_OPTIONS=intercept_tls_get_addr=0" # LeakSanitizer misreads the blocks of opened libraries
@@ -80,6 +81,9 @@ function(vox_register_test test command)
   endif()
   set_tests_properties(${test} PROPERTIES
     LABELS "${labels}" TIMEOUT 300 ENVIRONMENT "${VOX_TEST_ENVIRONMENT}")
+  if("slow" IN_LIST labels) # first, so that none is left alone at the end
+    set_tests_properties(${test} PROPERTIES COST 100)
+  endif()
 endfunction()
 
 function(vox_register_test_per_path test command)
