@@ -1,7 +1,8 @@
 # vox_register_test(<test> <command> [labels...]), and vox_register_test_per_path: the same once per code
 # path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that are built, all
 # are tested that this machine can run; def and the last, which is the best, by what is labelled "slow", or
-# "driver" for code that is the same on all paths and calls kernels with tests of their own. Sanitizers take
+# "driver" for code that is the same on all paths and calls kernels with tests of their own; the best alone by
+# what is labelled "best", where other tests are as strict with the others' kernels. Sanitizers take
 # their time: with one, it is the best alone for what is slow. vox_register_test_per_set does it per kernel
 # set, with its name in VOX_TEST_SET as well.
 #
@@ -87,7 +88,9 @@ function(vox_register_test test command)
 endfunction()
 
 function(vox_register_test_per_path test command)
-  if("slow" IN_LIST ARGN OR "driver" IN_LIST ARGN)
+  if("best" IN_LIST ARGN)
+    list(GET VOX_SLOWLY_TESTED_PATHS -1 paths)
+  elseif("slow" IN_LIST ARGN OR "driver" IN_LIST ARGN)
     set(paths ${VOX_SLOWLY_TESTED_PATHS})
   else()
     set(paths ${VOX_TESTED_PATHS})
