@@ -68,7 +68,7 @@ format-check:
 # What sources include must be there: tables, and the precompiled header of the tests.
 tidy: build-clang/build.ninja
 	cmake --build build-clang -j $(JOBS) --target rng vox_test_support
-	run-clang-tidy -quiet -p build-clang '/(blas|examples|lapack|serv|tests|tools|trans)/'
+	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|lapack|serv|tests|tools|trans)/'
 
 clean:
 	rm -rf build build-*
