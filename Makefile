@@ -65,7 +65,9 @@ format:
 format-check:
 	@clang-format --dry-run -Werror $(SOURCES)
 
+# What sources include must be there: tables, and the precompiled header of the tests.
 tidy: build-clang/build.ninja
+	cmake --build build-clang -j $(JOBS) --target rng vox_test_support
 	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|lapack|serv|tests|tools|trans)/'
 
 clean:

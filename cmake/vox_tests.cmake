@@ -1,7 +1,8 @@
 # vox_register_test(<test> <command> [labels...]), and vox_register_test_per_path: the same once per code
 # path, with the environment that forces it and its name in VOX_TEST_PATH. Of the paths that are built, all
 # are tested that this machine can run; def and the last, which is the best, by what is labelled "slow", or
-# "driver" for code that is the same on all paths and calls kernels with tests of their own. Sanitizers take
+# "driver" for code that is the same on all paths and calls kernels with tests of their own; the best alone by
+# what is labelled "best", where other tests are as strict with the others' kernels. Sanitizers take
 # their time: with one, it is the best alone for what is slow. vox_register_test_per_set does it per kernel
 # set, with its name in VOX_TEST_SET as well.
 #
@@ -67,6 +68,7 @@ endif()
 target_precompile_headers(vox_test_support PRIVATE $<$<COMPILE_LANGUAGE:CXX>:<gtest/gtest.h$<ANGLE-R>>)
 
 set(VOX_TEST_ENVIRONMENT
+  "OMP_WAIT_POLICY=passive" # threads that spin keep other tests from the processors
   "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
   "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
   "ASAN_OPTIONS=intercept_tls_get_addr=0" # LeakSanitizer misreads the blocks of opened libraries
@@ -80,10 +82,15 @@ function(vox_register_test test command)
   endif()
   set_tests_properties(${test} PROPERTIES
     LABELS "${labels}" TIMEOUT 300 ENVIRONMENT "${VOX_TEST_ENVIRONMENT}")
+  if("slow" IN_LIST labels) # first, so that none is left alone at the end
+    set_tests_properties(${test} PROPERTIES COST 100)
+  endif()
 endfunction()
 
 function(vox_register_test_per_path test command)
-  if("slow" IN_LIST ARGN OR "driver" IN_LIST ARGN)
+  if("best" IN_LIST ARGN)
+    list(GET VOX_SLOWLY_TESTED_PATHS -1 paths)
+  elseif("slow" IN_LIST ARGN OR "driver" IN_LIST ARGN)
     set(paths ${VOX_SLOWLY_TESTED_PATHS})
   else()
     set(paths ${VOX_TESTED_PATHS})

@@ -182,7 +182,7 @@ class GemmInteger : public ::testing::Test {
         const long double magnitude = std::fabs(scaled) + std::fabs(kept) + std::fabs(offset);
         const long double slack = roughly ? gamma<double>(4) * magnitude : 0;
         const auto rounded = [](long double x) {
-            return std::clamp<long double>(std::nearbyint(x), INT32_MIN, INT32_MAX);
+            return std::llrint(std::clamp<long double>(x, INT32_MIN, INT32_MAX));
         };
         return got >= rounded(exact - slack) && got <= rounded(exact + slack);
     }

@@ -4,11 +4,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "tests/support/child.hpp"
 #include "tests/support/running_path.h"
 
 int main(int argc, char **argv) {
+    // Memory of operands stays with the process for the next ones: a test that draws many large ones would
+    // spend half of its time on fresh pages.
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TRIM_THRESHOLD, -1);
     if (test::run_as_child())
         return 0;
     testing::InitGoogleTest(&argc, argv);

@@ -22,8 +22,12 @@ using vox::real_of;
 enum class form { fortran, c };
 constexpr form forms[] = {form::fortran, form::c};
 
-inline bool is_transposed(char trans) { return std::strchr("TtCc", trans); }
-inline bool is_conjugated(char trans) { return std::strchr("RrCc", trans); }
+constexpr bool is_transposed(char trans) {
+    return trans == 'T' || trans == 't' || trans == 'C' || trans == 'c';
+}
+constexpr bool is_conjugated(char trans) {
+    return trans == 'R' || trans == 'r' || trans == 'C' || trans == 'c';
+}
 inline bool is_by_rows(char ordering) { return ordering == 'R' || ordering == 'r'; }
 
 // How a matrix lies in an array.
