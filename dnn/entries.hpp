@@ -48,7 +48,8 @@
 #define VOX_DNN_ENTRIES(X, P, T)                                                                   \
     VOX_DNN_LAYOUT_ENTRIES(X, P, T)                                                                \
     VOX_DNN_PRIMITIVE_ENTRIES(X, P, T)                                                             \
-    VOX_DNN_CONVERSION_ENTRIES(X, P, T)
+    VOX_DNN_CONVERSION_ENTRIES(X, P, T)                                                            \
+    VOX_DNN_RELU_ENTRIES(X, P, T)
 
 // The copies of this path of a list's entries, for kernel sources; the templates are those of namespace dnn.
 #define VOX_DNN_KERNEL(P, T, name, result, parameters, arguments)                                  \
