@@ -56,6 +56,8 @@ struct part {
     int64_t begin, end;
 };
 inline part part_of(int64_t thread, int64_t team, int64_t n) {
+    if (team == 1)
+        return {0, n};
     int64_t length;
     const int64_t begin = vox_serv_divbythreads(&thread, &team, &n, &length);
     return {begin, begin + length};

@@ -22,6 +22,16 @@ using vox::dnn::relu;
 // caches is not read first.
 constexpr uint64_t streamed_bytes = 16 * 1024 * 1024;
 
+// What the result is multiplied by, where x is the source. Choosing a factor takes fewer of the units that
+// multiply and compare than choosing between products: in L1, 0.93 of the rate of stores alone, not 0.82.
+template <class V, class T>
+VOX_INLINED inline V factor(V x, T slope) {
+    if constexpr (std::is_same_v<V, T>)
+        return x > 0 ? T(1) : slope;
+    else
+        return x > V() ? simd::broadcast<sizeof(V)>(T(1)) : simd::broadcast<sizeof(V)>(slope);
+}
+
 // What is read and written; result() is made of elements or vectors, as `load` brings them.
 template <class T>
 struct forward_buffers {
@@ -35,7 +45,7 @@ struct forward_buffers {
     template <class Load>
     auto result(Load load) const {
         const auto v = load(x);
-        return v > decltype(v)() ? v : v * slope;
+        return v * factor(v, slope);
     }
 };
 
@@ -52,8 +62,7 @@ struct backward_buffers {
     bool in_place() const { return out == x || out == dy; }
     template <class Load>
     auto result(Load load) const {
-        const auto v = load(x), g = load(dy);
-        return v > decltype(v)() ? g : g * slope;
+        return load(dy) * factor(load(x), slope);
     }
 };
 
@@ -71,7 +80,9 @@ VOX_INLINED inline void vectors(const B &b, index_t i) {
     constexpr int w = bytes / int(sizeof(T));
     typename simd::vec_of<T, bytes>::type result[N];
     simd::unroll<N>([&](auto k) VOX_INLINED {
-        result[k] = b.result([=](auto *p) VOX_INLINED { return simd::load<bytes>(p + i + k * w); });
+        result[k] = b.result([=](auto *p) VOX_INLINED {
+            return simd::in_register(simd::load<bytes>(p + i + k * w));
+        });
     });
     simd::unroll<N>([&](auto k) VOX_INLINED {
         if constexpr (Stream)
@@ -81,17 +92,17 @@ VOX_INLINED inline void vectors(const B &b, index_t i) {
     });
 }
 
-// n elements side by side.
+// n elements side by side. The buffers come by value: behind a pointer they might be what a store changes.
 template <bool Stream, class B>
-void flat(const B &b, index_t n) {
+VOX_INLINED inline void flat(B b, index_t n) {
     using T = typename B::type;
     constexpr index_t w = (Stream ? simd::stream_bytes : simd::vector_bytes) / int(sizeof(T));
     const index_t ahead = index_t(-reinterpret_cast<uintptr_t>(b.out) / sizeof(T)) % w;
     index_t i = ahead < n ? ahead : n;
     if (i > 0)
         some(b, 0, i);
-    for (; i + 4 * w <= n; i += 4 * w)
-        vectors<Stream, 4>(b, i);
+    for (; i + 2 * w <= n; i += 2 * w)
+        vectors<Stream, 2>(b, i);
     for (; i + w <= n; i += w)
         vectors<Stream, 1>(b, i);
     if (i < n)

@@ -78,7 +78,7 @@ std::vector<T> values(size_t n, size_t shift = 0) {
 // protected pages.
 TYPED_TEST(ReLU, FollowsTheRuleAtEveryPlace) {
     using T = TypeParam;
-    for (const T slope : {T(0), T(0.25), T(-2), std::numeric_limits<T>::quiet_NaN()})
+    for (const T slope : {T(0), T(-0.0), T(0.25), T(-2), std::numeric_limits<T>::quiet_NaN()})
         for (size_t n = 1; n < 150; n += n < 40 ? 1 : 13) {
             const owned<T> l(sizes{n});
             const operation<T> f(l, slope), b(l, l, slope);
