@@ -258,27 +258,6 @@ TEST(HostileLayouts, FitExactlyWhenNoElementLeavesTheBuffer) {
     }
 }
 
-TEST(HostileLayouts, AreAnsweredWhateverTheySay) {
-    std::mt19937_64 random(6);
-    const uint64_t words[] = {0, 1, 2, 31, 32, 33, uint64_t(1) << 32, INT64_MAX, UINT64_MAX};
-    for (int i = 0; i < 3000; ++i) {
-        record l = of_kind<float>(uint32_t(i % 5));
-        for (int change = 0; change < 1 + i % 4; ++change)
-            reinterpret_cast<uint64_t *>(&l)[1 + random() % 166] = words[random() % 9];
-        l.flags = 0;
-        const owned<float> a(l), b(of_kind<float>(uint32_t(i % 5)));
-        dnnLayoutGetMemorySize_F32(a);
-        EXPECT_EQ(dnnLayoutCompare_F32(a, a), 1);
-        dnnLayoutCompare_F32(a, b);
-        void *buffer = nullptr;
-        if (dnnLayoutGetMemorySize_F32(a) < 1 << 20) {
-            const int status = dnnAllocateBuffer_F32(&buffer, a);
-            EXPECT_EQ(status == 0, dnnLayoutGetMemorySize_F32(a) != 0);
-            dnnReleaseBuffer_F32(buffer);
-        }
-    }
-}
-
 TEST(LayoutsMemory, IsAskedForOnceAndReportedWhenThereIsNone) {
     const size_t one = 1;
     image bytes(1340);
