@@ -77,7 +77,7 @@ format-check:
 	@clang-format --dry-run -Werror $(SOURCES)
 
 tidy: build-clang/build.ninja
-	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|lapack|serv|tests|tools|trans)/'
+	run-clang-tidy -quiet -p build-clang '/(bench|blas|dnn|examples|lapack|serv|tests|tools|trans)/'
 
 clean:
 	rm -rf build build-*

@@ -119,4 +119,15 @@ TEST(PrimitiveThreads, AreAsManyAsAtFirstOrOne) {
     EXPECT_EQ(vox_dnn_getTtl_F32()->has_barrier(), 1);
 }
 
+CHILD(work) {
+    vox_set_dynamic(0);
+    vox_set_num_threads(3);
+    for (const uint64_t bytes : {uint64_t(0), ::dnn::divided_bytes - 1, ::dnn::divided_bytes}) {
+        std::atomic<int> runs{0};
+        ::dnn::divide(bytes, [&runs](int, int team) { runs += team; });
+        std::printf("%d ", runs.load());
+    }
+}
+TEST(PrimitiveThreads, AreNoneForLittleWork) { EXPECT_EQ(run_child(work).out, "1 1 9 "); }
+
 } // namespace
