@@ -61,7 +61,8 @@ fuzz: build-fuzz/build.ninja
 	cmake --build --preset fuzz -j $(JOBS) --target $(addprefix fuzz_,$(FUZZERS))
 	@for fuzzer in $(FUZZERS); do echo; echo "== $$fuzzer"; mkdir -p build-fuzz/corpus/$$fuzzer; \
 	VOX_CPU_VENDOR=ANY build-fuzz/tests/fuzz/fuzz_$$fuzzer -max_total_time=$(FUZZ_SECONDS) -max_len=512 \
-	-verbosity=0 -print_final_stats=1 -artifact_prefix=build-fuzz/ build-fuzz/corpus/$$fuzzer || exit 1; done
+	-print_final_stats=1 -artifact_prefix=build-fuzz/ build-fuzz/corpus/$$fuzzer >build-fuzz/$$fuzzer.log 2>&1 || \
+	{ cat build-fuzz/$$fuzzer.log; exit 1; }; grep ^stat:: build-fuzz/$$fuzzer.log; done
 
 bench: build/build.ninja
 	$(RELEASE) --target $(notdir $(BENCH))
