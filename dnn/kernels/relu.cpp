@@ -14,8 +14,6 @@ namespace {
 namespace dnn {
 
 using simd::index_t;
-using simd::lanes;
-using simd::vec;
 using vox::dnn::relu;
 
 // Results of so many bytes are in no cache when they are read again, and a line that is stored past the
