@@ -5,6 +5,7 @@
 #   make test                all tests; make quick: those of the quick loop
 #   make sanitize            the tests under the address, undefined-behaviour and thread sanitizers
 #   make clang               the same code with the second compiler
+#   make fuzz                the fuzzers, FUZZ_SECONDS each
 #   make bench               the benchmarks; BENCH=<program> for one of them
 #   make install PREFIX=dir  library, headers and tools (DESTDIR is honoured)
 #   make format, format-check, tidy, clean
@@ -14,18 +15,21 @@
 PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 CMAKE_ARGS ?=
+FUZZ_SECONDS ?= 60
 
 # Run by `make run` and `make bench`, in this order: <folder>/<CMake target>, in RUN with :<argument>.
 RUN := examples/regression examples/solve:examples/data/poisson.mtx examples/solve:examples/data/spiral.mtx \
        tools/vox-info
 BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives \
-         bench/rng/random_peers bench/serv/bench_startup bench/serv/bench_pool
+         bench/dnn/bench_relu bench/rng/random_peers bench/serv/bench_startup bench/serv/bench_pool
 
 RELEASE := cmake --build build -j $(JOBS)
 SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -name '*.[ch]pp' -print)
 
+FUZZERS := layouts
+
 .DEFAULT_GOAL := all
-.PHONY: all run test quick sanitize clang bench install format format-check tidy clean FORCE
+.PHONY: all run test quick sanitize clang fuzz bench install format format-check tidy clean FORCE
 
 all: build/build.ninja
 	$(RELEASE) --target vox vox_static vox-info vox-run
@@ -52,6 +56,14 @@ test-%: build-%/build.ninja FORCE
 	cmake --build --preset $* -j $(JOBS)
 	ctest --preset $* -j $(JOBS) $(CTEST_ARGS)
 
+# Inputs that reached something new stay in build-fuzz/corpus for the next time.
+fuzz: build-fuzz/build.ninja
+	cmake --build --preset fuzz -j $(JOBS) --target $(addprefix fuzz_,$(FUZZERS))
+	@for fuzzer in $(FUZZERS); do echo; echo "== $$fuzzer"; mkdir -p build-fuzz/corpus/$$fuzzer; \
+	VOX_CPU_VENDOR=ANY build-fuzz/tests/fuzz/fuzz_$$fuzzer -max_total_time=$(FUZZ_SECONDS) -max_len=512 \
+	-print_final_stats=1 -artifact_prefix=build-fuzz/ build-fuzz/corpus/$$fuzzer >build-fuzz/$$fuzzer.log 2>&1 || \
+	{ cat build-fuzz/$$fuzzer.log; exit 1; }; grep ^stat:: build-fuzz/$$fuzzer.log; done
+
 bench: build/build.ninja
 	$(RELEASE) --target $(notdir $(BENCH))
 	@for program in $(BENCH); do echo; echo "== $$program"; build/$$program || exit 1; done
@@ -68,7 +80,7 @@ format-check:
 # What sources include must be there: tables, and the precompiled header of the tests.
 tidy: build-clang/build.ninja
 	cmake --build build-clang -j $(JOBS) --target rng vox_test_support
-	run-clang-tidy -quiet -p build-clang '/(bench|blas|examples|lapack|serv|tests|tools|trans)/'
+	run-clang-tidy -quiet -p build-clang '/(bench|blas|dnn|examples|lapack|serv|tests|tools|trans|vm)/'
 
 clean:
 	rm -rf build build-*

@@ -120,7 +120,9 @@ function(vox_add_kernels family)
     target_link_libraries(${target} PRIVATE vox_options)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O3> ${VOX_PATH_FLAGS_${path}}
       ${VOX_KERNEL_FLAGS})
-    if(VOX_UNCHECKED_KERNELS AND VOX_SANITIZE MATCHES "address|undefined")
+    if(VOX_FUZZ)
+      # checked throughout, as everything else that a fuzzer runs
+    elseif(VOX_UNCHECKED_KERNELS AND VOX_SANITIZE MATCHES "address|undefined")
       target_compile_options(${target} PRIVATE ${_vox_unchecked})
     elseif(VOX_SANITIZE AND path STREQUAL "def")
       target_compile_options(${target} PRIVATE ${_vox_checked_def})

@@ -31,6 +31,7 @@ void __kmpc_push_num_threads(ident_t *, int32_t global_thread, int32_t threads);
 void __kmpc_fork_call(ident_t *, int32_t arguments, kmpc_micro *, ...);
 void __kmpc_serialized_parallel(ident_t *, int32_t global_thread);
 void __kmpc_end_serialized_parallel(ident_t *, int32_t global_thread);
+void __kmpc_barrier(ident_t *, int32_t global_thread);
 int omp_in_parallel(void);
 int omp_get_max_threads(void);
 int omp_get_num_threads(void);
@@ -150,6 +151,15 @@ void vox::run_region(int threads, region_body *body, const void *context) {
     }
     region r{body, context};
     fork_team(team, r);
+}
+
+void vox::wait_for_team() {
+    static constinit std::atomic<int> order; // for thread checkers, as a region's
+    inspector_releasing(&order);
+    order.fetch_add(1, std::memory_order_release);
+    __kmpc_barrier(&location, __kmpc_global_thread_num(&location));
+    order.load(std::memory_order_acquire);
+    inspector_acquired(&order);
 }
 
 bool vox::in_parallel() {

@@ -30,6 +30,10 @@ inline void parallel(int threads, const Body &body) {
         &body);
 }
 
+// For a body whose team has two threads or more: returns when all of them have come. What each has written
+// before, all see after it.
+void wait_for_team();
+
 // Whether the caller is inside an active parallel region, of this runtime or of the program's own.
 bool in_parallel();
 

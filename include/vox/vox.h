@@ -4,6 +4,7 @@
 
 #include "vox/blas.h"
 #include "vox/cblas.h"
+#include "vox/dnn.h"
 #include "vox/lapack.h"
 #include "vox/lapacke.h"
 #include "vox/rsk.h"

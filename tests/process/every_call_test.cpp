@@ -36,6 +36,7 @@ routine_calls calls(call_size size) {
     add_level1_calls(all, size);
     add_matrix_calls(all, size);
     add_trans_calls(all, size);
+    add_dnn_calls(all, size);
     add_lapack_calls(all, size);
     return all;
 }

@@ -1,0 +1,45 @@
+// dnn_calls.cpp - primitives that were made before: what runs again and again is their execution.
+#include <memory>
+
+#include "tests/dnn/calls.hpp"
+#include "tests/process/routine_calls.hpp"
+
+namespace {
+
+using namespace test;
+
+using held = std::shared_ptr<void>;
+
+template <class T>
+void add(routine_calls &all, call_size size) {
+    using call = api<T>;
+    const size_t width = size == call_size::small ? 9 : 501,
+                 height = size == call_size::small ? 3 : 211;
+    const auto row = [&](const char *name, const sizes &strides) {
+        const owned<T> layout({width, height}, strides);
+        dnnPrimitive_t f = nullptr, b = nullptr;
+        EXPECT_EQ(call::ReLUCreateForward(&f, nullptr, layout, T(0.1)), DNN_STATUS_OK);
+        EXPECT_EQ(call::ReLUCreateBackward(&b, nullptr, layout, layout, T(0.1)), DNN_STATUS_OK);
+        const held forward(f, call::Delete), backward(b, call::Delete);
+        routine_call c{std::string(name) + (sizeof(T) == 4 ? "_F32" : "_F64"), {}, {}};
+        for (unsigned i = 0; i < 4; ++i)
+            c.operands.push_back(numbers_operand<T>(size_t(strides[1] * height), i));
+        c.make = [=](char *const *at) {
+            void *resources[DNN_RES_COUNT] = {at[0], at[1]};
+            call::Execute(forward.get(), resources);
+            resources[DNN_RES_DIFF_DST] = at[2], resources[DNN_RES_DIFF_SRC] = at[3];
+            call::Execute(backward.get(), resources);
+        };
+        all.push_back(c);
+    };
+    row("ReLU", {1, width});
+    row("ReLU'", {1, width + 3});
+    row("ReLU''", {2, 2 * width});
+}
+
+} // namespace
+
+void test::add_dnn_calls(routine_calls &all, call_size size) {
+    add<float>(all, size);
+    add<double>(all, size);
+}
