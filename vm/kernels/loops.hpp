@@ -1,0 +1,144 @@
+// loops.hpp - a function of vectors over arrays.
+//
+// A function is a struct, here of one argument; of two it takes x and y:
+//
+//   template <class T, int accuracy> struct exp {
+//       static constexpr int vectors = 2;                     // in flight at a time
+//       static constexpr bool fixes = true;
+//       vec<T> operator()(vec<T> x, mask<T> &rare) const;
+//       static void fix(const T *first, index_t i, T x, T *r); // vm/fixup.hpp
+//   };
+//
+// It marks the lanes that its result does not hold for, and these elements go to its fix-up; without one, `fixes`
+// is false and nothing is marked. The result of an element depends on nothing but its arguments: the last
+// elements, fewer than a vector, go through the same operations, in the company of ones.
+//
+//   VOX_VM_KERNELS_1I_1O(d, double, Exp, exp)
+//
+// makes the kernels of the three accuracies.
+#pragma once
+
+#include "vm/kernels/masks.hpp"
+#include "vox/tqm.h"
+
+namespace {
+namespace vm {
+
+template <class F, class T>
+inline vec<T> apply(const F &f, const vec<T> (&x)[1], mask<T> &rare) {
+    return f(x[0], rare);
+}
+template <class F, class T>
+inline vec<T> apply(const F &f, const vec<T> (&x)[2], mask<T> &rare) {
+    return f(x[0], x[1], rare);
+}
+
+// The marked elements of a vector that begins at element i. x: its arguments, which the results may have
+// overwritten in memory.
+template <class F, class T, int K>
+__attribute__((cold, noinline)) void fix(const F &f, const T *first, index_t i, unsigned marked,
+                                         const vec<T> (&x)[K], T *r) {
+    for (; marked; marked &= marked - 1) {
+        const int lane = __builtin_ctz(marked);
+        if constexpr (K == 1)
+            f.fix(first, i + lane, x[0][lane], &r[i + lane]);
+        else
+            f.fix(first, i + lane, x[0][lane], x[1][lane], &r[i + lane]);
+    }
+}
+
+// r[i] = f(in[0][i], ...) for n elements.
+template <class T, class F, int K>
+VOX_INLINED inline void map(const F &f, index_t n, const T *const (&in)[K], T *r) {
+    constexpr int L = lanes<T>, N = F::vectors;
+    index_t i = 0;
+    // Left where there is something to fix: a call inside the loop would cost registers.
+    for (;;) {
+        vec<T> x[N][K];
+        mask<T> rare[N];
+        for (; i + N * L <= n; i += N * L) {
+            simd::unroll<N>([&](auto v) VOX_INLINED {
+                simd::unroll<K>([&](auto k)
+                                    VOX_INLINED { x[v][k] = simd::load(in[k] + i + v * L); });
+            });
+            mask<T> any = no_lane<T>;
+            simd::unroll<N>([&](auto v) VOX_INLINED {
+                rare[v] = no_lane<T>;
+                simd::store(r + i + v * L, apply<F, T>(f, x[v], rare[v]));
+                any = mask<T>(any | rare[v]);
+            });
+            if constexpr (F::fixes)
+                if (VOX_UNLIKELY(lane_bits(any)))
+                    break;
+        }
+        if (i + N * L > n)
+            break;
+        if constexpr (F::fixes)
+            for (int v = 0; v < N; ++v) {
+                vec<T> arguments[K];
+                for (int k = 0; k < K; ++k)
+                    arguments[k] = x[v][k];
+                fix(f, in[0], i + v * L, lane_bits(rare[v]), arguments, r);
+            }
+        i += N * L;
+    }
+    for (; i < n; i += L) {
+        const index_t count = n - i < L ? n - i : L;
+        vec<T> x[K];
+        for (int k = 0; k < K; ++k)
+            x[k] = simd::select_first(count, simd::load_partial(in[k] + i, count), vec<T>{} + T(1));
+        mask<T> rare = no_lane<T>;
+        simd::store_partial(r + i, apply<F, T>(f, x, rare), count);
+        if constexpr (F::fixes)
+            if (const unsigned marked = lane_bits(rare) & ((1u << count) - 1); VOX_UNLIKELY(marked))
+                fix(f, in[0], i, marked, x, r);
+    }
+}
+
+} // namespace vm
+} // namespace
+
+#define VOX_VM_KERNEL_1I_1O(full, T, ...)                                                          \
+    extern "C" void VOX_KERNEL_NAMED(vm, full)(vox::index_t n, const T *a, T *r, T) {              \
+        vm::map<T>(__VA_ARGS__{}, n, {a}, r);                                                      \
+    }
+#define VOX_VM_KERNEL_2I_1O(full, T, ...)                                                          \
+    extern "C" void VOX_KERNEL_NAMED(vm, full)(vox::index_t n, const T *a, const T *b, T *r, T) {  \
+        vm::map<T>(__VA_ARGS__{}, n, {a, b}, r);                                                   \
+    }
+// The function is made from the fixed argument.
+#define VOX_VM_KERNEL_1I_1O_FIXED(full, T, ...)                                                    \
+    extern "C" void VOX_KERNEL_NAMED(vm, full)(vox::index_t n, const T *a, T *r, T fixed) {        \
+        vm::map<T>(__VA_ARGS__{fixed}, n, {a}, r);                                                 \
+    }
+#define VOX_VM_KERNELS_OF(shape, p, T, Name, F)                                                    \
+    VOX_VM_KERNEL_##shape(p##Name##_ha, T, F<T, TQM_HA>)                                           \
+        VOX_VM_KERNEL_##shape(p##Name##_la, T, F<T, TQM_LA>)                                       \
+            VOX_VM_KERNEL_##shape(p##Name##_ep, T, F<T, TQM_EP>)
+#define VOX_VM_KERNELS_1I_1O(...) VOX_VM_KERNELS_OF(1I_1O, __VA_ARGS__)
+#define VOX_VM_KERNELS_2I_1O(...) VOX_VM_KERNELS_OF(2I_1O, __VA_ARGS__)
+#define VOX_VM_KERNELS_1I_1O_FIXED(...) VOX_VM_KERNELS_OF(1I_1O_FIXED, __VA_ARGS__)
+
+// Functions with one kernel for all accuracies, in both precisions.
+#define VOX_VM_KERNEL_ONE(shape, Name, F)                                                          \
+    VOX_VM_KERNEL_##shape(s##Name##_ha, float, F<float>)                                           \
+        VOX_VM_KERNEL_##shape(d##Name##_ha, double, F<double>)
+
+// A function's fix-ups, and as members of its struct: VOX_VM_FIX(Exp).
+#define VOX_VM_DECLARE_FIX_1(Name)                                                                 \
+    extern "C" void vox_vm_fix_s##Name(const float *first, vox::index_t i, float x, float *r);     \
+    extern "C" void vox_vm_fix_d##Name(const double *first, vox::index_t i, double x, double *r);
+#define VOX_VM_DECLARE_FIX_2(Name)                                                                 \
+    extern "C" void vox_vm_fix_s##Name(const float *first, vox::index_t i, float x, float y,       \
+                                       float *r);                                                  \
+    extern "C" void vox_vm_fix_d##Name(const double *first, vox::index_t i, double x, double y,    \
+                                       double *r);
+#define VOX_VM_FIX(Name)                                                                           \
+    static constexpr bool fixes = true;                                                            \
+    template <class... Arguments>                                                                  \
+    static void fix(Arguments... arguments) {                                                      \
+        if constexpr (sizeof(T) == 4)                                                              \
+            vox_vm_fix_s##Name(arguments...);                                                      \
+        else                                                                                       \
+            vox_vm_fix_d##Name(arguments...);                                                      \
+    }

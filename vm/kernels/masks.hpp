@@ -1,0 +1,141 @@
+// masks.hpp - comparisons and choices of vectors, and fused multiplication.
+//
+// A mask has one truth value a lane: a mask register with AVX-512, else a vector of ones and zeros. & | work on
+// both; mask_not, select and the functions below do what else is needed. Comparisons are those of C: with a NaN
+// all but not_equal are false.
+#pragma once
+
+#include "serv/simd.hpp"
+
+namespace {
+namespace vm {
+
+using simd::index_t;
+using simd::lanes;
+using simd::vec;
+
+#if defined(__AVX512F__)
+template <class T>
+struct mask_type;
+template <>
+struct mask_type<double> {
+    using type = __mmask8;
+};
+template <>
+struct mask_type<float> {
+    using type = __mmask16;
+};
+template <class T>
+using mask = typename mask_type<T>::type;
+
+#define VM_COMPARISON(name, predicate)                                                             \
+    inline __mmask8 name(vec<double> a, vec<double> b) {                                           \
+        return _mm512_cmp_pd_mask(a, b, predicate);                                                \
+    }                                                                                              \
+    inline __mmask16 name(vec<float> a, vec<float> b) {                                            \
+        return _mm512_cmp_ps_mask(a, b, predicate);                                                \
+    }
+VM_COMPARISON(equal, _CMP_EQ_OQ)
+VM_COMPARISON(not_equal, _CMP_NEQ_UQ)
+VM_COMPARISON(less, _CMP_LT_OQ)
+VM_COMPARISON(not_less, _CMP_NLT_UQ) // true with a NaN
+VM_COMPARISON(less_equal, _CMP_LE_OQ)
+VM_COMPARISON(not_less_equal, _CMP_NLE_UQ) // true with a NaN
+#undef VM_COMPARISON
+
+template <class T>
+constexpr mask<T> no_lane = 0;
+template <class M>
+inline M mask_not(M m) {
+    return M(~m);
+}
+// Bit i: lane i.
+inline unsigned lane_bits(__mmask8 m) { return m; }
+inline unsigned lane_bits(__mmask16 m) { return m; }
+
+inline vec<double> select(__mmask8 m, vec<double> yes, vec<double> no) {
+    return _mm512_mask_blend_pd(m, no, yes);
+}
+inline vec<float> select(__mmask16 m, vec<float> yes, vec<float> no) {
+    return _mm512_mask_blend_ps(m, no, yes);
+}
+#else
+template <class T>
+using mask = decltype(vec<T>{} < vec<T>{});
+
+template <class V>
+inline auto equal(V a, V b) {
+    return a == b;
+}
+template <class V>
+inline auto not_equal(V a, V b) {
+    return a != b;
+}
+template <class V>
+inline auto less(V a, V b) {
+    return a < b;
+}
+template <class V>
+inline auto not_less(V a, V b) {
+    return ~(a < b);
+}
+template <class V>
+inline auto less_equal(V a, V b) {
+    return a <= b;
+}
+template <class V>
+inline auto not_less_equal(V a, V b) {
+    return ~(a <= b);
+}
+
+template <class T>
+constexpr mask<T> no_lane = {};
+template <class M>
+inline M mask_not(M m) {
+    return ~m;
+}
+inline unsigned lane_bits(mask<double> m) {
+#if defined(__AVX__)
+    return unsigned(_mm256_movemask_pd(__m256d(m)));
+#else
+    return unsigned(_mm_movemask_pd(__m128d(m)));
+#endif
+}
+inline unsigned lane_bits(mask<float> m) {
+#if defined(__AVX__)
+    return unsigned(_mm256_movemask_ps(__m256(m)));
+#else
+    return unsigned(_mm_movemask_ps(__m128(m)));
+#endif
+}
+template <class M, class V>
+inline V select(M m, V yes, V no) {
+    return m ? yes : no;
+}
+#endif
+
+// a b + c and its relatives. fused: rounded once; else twice. Kernels are compiled without contraction, so
+// nothing else is fused.
+#if defined(__FMA__)
+constexpr bool fused = true;
+#if defined(__AVX512F__)
+inline vec<double> fma(vec<double> a, vec<double> b, vec<double> c) {
+    return _mm512_fmadd_pd(a, b, c);
+}
+inline vec<float> fma(vec<float> a, vec<float> b, vec<float> c) { return _mm512_fmadd_ps(a, b, c); }
+#else
+inline vec<double> fma(vec<double> a, vec<double> b, vec<double> c) {
+    return _mm256_fmadd_pd(a, b, c);
+}
+inline vec<float> fma(vec<float> a, vec<float> b, vec<float> c) { return _mm256_fmadd_ps(a, b, c); }
+#endif
+#else
+constexpr bool fused = false;
+template <class V>
+inline V fma(V a, V b, V c) {
+    return a * b + c;
+}
+#endif
+
+} // namespace vm
+} // namespace
