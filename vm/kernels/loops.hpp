@@ -33,6 +33,20 @@ inline vec<T> apply(const F &f, const vec<T> (&x)[2], mask<T> &rare) {
     return f(x[0], x[1], rare);
 }
 
+// Those of the marked lanes that are to be fixed, where the function has a second look at them.
+template <class F, class T>
+inline unsigned confirmed(const F &f, const vec<T> (&x)[1], mask<T> rare) {
+    if constexpr (requires { f.confirm(x[0], rare); })
+        return lane_bits(f.confirm(x[0], rare));
+    return lane_bits(rare);
+}
+template <class F, class T>
+inline unsigned confirmed(const F &f, const vec<T> (&x)[2], mask<T> rare) {
+    if constexpr (requires { f.confirm(x[0], x[1], rare); })
+        return lane_bits(f.confirm(x[0], x[1], rare));
+    return lane_bits(rare);
+}
+
 // The marked elements of a vector that begins at element i. x: its arguments, which the results may have
 // overwritten in memory.
 template <class F, class T, int K>
@@ -47,11 +61,49 @@ __attribute__((cold, noinline)) void fix(const F &f, const T *first, index_t i, 
     }
 }
 
+// Elements i to n, vector by vector: what is before and behind the loop of several vectors.
+template <class T, class F, int K>
+__attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, const T *const (&in)[K],
+                                          T *r) {
+    constexpr int L = lanes<T>;
+    for (; i < n; i += L) {
+        const index_t count = n - i;
+        vec<T> x[K];
+        if (count >= L)
+            simd::unroll<K>([&](auto k) VOX_INLINED { x[k] = simd::load(in[k] + i); });
+        else
+            simd::unroll<K>([&](auto k) VOX_INLINED {
+                x[k] = simd::select_first(count, simd::load_partial(in[k] + i, count),
+                                          vec<T>{} + T(1));
+            });
+        mask<T> rare = no_lane<T>;
+        const vec<T> y = apply<F, T>(f, x, rare);
+        if (count >= L)
+            simd::store(r + i, y);
+        else
+            simd::store_partial(r + i, y, count);
+        if constexpr (F::fixes)
+            if (VOX_UNLIKELY(lane_bits(rare))) {
+                const unsigned there = count >= L ? ~0u : (1u << count) - 1;
+                if (const unsigned marked = confirmed<F, T>(f, x, rare) & there)
+                    fix(f, in[0], i, marked, x, r);
+            }
+    }
+}
+
+// The stores of longer vectors are aligned.
+constexpr index_t shortest_aligned = 16;
+
 // r[i] = f(in[0][i], ...) for n elements.
 template <class T, class F, int K>
 VOX_INLINED inline void map(const F &f, index_t n, const T *const (&in)[K], T *r) {
     constexpr int L = lanes<T>, N = F::vectors;
     index_t i = 0;
+    if (n >= shortest_aligned * L) {
+        i = index_t(-uintptr_t(r) / sizeof(T) % L);
+        if (i > 0)
+            map_slowly(f, 0, i, in, r);
+    }
     // Left where there is something to fix: a call inside the loop would cost registers.
     for (;;) {
         vec<T> x[N][K];
@@ -74,25 +126,14 @@ VOX_INLINED inline void map(const F &f, index_t n, const T *const (&in)[K], T *r
         if (i + N * L > n)
             break;
         if constexpr (F::fixes)
-            for (int v = 0; v < N; ++v) {
-                vec<T> arguments[K];
-                for (int k = 0; k < K; ++k)
-                    arguments[k] = x[v][k];
-                fix(f, in[0], i + v * L, lane_bits(rare[v]), arguments, r);
-            }
+            simd::unroll<N>([&](auto v) VOX_INLINED {
+                if (const unsigned marked = confirmed<F, T>(f, x[v], rare[v]))
+                    fix(f, in[0], i + v * L, marked, x[v], r);
+            });
         i += N * L;
     }
-    for (; i < n; i += L) {
-        const index_t count = n - i < L ? n - i : L;
-        vec<T> x[K];
-        for (int k = 0; k < K; ++k)
-            x[k] = simd::select_first(count, simd::load_partial(in[k] + i, count), vec<T>{} + T(1));
-        mask<T> rare = no_lane<T>;
-        simd::store_partial(r + i, apply<F, T>(f, x, rare), count);
-        if constexpr (F::fixes)
-            if (const unsigned marked = lane_bits(rare) & ((1u << count) - 1); VOX_UNLIKELY(marked))
-                fix(f, in[0], i, marked, x, r);
-    }
+    if (i < n)
+        map_slowly(f, i, n, in, r);
 }
 
 } // namespace vm
