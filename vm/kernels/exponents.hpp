@@ -66,6 +66,13 @@ inline reduced<V> from_step(V x, V t) {
     return {fma(n, V{} - head, x), n * tail};
 }
 
+// The same within 2^-42 or, in single precision, 2^-16.
+template <class V>
+inline V roughly_from_step(V x, V t) {
+    using T = element<V>;
+    return fma(t - step_shift<T>, V{} - T(0x1.62e42fefa39efp-1), x);
+}
+
 // 2^n of the step in t, where it is normal: the head to the nearest, head (1 + tail) in twice the precision. In the
 // table the heads lack what the bits of t, moved to the exponent, give too much.
 template <class V>
