@@ -13,14 +13,12 @@
 #include <array>
 #include <bit>
 
-#include "vm/kernels/masks.hpp"
+#include "vm/kernels/polynomials.hpp"
 #include "vm/roots_of_two.hpp"
 
 namespace {
 namespace vm {
 
-template <class V>
-using element = std::remove_cvref_t<decltype(V{}[0])>;
 template <class T>
 using word = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
 template <class V>
