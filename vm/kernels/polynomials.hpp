@@ -1,0 +1,28 @@
+// polynomials.hpp - polynomials of vectors.
+#pragma once
+
+#include "vm/kernels/masks.hpp"
+
+namespace {
+namespace vm {
+
+template <class V>
+using element = std::remove_cvref_t<decltype(V{}[0])>;
+
+// c[0] + c[1] x + ..., given x^2: pairs of terms, and of these by powers of x^2. That takes as many operations as
+// one by one and half the time until the result is there, which bounds how many vectors are in flight.
+template <class V, int N>
+VOX_INLINED inline V polynomial(V x, [[maybe_unused]] V square, const double (&c)[N]) {
+    const auto constant = [&](int i) VOX_INLINED { return V{} + element<V>(c[i]); };
+    const auto pair = [&](int i) VOX_INLINED {
+        return i + 1 < N ? fma(x, constant(i + 1), constant(i)) : constant(i);
+    };
+    constexpr int last = (N - 1) & ~1;
+    V sum = pair(last);
+    simd::unroll<last / 2>([&](auto i)
+                               VOX_INLINED { sum = fma(sum, square, pair(last - 2 - 2 * i)); });
+    return sum;
+}
+
+} // namespace vm
+} // namespace
