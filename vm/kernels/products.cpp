@@ -12,8 +12,10 @@ struct multiply {
     VOX_VM_FIX(Mul)
     vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
         const vm::vec<T> product = x * y;
-        rare = vm::mask<T>(vm::not_surely_normal(product) & vm::not_equal(x, vm::vec<T>{}) &
-                           vm::not_equal(y, vm::vec<T>{}));
+        const vm::vec<T> magnitude = simd::abs(product);
+        rare = vm::either(vm::too_large(magnitude),
+                          vm::mask<T>(vm::too_small(magnitude) & vm::not_equal(x, vm::vec<T>{}) &
+                                      vm::not_equal(y, vm::vec<T>{})));
         return product;
     }
     template <class Arguments, class Results>

@@ -1,7 +1,8 @@
 // ranges.hpp - whether results are within the range of normal numbers.
 //
-// Products and quotients that are not may have overflowed or lost bits. The tests of a group of results are for
-// loops that do little else: they combine the results before they look.
+// Products and quotients that are not may have overflowed or lost bits. Where the range ends, rounding and the error of
+// a low accuracy may have carried a result over the border, so a factor of 2 at both ends counts as beyond. The tests
+// of a group of results are for loops that do little else: they combine the results before they look.
 #pragma once
 
 #include "vm/kernels/loops.hpp"
@@ -12,50 +13,46 @@ namespace vm {
 template <class V>
 using element_of = std::remove_cvref_t<decltype(V{}[0])>;
 
-template <class T>
-constexpr T infinity = T(__builtin_inf());
-template <class T>
-constexpr T smallest_normal = sizeof(T) == 4 ? T(__FLT_MIN__) : T(__DBL_MIN__);
-
 template <class V>
 inline auto not_finite(V v) {
-    return not_less(simd::abs(v), V{} + infinity<element_of<V>>);
+    return not_less(simd::abs(v), V{} + element_of<V>(__builtin_inf()));
 }
 
-// Not finite, or of a magnitude that rounding may have carried up to the smallest normal number.
+// Of magnitudes. A NaN is too large.
+template <class V>
+inline auto too_small(V magnitude) {
+    return less(magnitude, V{} + (sizeof(element_of<V>) == 4 ? element_of<V>(0x1p-125)
+                                                             : element_of<V>(0x1p-1021)));
+}
+template <class V>
+inline auto too_large(V magnitude) {
+    return not_less(magnitude, V{} + (sizeof(element_of<V>) == 4 ? element_of<V>(0x1p127)
+                                                                 : element_of<V>(0x1p1023)));
+}
+
 template <class V>
 inline auto not_surely_normal(V v) {
-    using T = element_of<V>;
     const V magnitude = simd::abs(v);
-    return either(less_equal(magnitude, V{} + smallest_normal<T>),
-                  not_less(magnitude, V{} + infinity<T>));
+    return either(too_small(magnitude), too_large(magnitude));
 }
 
-// Of groups. The sum is finite unless one of them is not, or it overflows, which is near enough.
-
-template <class V, int N>
-VOX_INLINED inline V sum_of(const V (&v)[N]) {
-    V sum = v[0];
-    simd::unroll<N - 1>([&](auto k) VOX_INLINED { sum = sum + v[k + 1]; });
-    return sum;
-}
-
-template <class V, int N>
-VOX_INLINED inline V least_magnitude_of(const V (&v)[N]) {
-    V least = simd::abs(v[0]);
-    simd::unroll<N - 1>([&](auto k) VOX_INLINED { least = min(least, simd::abs(v[k + 1])); });
-    return least;
-}
-
+// The sum is finite unless one of them is not, or it overflows, which is near enough.
 template <class V, int N>
 VOX_INLINED inline auto not_finite_among(const V (&v)[N]) {
-    return not_finite(sum_of(v));
+    V sum = v[0];
+    simd::unroll<N - 1>([&](auto k) VOX_INLINED { sum = sum + v[k + 1]; });
+    return not_finite(sum);
 }
 
 template <class V, int N>
 VOX_INLINED inline auto not_surely_normal_among(const V (&v)[N]) {
-    return either(less_equal(least_magnitude_of(v), V{} + smallest_normal<element_of<V>>),
-                  not_finite_among(v));
+    V least = simd::abs(v[0]), sum = least;
+    simd::unroll<N - 1>([&](auto k) VOX_INLINED {
+        const V magnitude = simd::abs(v[k + 1]);
+        least = min(least, magnitude);
+        sum = sum + magnitude;
+    });
+    return either(too_small(least), too_large(sum));
 }
 
 } // namespace vm
