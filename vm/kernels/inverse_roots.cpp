@@ -67,12 +67,12 @@ struct inverse_root {
             y = T(1) / root;
             y = y + (y * T(0.5)) * residual(x, y, root);
         }
-        if constexpr (vm::good_estimates) {
-            rare = vm::not_equal(y, y);
-        } else {
-            // of at least 2^-960 or 2^-100
-            rare = vm::not_less_equal(y, V{} + (sizeof(T) == 8 ? T(0x1p480) : T(0x1p50)));
-        }
+        // Without fused operations the residual of x needs x to be at least 2^-960, or 2^-100.
+        if constexpr (vm::fused)
+            rare = vm::not_finite(y);
+        else
+            rare = vm::not_less_equal(simd::abs(y),
+                                      V{} + (sizeof(T) == 8 ? T(0x1p480) : T(0x1p50)));
         return y;
     }
 };

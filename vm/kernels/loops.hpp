@@ -33,20 +33,6 @@ inline vec<T> apply(const F &f, const vec<T> (&x)[2], mask<T> &rare) {
     return f(x[0], x[1], rare);
 }
 
-// Those of the marked lanes that are to be fixed, where the function has a second look at them.
-template <class F, class T>
-inline unsigned confirmed(const F &f, const vec<T> (&x)[1], mask<T> rare) {
-    if constexpr (requires { f.confirm(x[0], rare); })
-        return lane_bits(f.confirm(x[0], rare));
-    return lane_bits(rare);
-}
-template <class F, class T>
-inline unsigned confirmed(const F &f, const vec<T> (&x)[2], mask<T> rare) {
-    if constexpr (requires { f.confirm(x[0], x[1], rare); })
-        return lane_bits(f.confirm(x[0], x[1], rare));
-    return lane_bits(rare);
-}
-
 // The marked elements of a vector that begins at element i. x: its arguments, which the results may have
 // overwritten in memory.
 template <class F, class T, int K>
@@ -83,12 +69,21 @@ __attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, cons
         else
             simd::store_partial(r + i, y, count);
         if constexpr (F::fixes)
-            if (VOX_UNLIKELY(lane_bits(rare))) {
+            if (VOX_UNLIKELY(any_lane(rare))) {
                 const unsigned there = count >= L ? ~0u : (1u << count) - 1;
-                if (const unsigned marked = confirmed<F, T>(f, x, rare) & there)
+                if (const unsigned marked = lane_bits(rare) & there)
                     fix(f, in[0], i, marked, x, r);
             }
     }
+}
+
+// Whether any result of a group may be rare. A function whose operation itself is cheap has a cheaper test than the
+// mask, of all the results together, which may be wrong about a few that are not rare.
+template <class F, class V, int N, int K, class M>
+VOX_INLINED inline bool suspicious(const V (&x)[N][K], const V (&y)[N], M rare) {
+    if constexpr (requires { F::suspicious(x, y); })
+        return F::suspicious(x, y);
+    return any_lane(rare);
 }
 
 // The stores of longer vectors are aligned.
@@ -104,33 +99,22 @@ VOX_INLINED inline void map(const F &f, index_t n, const T *const (&in)[K], T *r
         if (i > 0)
             map_slowly(f, 0, i, in, r);
     }
-    // Left where there is something to fix: a call inside the loop would cost registers.
-    for (;;) {
-        vec<T> x[N][K];
-        mask<T> rare[N];
-        for (; i + N * L <= n; i += N * L) {
-            simd::unroll<N>([&](auto v) VOX_INLINED {
-                simd::unroll<K>([&](auto k)
-                                    VOX_INLINED { x[v][k] = simd::load(in[k] + i + v * L); });
-            });
-            mask<T> any = no_lane<T>;
-            simd::unroll<N>([&](auto v) VOX_INLINED {
-                rare[v] = no_lane<T>;
-                simd::store(r + i + v * L, apply<F, T>(f, x[v], rare[v]));
-                any = mask<T>(any | rare[v]);
-            });
-            if constexpr (F::fixes)
-                if (VOX_UNLIKELY(lane_bits(any)))
-                    break;
-        }
-        if (i + N * L > n)
-            break;
+    for (; i + N * L <= n; i += N * L) {
+        vec<T> x[N][K], y[N];
+        mask<T> rare = no_lane<T>;
+        simd::unroll<N>([&](auto v) VOX_INLINED {
+            simd::unroll<K>([&](auto k) VOX_INLINED { x[v][k] = simd::load(in[k] + i + v * L); });
+            mask<T> of_vector = no_lane<T>;
+            y[v] = apply<F, T>(f, x[v], of_vector);
+            rare = either(rare, of_vector);
+        });
+        // Nothing has been stored, so all can be done again.
         if constexpr (F::fixes)
-            simd::unroll<N>([&](auto v) VOX_INLINED {
-                if (const unsigned marked = confirmed<F, T>(f, x[v], rare[v]))
-                    fix(f, in[0], i + v * L, marked, x[v], r);
-            });
-        i += N * L;
+            if (VOX_UNLIKELY(suspicious<F>(x, y, rare)) && any_lane(rare)) {
+                map_slowly(f, i, i + N * L, in, r);
+                continue;
+            }
+        simd::unroll<N>([&](auto v) VOX_INLINED { simd::store(r + i + v * L, y[v]); });
     }
     if (i < n)
         map_slowly(f, i, n, in, r);

@@ -52,6 +52,15 @@ inline M mask_not(M m) {
 // Bit i: lane i.
 inline unsigned lane_bits(__mmask8 m) { return m; }
 inline unsigned lane_bits(__mmask16 m) { return m; }
+#if defined(__AVX512DQ__) // in mask registers, which gcc would leave
+inline __mmask8 either(__mmask8 a, __mmask8 b) { return _kor_mask8(a, b); }
+inline bool any_lane(__mmask8 m) { return !_kortestz_mask8_u8(m, m); }
+#else
+inline __mmask8 either(__mmask8 a, __mmask8 b) { return a | b; }
+inline bool any_lane(__mmask8 m) { return m != 0; }
+#endif
+inline __mmask16 either(__mmask16 a, __mmask16 b) { return _mm512_kor(a, b); }
+inline bool any_lane(__mmask16 m) { return !_mm512_kortestz(m, m); }
 
 inline vec<double> select(__mmask8 m, vec<double> yes, vec<double> no) {
     return _mm512_mask_blend_pd(m, no, yes);
@@ -76,17 +85,30 @@ inline auto less(V a, V b) {
     return a < b;
 }
 template <class V>
-inline auto not_less(V a, V b) {
-    return ~(a < b);
-}
-template <class V>
 inline auto less_equal(V a, V b) {
     return a <= b;
 }
-template <class V>
-inline auto not_less_equal(V a, V b) {
-    return ~(a <= b);
-}
+// Written out, since ~ of a comparison is a second instruction.
+#if defined(__AVX__)
+#define VM_COMPARISON(name, sse, avx)                                                              \
+    inline mask<double> name(vec<double> a, vec<double> b) {                                       \
+        return mask<double>(_mm256_cmp_pd(a, b, avx));                                             \
+    }                                                                                              \
+    inline mask<float> name(vec<float> a, vec<float> b) {                                          \
+        return mask<float>(_mm256_cmp_ps(a, b, avx));                                              \
+    }
+#else
+#define VM_COMPARISON(name, sse, avx)                                                              \
+    inline mask<double> name(vec<double> a, vec<double> b) {                                       \
+        return mask<double>(_mm_##sse##_pd(a, b));                                                 \
+    }                                                                                              \
+    inline mask<float> name(vec<float> a, vec<float> b) {                                          \
+        return mask<float>(_mm_##sse##_ps(a, b));                                                  \
+    }
+#endif
+VM_COMPARISON(not_less, cmpnlt, _CMP_NLT_UQ)
+VM_COMPARISON(not_less_equal, cmpnle, _CMP_NLE_UQ)
+#undef VM_COMPARISON
 
 template <class T>
 constexpr mask<T> no_lane = {};
@@ -108,11 +130,42 @@ inline unsigned lane_bits(mask<float> m) {
     return unsigned(_mm_movemask_ps(__m128(m)));
 #endif
 }
+template <class M>
+inline M either(M a, M b) {
+    return a | b;
+}
+template <class M>
+inline bool any_lane(M m) {
+    using T = std::conditional_t<sizeof(m[0]) == 8, double, float>;
+    return lane_bits(mask<T>(m)) != 0;
+}
 template <class M, class V>
 inline V select(M m, V yes, V no) {
     return m ? yes : no;
 }
 #endif
+
+// The lesser and the greater, or b where one is no number.
+#if defined(__AVX512F__)
+#define VM_CHOICE(name)                                                                            \
+    inline vec<double> name(vec<double> a, vec<double> b) {                                        \
+        return _mm512_maskz_##name##_pd(0xFF, a, b);                                               \
+    }                                                                                              \
+    inline vec<float> name(vec<float> a, vec<float> b) {                                           \
+        return _mm512_maskz_##name##_ps(0xFFFF, a, b);                                             \
+    }
+#elif defined(__AVX__)
+#define VM_CHOICE(name)                                                                            \
+    inline vec<double> name(vec<double> a, vec<double> b) { return _mm256_##name##_pd(a, b); }     \
+    inline vec<float> name(vec<float> a, vec<float> b) { return _mm256_##name##_ps(a, b); }
+#else
+#define VM_CHOICE(name)                                                                            \
+    inline vec<double> name(vec<double> a, vec<double> b) { return _mm_##name##_pd(a, b); }        \
+    inline vec<float> name(vec<float> a, vec<float> b) { return _mm_##name##_ps(a, b); }
+#endif
+VM_CHOICE(min)
+VM_CHOICE(max)
+#undef VM_CHOICE
 
 // a b + c and its relatives. fused: rounded once; else twice. Kernels are compiled without contraction, so
 // nothing else is fused.

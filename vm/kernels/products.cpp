@@ -8,15 +8,19 @@ namespace {
 
 template <class T>
 struct multiply {
-    static constexpr int vectors = 2;
+    static constexpr int vectors = 4;
     VOX_VM_FIX(Mul)
     vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
         const vm::vec<T> product = x * y;
-        rare = vm::not_surely_normal(product);
+        const vm::vec<T> magnitude = simd::abs(product);
+        rare = vm::either(vm::too_large(magnitude),
+                          vm::mask<T>(vm::too_small(magnitude) & vm::not_equal(x, vm::vec<T>{}) &
+                                      vm::not_equal(y, vm::vec<T>{})));
         return product;
     }
-    vm::mask<T> confirm(vm::vec<T> x, vm::vec<T> y, vm::mask<T> rare) const {
-        return vm::mask<T>(rare & vm::not_equal(x, vm::vec<T>{}) & vm::not_equal(y, vm::vec<T>{}));
+    template <class Arguments, class Results>
+    static bool suspicious(const Arguments &, const Results &products) {
+        return vm::any_lane(vm::not_surely_normal_among(products));
     }
 };
 
@@ -26,11 +30,12 @@ struct square {
     VOX_VM_FIX(Sqr)
     vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
         const vm::vec<T> product = x * x;
-        rare = vm::not_surely_normal(product);
+        rare = vm::mask<T>(vm::not_surely_normal(product) & vm::not_equal(x, vm::vec<T>{}));
         return product;
     }
-    vm::mask<T> confirm(vm::vec<T> x, vm::mask<T> rare) const {
-        return vm::mask<T>(rare & vm::not_equal(x, vm::vec<T>{}));
+    template <class Arguments, class Results>
+    static bool suspicious(const Arguments &, const Results &squares) {
+        return vm::any_lane(vm::not_surely_normal_among(squares));
     }
 };
 

@@ -35,20 +35,33 @@ struct divide {
     static constexpr int vectors = 2;
     VOX_VM_FIX(Div)
     using V = vm::vec<T>;
+    // A multiple of the smallest normal number in its inverse.
+    static constexpr T largest_divisor = sizeof(T) == 8 ? T(0x1p1021) : T(0x1p125);
+
     V operator()(V x, V y, vm::mask<T> &rare) const {
-        if constexpr (estimated<T, accuracy>) {
-            const V inverse = inverse_of<T, accuracy>(y), quotient = x * inverse;
-            rare = vm::mask<T>(vm::not_surely_normal(quotient) | vm::not_surely_normal(inverse));
-            return quotient;
-        } else {
-            const V quotient = x / y;
-            rare = vm::not_surely_normal(quotient);
-            return quotient;
-        }
+        V quotient;
+        if constexpr (estimated<T, accuracy>)
+            quotient = x * inverse_of<T, accuracy>(y);
+        else
+            quotient = x / y;
+        // Zeros divided by normal numbers are zeros.
+        rare = vm::mask<T>(vm::not_surely_normal(quotient) &
+                           (vm::not_equal(x, V{}) | vm::not_surely_normal(y)));
+        if constexpr (estimated<T, accuracy>)
+            rare = vm::either(rare, vm::less(V{} + largest_divisor, simd::abs(y)));
+        return quotient;
     }
-    // Zeros divided by normal numbers are zeros.
-    vm::mask<T> confirm(V x, V y, vm::mask<T> rare) const {
-        return vm::mask<T>(rare & (vm::not_equal(x, V{}) | vm::not_surely_normal(y)));
+    template <int N>
+    static bool suspicious(const V (&arguments)[N][2], const V (&quotients)[N]) {
+        if constexpr (estimated<T, accuracy>) {
+            V largest = simd::abs(arguments[0][1]);
+            simd::unroll<N - 1>([&](auto v) VOX_INLINED {
+                largest = vm::max(largest, simd::abs(arguments[v + 1][1]));
+            });
+            return vm::any_lane(vm::either(vm::less(V{} + largest_divisor, largest),
+                                           vm::not_surely_normal_among(quotients)));
+        }
+        return vm::any_lane(vm::not_surely_normal_among(quotients));
     }
 };
 
@@ -56,14 +69,19 @@ template <class T, int accuracy>
 struct invert {
     static constexpr int vectors = 4;
     VOX_VM_FIX(Inv)
-    vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
-        vm::vec<T> inverse;
+    using V = vm::vec<T>;
+    V operator()(V x, vm::mask<T> &rare) const {
+        V inverse;
         if constexpr (estimated<T, accuracy>)
             inverse = inverse_of<T, accuracy>(x);
         else
             inverse = T(1) / x;
         rare = vm::not_surely_normal(inverse);
         return inverse;
+    }
+    template <class Arguments, class Results>
+    static bool suspicious(const Arguments &, const Results &inverses) {
+        return vm::any_lane(vm::not_surely_normal_among(inverses));
     }
 };
 
