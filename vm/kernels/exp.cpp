@@ -18,10 +18,9 @@ inline vec<double> exp_series(vec<double> r, vec<double> square) {
         return vm::polynomial(r, square,
                               {0x1.0000000000005p-1, 0x1.555555548f217p-3, 0x1.555555545e2ebp-5,
                                0x1.11123afbfcf9ap-7, 0x1.6c185e5a3a16ep-10});
-    else // within 2^-59.3
+    else // within 2^-57.4
         return vm::polynomial(r, square,
-                              {0x1.fffffffffdbbbp-2, 0x1.55555555543bbp-3, 0x1.555573ce33e92p-5,
-                               0x1.111126b9975d8p-7});
+                              {0x1.fffffffffffd4p-2, 0x1.5555571de03b5p-3, 0x1.55555769f93edp-5});
 }
 template <int accuracy>
 inline vec<float> exp_series(vec<float> r, vec<float> square) {

@@ -63,6 +63,24 @@ inline vec<float> select(__mmask16 m, vec<float> yes, vec<float> no) {
 template <class T>
 using mask = decltype(vec<T>{} < vec<T>{});
 
+// The compilers would make two operations of a comparison that is true with a NaN.
+template <int predicate, class V>
+inline auto complement(V a, V b) {
+    using M = decltype(a < b);
+#if defined(__AVX__)
+    if constexpr (sizeof(a[0]) == 8)
+        return M(_mm256_cmp_pd(a, b, predicate));
+    else
+        return M(_mm256_cmp_ps(a, b, predicate));
+#else
+    constexpr bool less = predicate == _CMP_NLT_UQ;
+    if constexpr (sizeof(a[0]) == 8)
+        return M(less ? _mm_cmpnlt_pd(a, b) : _mm_cmpnle_pd(a, b));
+    else
+        return M(less ? _mm_cmpnlt_ps(a, b) : _mm_cmpnle_ps(a, b));
+#endif
+}
+
 template <class V>
 inline auto equal(V a, V b) {
     return a == b;
@@ -77,7 +95,7 @@ inline auto less(V a, V b) {
 }
 template <class V>
 inline auto not_less(V a, V b) {
-    return ~(a < b);
+    return complement<_CMP_NLT_UQ>(a, b);
 }
 template <class V>
 inline auto less_equal(V a, V b) {
@@ -85,7 +103,7 @@ inline auto less_equal(V a, V b) {
 }
 template <class V>
 inline auto not_less_equal(V a, V b) {
-    return ~(a <= b);
+    return complement<_CMP_NLE_UQ>(a, b);
 }
 
 template <class T>
