@@ -55,25 +55,22 @@ inline V accurate_exp(V x, V t) {
 template <class V>
 inline V rough_exp(V x, V t) {
     using T = vm::element<V>;
-    const V r = vm::roughly_from_step(x, t), square = r * r;
+    const V r = vm::roughly_from_step(x, t);
     if constexpr (vm::steps<T> == 1) { // within 2^-13.7 of it
         return vm::times_two_to(
-            vm::polynomial(r, square, {0x1.fff68ap-1, 0x1.000acep+0, 0x1.028bd6p-1, 0x1.5348ecp-3}),
+            vm::polynomial(r, r * r, {0x1.fff68ap-1, 0x1.000acep+0, 0x1.028bd6p-1, 0x1.5348ecp-3}),
             t);
     } else {
         const V power = vm::two_to(t).head;
         if constexpr (sizeof(T) == 4) // within 2^-12
             return vm::fma(power, r, power);
         else if constexpr (vm::steps<T> == 16) // within 2^-29.2
-            return vm::fma(power,
-                           r * vm::polynomial(r, square,
-                                              {0x1.fffffff97068fp-1, 0x1.00022086d8e02p-1,
-                                               0x1.55583d487478ep-3}),
-                           power);
-        else // within 2^-27.2
             return vm::fma(
-                power, r * vm::polynomial(r, square, {0x1.00003d9d400abp+0, 0x1.000029182923bp-1}),
+                power * r,
+                vm::polynomial(r, {0x1.fffffff97068fp-1, 0x1.00022086d8e02p-1, 0x1.55583d487478ep-3}),
                 power);
+        else // within 2^-31
+            return vm::fma(power * r, vm::polynomial(r, {1.0, 0.5}), power);
     }
 }
 
