@@ -155,5 +155,13 @@ inline V fma(V a, V b, V c) {
 }
 #endif
 
+// The magnitude of one with the sign of the other.
+template <class V>
+inline V with_sign(V magnitude, V sign) {
+    using B = decltype(V{} < V{});
+    const B bit = B(-V{});
+    return V((B(magnitude) & ~bit) | (B(sign) & bit));
+}
+
 } // namespace vm
 } // namespace
