@@ -1,8 +1,7 @@
 // exp.cpp - exponentials.
 //
-// e^x = 2^n e^r, see exponents.hpp, and e^r is a polynomial. Coefficients make the largest error least, by Remez'
-// algorithm with 60 digits; of those that are near 1, the ones that are written 1 were held there.
-#include "vm/kernels/exponents.hpp"
+// e^x = 2^n e^r, see exponents.hpp, and e^r is a polynomial.
+#include "vm/kernels/exp_series.hpp"
 #include "vm/kernels/loops.hpp"
 
 VOX_VM_DECLARE_FIX_1(Exp)
@@ -11,37 +10,13 @@ namespace {
 
 using vm::vec;
 
-// (e^r - 1 - r) / r^2.
-template <int accuracy>
-inline vec<double> exp_series(vec<double> r, vec<double> square) {
-    if constexpr (vm::steps<double> == 16) // r^2 of it within 2^-56.2
-        return vm::polynomial(r, square,
-                              {0x1.0000000000005p-1, 0x1.555555548f217p-3, 0x1.555555545e2ebp-5,
-                               0x1.11123afbfcf9ap-7, 0x1.6c185e5a3a16ep-10});
-    else // within 2^-59.3
-        return vm::polynomial(r, square,
-                              {0x1.fffffffffdbbbp-2, 0x1.55555555543bbp-3, 0x1.555573ce33e92p-5,
-                               0x1.111126b9975d8p-7});
-}
-template <int accuracy>
-inline vec<float> exp_series(vec<float> r, vec<float> square) {
-    if constexpr (vm::steps<float> == 16) // within 2^-29.2
-        return vm::polynomial(r, square, {0x1.00022p-1, 0x1.555764p-3});
-    else if constexpr (accuracy == TQM_HA) // within 2^-28.2
-        return vm::polynomial(
-            r, square, {0x1p-1, 0x1.55548ep-3, 0x1.55545cp-5, 0x1.123bdep-7, 0x1.6db4f4p-10});
-    else // within 2^-23.3
-        return vm::polynomial(r, square,
-                              {0x1.fffdc2p-2, 0x1.55543cp-3, 0x1.573c06p-5, 0x1.126c5p-7});
-}
-
 // 2^n e^r.
 template <int accuracy, class V>
 inline V accurate_exp(V x, V t) {
     using T = vm::element<V>;
     const auto reduced = vm::from_step(x, t);
     const V r = reduced.head - reduced.tail, square = r * r,
-            series = exp_series<accuracy>(r, square);
+            series = vm::exp_series<accuracy>(r, square);
     if constexpr (vm::steps<T> != 1) {
         const auto power = vm::two_to(t);
         const V first = accuracy == TQM_HA ? r + power.tail : r;
@@ -56,25 +31,17 @@ inline V accurate_exp(V x, V t) {
 template <class V>
 inline V rough_exp(V x, V t) {
     using T = vm::element<V>;
-    const V r = vm::roughly_from_step(x, t), square = r * r;
+    const V r = vm::roughly_from_step(x, t);
     if constexpr (vm::steps<T> == 1) { // within 2^-13.7 of it
         return vm::times_two_to(
-            vm::polynomial(r, square, {0x1.fff68ap-1, 0x1.000acep+0, 0x1.028bd6p-1, 0x1.5348ecp-3}),
+            vm::polynomial(r, r * r, {0x1.fff68ap-1, 0x1.000acep+0, 0x1.028bd6p-1, 0x1.5348ecp-3}),
             t);
     } else {
         const V power = vm::two_to(t).head;
         if constexpr (sizeof(T) == 4) // within 2^-12
             return vm::fma(power, r, power);
-        else if constexpr (vm::steps<T> == 16) // within 2^-29.2
-            return vm::fma(power,
-                           r * vm::polynomial(r, square,
-                                              {0x1.fffffff97068fp-1, 0x1.00022086d8e02p-1,
-                                               0x1.55583d487478ep-3}),
-                           power);
-        else // within 2^-27.2
-            return vm::fma(
-                power, r * vm::polynomial(r, square, {0x1.00003d9d400abp+0, 0x1.000029182923bp-1}),
-                power);
+        else
+            return vm::fma(power * r, vm::rough_series(r), power);
     }
 }
 

@@ -6,7 +6,7 @@
 //   const reduced<V> r = from_step(x, t);   // x - n ln 2
 //   const scaled<V> power = two_to(t);      // 2^n
 //
-// N is what the set looks up fast: 16 from registers with AVX-512, else 64 from memory in double precision, and
+// N is what the set looks up fast: 16 from registers with AVX-512, else 256 from memory in double precision, and
 // none in single.
 #pragma once
 
@@ -30,7 +30,7 @@ template <class T>
 constexpr int steps = 16;
 #else
 template <class T>
-constexpr int steps = sizeof(T) == 4 ? 1 : 64;
+constexpr int steps = sizeof(T) == 4 ? 1 : vox::vm::root_count;
 #endif
 
 template <class T>
@@ -84,7 +84,7 @@ struct power_entry {
 };
 template <class T>
 constexpr power_entry<T> entry_of_step(int j) {
-    const auto root = vox::vm::roots_of_two[j * (64 / steps<T>)];
+    const auto root = vox::vm::roots_of_two.roots[j * (vox::vm::root_count / steps<T>)];
     const T head = T(root.head);
     return {word<T>(std::bit_cast<word<T>>(head) - (word<T>(j) << step_to_exponent<T>)),
             T((root.head - double(head)) / root.head + root.tail)};
