@@ -18,14 +18,14 @@ struct ln {
         const vec<T> r = vm::reduced<T>(m, e.c);
         const vec<T> a = vm::fma(k, vm::all(vm::ln2<T>.head), e.head);
         const vec<T> b = vm::fma(k, vm::all(vm::ln2<T>.tail), e.tail);
-        const vec<T> head = a + r, rounding = r - (head - a);
-        const vec<T> tail = vm::fma(r * r, vm::ln1p_rest<T>(r), b + rounding);
+        const vec<T> square = r * r, head = a + r, rounding = r - (head - a);
+        const vec<T> tail = vm::fma(square, vm::ln1p_rest<T>(r, square), b + rounding);
         const vec<T> result = head + tail;
 #if defined(__AVX512F__)
         rare = vm::not_less(simd::abs(result), vm::all(T(__builtin_inf())));
 #else
-        rare = vm::mask_not(vm::less_equal(vm::all(vm::format<T>::smallest_normal), x) &
-                            vm::less(x, vm::all(T(__builtin_inf()))));
+        rare = vm::not_less_equal(vm::all(vm::format<T>::smallest_normal), x) |
+               vm::not_less(x, vm::all(T(__builtin_inf())));
 #endif
         return result;
     }

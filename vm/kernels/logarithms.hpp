@@ -254,25 +254,25 @@ inline vec<T> reduced(vec<T> m, vec<T> c) {
 // (ln(1 + r) - r) / r^2. The polynomials are minimax for the relative error of ln(1 + r) over the range of r,
 // rounded by lattice reduction (Sollya's fpminimax).
 template <class T>
-inline vec<T> ln1p_rest(vec<T> r);
+inline vec<T> ln1p_rest(vec<T> r, vec<T> square);
 template <>
-inline vec<double> ln1p_rest<double>(vec<double> r) {
+inline vec<double> ln1p_rest<double>(vec<double> r, vec<double> square) {
     if constexpr (log_bits<double> == 4) { // error 2^-61.5 of ln(1 + r)
         constexpr double c[] = {-0x1.fffffffffffffp-2, 0x1.555555555556cp-2,  -0x1.0000000002156p-2,
                                 0x1.99999999776fdp-3,  -0x1.5555552908f76p-3, 0x1.2492486557421p-3,
                                 -0x1.0000bada70c17p-3, 0x1.c73206c400b88p-4,  -0x1.97c84c6264a41p-4,
                                 0x1.419828d2104p-4};
-        return polynomial<double>(r, c);
+        return polynomial<double>(r, square, c);
     } else { // error 2^-60.7
         constexpr double c[] = {-0x1.ffffffffffffap-2, 0x1.55555555546b6p-2,  -0x1.000000017ba9ep-2,
                                 0x1.99999e9fa9cc1p-3,  -0x1.55540b16df623p-3, 0x1.212689094bb4fp-3};
-        return polynomial<double>(r, c);
+        return polynomial<double>(r, square, c);
     }
 }
 template <>
-inline vec<float> ln1p_rest<float>(vec<float> r) { // error 2^-33.2
+inline vec<float> ln1p_rest<float>(vec<float> r, vec<float> square) { // error 2^-33.2
     constexpr float c[] = {-0x1p-1f, 0x1.5555b6p-2f, -0x1.0004bap-2f, 0x1.8d9148p-3f};
-    return polynomial<float>(r, c);
+    return polynomial<float>(r, square, c);
 }
 
 } // namespace vm

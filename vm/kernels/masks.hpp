@@ -63,30 +63,31 @@ inline vec<float> select(__mmask16 m, vec<float> yes, vec<float> no) {
 template <class T>
 using mask = decltype(vec<T>{} < vec<T>{});
 
-template <class V>
-inline auto equal(V a, V b) {
-    return a == b;
-}
-template <class V>
-inline auto not_equal(V a, V b) {
-    return a != b;
-}
-template <class V>
-inline auto less(V a, V b) {
-    return a < b;
-}
-template <class V>
-inline auto not_less(V a, V b) {
-    return ~(a < b);
-}
-template <class V>
-inline auto less_equal(V a, V b) {
-    return a <= b;
-}
-template <class V>
-inline auto not_less_equal(V a, V b) {
-    return ~(a <= b);
-}
+// Instructions, since gcc takes ~(a < b) of 64-bit lanes apart.
+#if defined(__AVX__)
+#define VM_COMPARISON(name, sse, avx)                                                              \
+    inline mask<double> name(vec<double> a, vec<double> b) {                                       \
+        return mask<double>(_mm256_cmp_pd(a, b, avx));                                             \
+    }                                                                                              \
+    inline mask<float> name(vec<float> a, vec<float> b) {                                          \
+        return mask<float>(_mm256_cmp_ps(a, b, avx));                                              \
+    }
+#else
+#define VM_COMPARISON(name, sse, avx)                                                              \
+    inline mask<double> name(vec<double> a, vec<double> b) {                                       \
+        return mask<double>(_mm_cmp##sse##_pd(a, b));                                              \
+    }                                                                                              \
+    inline mask<float> name(vec<float> a, vec<float> b) {                                          \
+        return mask<float>(_mm_cmp##sse##_ps(a, b));                                               \
+    }
+#endif
+VM_COMPARISON(equal, eq, _CMP_EQ_OQ)
+VM_COMPARISON(not_equal, neq, _CMP_NEQ_UQ)
+VM_COMPARISON(less, lt, _CMP_LT_OQ)
+VM_COMPARISON(not_less, nlt, _CMP_NLT_UQ)
+VM_COMPARISON(less_equal, le, _CMP_LE_OQ)
+VM_COMPARISON(not_less_equal, nle, _CMP_NLE_UQ)
+#undef VM_COMPARISON
 
 template <class T>
 constexpr mask<T> no_lane = {};
