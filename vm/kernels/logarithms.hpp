@@ -143,6 +143,21 @@ inline vec<T> rough_ln(vec<T> k, const log_entries<T, rough> &e, vec<T> r) {
     return a + fma(square, ln1p_rest<accuracy>(r, square), r);
 }
 
+// c 2^-k for u = 2^k m. Without AVX-512, 0 where that is subnormal, which is for k = 1023 or 127.
+template <class T>
+inline vec<T> scaled_back(vec<T> c, [[maybe_unused]] vec<T> k, [[maybe_unused]] vec<T> u) {
+#if defined(__AVX512F__)
+    if constexpr (sizeof(T) == 8)
+        return _mm512_maskz_scalef_pd(0xFF, c, 0 - k);
+    else
+        return _mm512_maskz_scalef_ps(0xFFFF, c, 0 - k);
+#else
+    constexpr word<T> one = word<T>(1) << format<T>::mantissa;
+    const words<T> exponent = words<T>(u) & (2 * format<T>::bias + 1) * one;
+    return c * vec<T>(2 * format<T>::bias * one - exponent);
+#endif
+}
+
 // Lanes of results that are infinite or NaN.
 template <class T>
 inline mask<T> not_finite(vec<T> v) {
