@@ -133,8 +133,8 @@ template <class T>
 inline vec<T> accurate_ln(vec<T> k, const log_entries<T, exact> &e, vec<T> r, vec<T> more) {
     const vec<T> sum = r + more, square = sum * sum;
     const vec<T> a = fma(k, all(ln2<T>.head), e.head), b = fma(k, all(ln2<T>.tail), e.tail);
-    const vec<T> head = a + r, rounding = r - (head - a);
-    return head + fma(square, ln1p_rest<TQM_HA>(sum, square), (b + more) + rounding);
+    const vec<T> head = a + sum, rounding = (sum - (head - a)) + ((r - sum) + more);
+    return head + fma(square, ln1p_rest<TQM_HA>(sum, square), b + rounding);
 }
 template <class T, int accuracy>
 inline vec<T> rough_ln(vec<T> k, const log_entries<T, rough> &e, vec<T> r) {
