@@ -25,9 +25,9 @@ struct ln {
         else
             result = logs::rough_ln<T, accuracy>(k, entries, r);
 #if defined(__AVX512F__)
-        rare = logs::not_finite<T>(result);
+        rare = vm::not_finite(result);
 #else
-        rare = vm::not_less_equal(logs::all(logs::format<T>::smallest_normal), x) |
+        rare = vm::not_less_equal(logs::all(vm::smallest_normal<T>), x) |
                vm::not_less(x, logs::all(T(__builtin_inf())));
 #endif
         return result;

@@ -15,8 +15,8 @@ namespace logs = vm::logs;
 // Infinite or NaN, -1 or beyond, or subnormal.
 template <class T>
 vm::mask<T> special(vec<T> x) {
-    const auto tiny = vm::less(simd::abs(x), logs::all(logs::format<T>::smallest_normal)) &
-                      vm::not_equal(x, vec<T>{});
+    const auto tiny =
+        vm::less(simd::abs(x), logs::all(vm::smallest_normal<T>)) & vm::not_equal(x, vec<T>{});
     return tiny | vm::not_less(logs::all(T(-1)), x) |
            vm::not_less(x, logs::all(T(__builtin_inf())));
 }

@@ -25,13 +25,11 @@ template <>
 struct format<double> {
     using word = long long;
     static constexpr int mantissa = 52, bias = 1023, head_bits = 43;
-    static constexpr double smallest_normal = 0x1p-1022;
 };
 template <>
 struct format<float> {
     using word = int;
     static constexpr int mantissa = 23, bias = 127, head_bits = 17;
-    static constexpr float smallest_normal = 0x1p-126f;
 };
 template <class T>
 using word = typename format<T>::word;

@@ -11,6 +11,7 @@
 
 #include "vm/kernels/log_tables.hpp"
 #include "vm/kernels/polynomials.hpp"
+#include "vm/kernels/ranges.hpp"
 #include "vox/tqm.h"
 
 namespace {
@@ -65,34 +66,32 @@ template <int accuracy>
 inline vec<double> ln1p_rest(vec<double> r, vec<double> square) {
 #if defined(__AVX512F__)
     if constexpr (accuracy == TQM_HA) { // -61.5
-        constexpr double c[] = {-0x1.fffffffffffffp-2, 0x1.555555555556cp-2,  -0x1.0000000002156p-2,
-                                0x1.99999999776fdp-3,  -0x1.5555552908f76p-3, 0x1.2492486557421p-3,
-                                -0x1.0000bada70c17p-3, 0x1.c73206c400b88p-4,  -0x1.97c84c6264a41p-4,
-                                0x1.419828d2104p-4};
-        return polynomial<double>(r, square, c);
+        return polynomial(r, square,
+                          {-0x1.fffffffffffffp-2, 0x1.555555555556cp-2, -0x1.0000000002156p-2,
+                           0x1.99999999776fdp-3, -0x1.5555552908f76p-3, 0x1.2492486557421p-3,
+                           -0x1.0000bada70c17p-3, 0x1.c73206c400b88p-4, -0x1.97c84c6264a41p-4,
+                           0x1.419828d2104p-4});
     } else if constexpr (accuracy == TQM_LA) { // -56.6
-        constexpr double c[] = {
-            -0x1.0000000000003p-1, 0x1.5555555555f5cp-2,  -0x1.ffffffffef5c5p-3,
-            0x1.9999998093059p-3,  -0x1.555554c298ff4p-3, 0x1.2492d90829665p-3,
-            -0x1.0009a35e8f1b9p-3, 0x1.c57122bad90ccp-4,  -0x1.65e46c41d5503p-4};
-        return polynomial<double>(r, square, c);
+        return polynomial(r, square,
+                          {-0x1.0000000000003p-1, 0x1.5555555555f5cp-2, -0x1.ffffffffef5c5p-3,
+                           0x1.9999998093059p-3, -0x1.555554c298ff4p-3, 0x1.2492d90829665p-3,
+                           -0x1.0009a35e8f1b9p-3, 0x1.c57122bad90ccp-4, -0x1.65e46c41d5503p-4});
     } else { // -28.4
-        constexpr double c[] = {-0x1.0000007770ebcp-1, 0x1.5558449af698cp-2, -0x1.001000729dfacp-2,
-                                0x1.81f7804553e98p-3};
-        return polynomial<double>(r, square, c);
+        return polynomial(r, square,
+                          {-0x1.0000007770ebcp-1, 0x1.5558449af698cp-2, -0x1.001000729dfacp-2,
+                           0x1.81f7804553e98p-3});
     }
 #else
     if constexpr (accuracy == TQM_HA) { // -60.7
-        constexpr double c[] = {-0x1.ffffffffffffap-2, 0x1.55555555546b6p-2,  -0x1.000000017ba9ep-2,
-                                0x1.99999e9fa9cc1p-3,  -0x1.55540b16df623p-3, 0x1.212689094bb4fp-3};
-        return polynomial<double>(r, square, c);
+        return polynomial(r, square,
+                          {-0x1.ffffffffffffap-2, 0x1.55555555546b6p-2, -0x1.000000017ba9ep-2,
+                           0x1.99999e9fa9cc1p-3, -0x1.55540b16df623p-3, 0x1.212689094bb4fp-3});
     } else if constexpr (accuracy == TQM_LA) { // -58.1
-        constexpr double c[] = {-0x1.fffffffffffa9p-2, 0x1.555555555dce1p-2, -0x1.0000004956a15p-2,
-                                0x1.999988e2bef7dp-3, -0x1.53abf8460ac95p-3};
-        return polynomial<double>(r, square, c);
+        return polynomial(r, square,
+                          {-0x1.fffffffffffa9p-2, 0x1.555555555dce1p-2, -0x1.0000004956a15p-2,
+                           0x1.999988e2bef7dp-3, -0x1.53abf8460ac95p-3});
     } else { // -28.7
-        constexpr double c[] = {-0x1.00001fa38249cp-1, 0x1.54bc081dc9e1p-2};
-        return polynomial<double>(r, square, c);
+        return polynomial(r, square, {-0x1.00001fa38249cp-1, 0x1.54bc081dc9e1p-2});
     }
 #endif
 }
@@ -100,21 +99,17 @@ template <int accuracy>
 inline vec<float> ln1p_rest(vec<float> r, vec<float> square) {
 #if defined(__AVX512F__)
     if constexpr (accuracy == TQM_HA) { // -33.2
-        constexpr float c[] = {-0x1p-1f, 0x1.5555b6p-2f, -0x1.0004bap-2f, 0x1.8d9148p-3f};
-        return polynomial<float>(r, square, c);
+        return polynomial(r, square, {-0x1p-1, 0x1.5555b6p-2, -0x1.0004bap-2, 0x1.8d9148p-3});
     } else if constexpr (accuracy == TQM_LA) { // -26.9
-        constexpr float c[] = {-0x1.00002ap-1f, 0x1.555dcp-2f, -0x1.f3844ap-3f};
-        return polynomial<float>(r, square, c);
+        return polynomial(r, square, {-0x1.00002ap-1, 0x1.555dcp-2, -0x1.f3844ap-3});
     } else { // -12.6
         return all(-0x1.fac4d2p-2f);
     }
 #else
     if constexpr (accuracy == TQM_HA) { // -33.5
-        constexpr float c[] = {-0x1p-1f, 0x1.55563ep-2f, -0x1.fe09cap-3f};
-        return polynomial<float>(r, square, c);
+        return polynomial(r, square, {-0x1p-1, 0x1.55563ep-2, -0x1.fe09cap-3});
     } else if constexpr (accuracy == TQM_LA) { // -25.7
-        constexpr float c[] = {-0x1.00007ep-1f, 0x1.542364p-2f};
-        return polynomial<float>(r, square, c);
+        return polynomial(r, square, {-0x1.00007ep-1, 0x1.542364p-2});
     } else { // -16.6
         return all(-0x1.feac54p-2f);
     }
@@ -156,12 +151,6 @@ inline vec<T> scaled_back(vec<T> c, [[maybe_unused]] vec<T> k, [[maybe_unused]] 
     const words<T> exponent = words<T>(u) & (2 * format<T>::bias + 1) * one;
     return c * vec<T>(2 * format<T>::bias * one - exponent);
 #endif
-}
-
-// Lanes of results that are infinite or NaN.
-template <class T>
-inline mask<T> not_finite(vec<T> v) {
-    return not_less(simd::abs(v), all(T(__builtin_inf())));
 }
 
 } // namespace logs

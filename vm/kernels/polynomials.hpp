@@ -24,31 +24,5 @@ VOX_INLINED inline V polynomial(V x, [[maybe_unused]] V square, const double (&c
     return sum;
 }
 
-// c[0] + c[1] x + ... by Horner's rule.
-template <class T, int N>
-VOX_INLINED inline vec<T> polynomial(vec<T> x, const T (&c)[N]) {
-    vec<T> p = vec<T>{} + c[N - 1];
-    simd::unroll<N - 1>([&](auto i) VOX_INLINED { p = fma(p, x, vec<T>{} + c[N - 2 - i]); });
-    return p;
-}
-
-// The same where x^2 is there already: Horner's rule in it on pairs of terms, in half the steps one after the
-// other.
-template <class T, int N>
-VOX_INLINED inline vec<T> polynomial(vec<T> x, vec<T> square, const T (&c)[N]) {
-    const auto pair = [&](auto i) VOX_INLINED {
-        if constexpr (i + 1 < N)
-            return fma(vec<T>{} + c[i + 1], x, vec<T>{} + c[i]);
-        else
-            return vec<T>{} + c[i];
-    };
-    constexpr int pairs = (N + 1) / 2;
-    vec<T> p = pair(simd::constant<2 * pairs - 2>());
-    simd::unroll<pairs - 1>([&](auto i) VOX_INLINED {
-        p = fma(p, square, pair(simd::constant<2 * (pairs - 2 - i)>()));
-    });
-    return p;
-}
-
 } // namespace vm
 } // namespace
