@@ -48,6 +48,15 @@ outcome<float> ln(float x) {
     return special(x, x);
 }
 
+// Subnormal numbers are their own results, rounded.
+template <class T>
+outcome<T> log1p(T x) {
+    if (x > -1 && x < T(infinity))
+        return {x, TQM_STATUS_UNDERFLOW};
+    return special(x, x + 1);
+}
+
 } // namespace
 
 VOX_VM_FIXUP_1(Ln, ln)
+VOX_VM_FIXUP_1(Log1p, log1p)

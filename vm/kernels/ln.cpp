@@ -1,4 +1,5 @@
-// ln.cpp - natural logarithms.
+// ln.cpp - natural logarithms. Negative numbers, zeros, infinities and NaNs are left to the fix-up, and so are
+// subnormal numbers without AVX-512.
 #include "vm/kernels/logarithms.hpp"
 #include "vm/kernels/loops.hpp"
 
@@ -7,25 +8,27 @@ VOX_VM_DECLARE_FIX_1(Ln)
 namespace {
 
 using vm::vec;
+namespace logs = vm::logs;
 
 template <class T, int accuracy>
 struct ln {
     static constexpr int vectors = 2;
     VOX_VM_FIX(Ln)
     vec<T> operator()(vec<T> x, vm::mask<T> &rare) const {
-        const auto [k, m] = vm::split<T>(x);
-        const auto e = vm::lookup<T>(vm::words<T>(m));
-        const vec<T> r = vm::reduced<T>(m, e.c);
-        const vec<T> a = vm::fma(k, vm::all(vm::ln2<T>.head), e.head);
-        const vec<T> b = vm::fma(k, vm::all(vm::ln2<T>.tail), e.tail);
-        const vec<T> head = a + r, rounding = r - (head - a);
-        const vec<T> tail = vm::fma(r * r, vm::ln1p_rest<T>(r), b + rounding);
-        const vec<T> result = head + tail;
+        constexpr logs::kind kind = logs::kind_of(accuracy);
+        const auto [k, m] = logs::split<T, kind>(x);
+        const auto entries = logs::lookup<T, kind>(m);
+        const vec<T> r = logs::reduced<T, kind>(m, entries.c);
+        vec<T> result;
+        if constexpr (accuracy == TQM_HA)
+            result = logs::accurate_ln<T>(k, entries, r);
+        else
+            result = logs::rough_ln<T, accuracy>(k, entries, r);
 #if defined(__AVX512F__)
-        rare = vm::not_less(simd::abs(result), vm::all(T(__builtin_inf())));
+        rare = vm::not_finite(result);
 #else
-        rare = vm::mask_not(vm::less_equal(vm::all(vm::format<T>::smallest_normal), x) &
-                            vm::less(x, vm::all(T(__builtin_inf()))));
+        rare = vm::not_less_equal(logs::all(vm::smallest_normal<T>), x) |
+               vm::not_less(x, logs::all(T(__builtin_inf())));
 #endif
         return result;
     }

@@ -1,0 +1,257 @@
+// log_tables.hpp - what logarithms look up.
+//
+// For numbers m, 1 <= m < 2, the first B bits choose an interval, [1 + j/n, 1 + (j+1)/n) with n = 2^B, and c near
+// 1/m, so that r = c m - 1 is small: -1/(2n) <= r < 1/n. Beside m = 1, c is 1, and beside 2 it is 1/2.
+//
+//   log_table<T, exact>   c is a multiple of 1/(2n), so that r is a number of the precision; -ln c is there as
+//                         head and tail. The heads are multiples of a unit in which k ln 2 - ln c is exact, and
+//                         that of 1/2 is ln 2 to the last bit.
+//   log_table<T, rough>   -ln c is one number. The error of k ln 2 - ln c is small beside ln x even where the
+//                         two cancel. The sets do this in two ways: see rough_entry.
+//
+// With AVX-512 tables are few and in registers, elsewhere rows in memory.
+#pragma once
+
+#include "vm/kernels/masks.hpp"
+
+namespace {
+namespace vm {
+namespace logs {
+
+// |k| is at most 1074 or 149, and the heads are multiples of 2^-head_bits.
+template <class T>
+struct format;
+template <>
+struct format<double> {
+    using word = long long;
+    static constexpr int mantissa = 52, bias = 1023, head_bits = 43;
+};
+template <>
+struct format<float> {
+    using word = int;
+    static constexpr int mantissa = 23, bias = 127, head_bits = 17;
+};
+template <class T>
+using word = typename format<T>::word;
+template <class T>
+using words = typename simd::vec_of<word<T>, simd::vector_bytes>::type;
+
+template <class T>
+inline vec<T> all(T x) {
+    return vec<T>{} + x;
+}
+
+// The lanes' bits shifted to the right, zeros coming in.
+template <class T, int Bits>
+inline words<T> shifted(words<T> w) {
+    typedef std::make_unsigned_t<word<T>> U __attribute__((vector_size(simd::vector_bytes)));
+    return words<T>(U(w) >> Bits);
+}
+
+// -ln c to some 100 bits, for 1/2 <= c <= 1: 2 artanh((1 - c) / (1 + c)).
+__extension__ typedef __float128 quad;
+constexpr quad minus_ln(quad c) {
+    const quad z = (1 - c) / (1 + c), square = z * z;
+    quad sum = 0, power = z;
+    for (int i = 1; i < 70; i += 2, power *= square)
+        sum += power / i;
+    return 2 * sum;
+}
+
+enum kind { exact, rough };
+
+template <class T, kind>
+struct log_entry {
+    T c, head, tail; // head + tail = -ln c
+};
+template <class T>
+struct log_entry<T, rough> {
+    T c, value;
+};
+
+template <class T>
+constexpr log_entry<T, exact> exact_entry(T c) {
+    const quad value = minus_ln(c), unit = 1 / quad(1ll << format<T>::head_bits);
+    const quad head = quad((long long)(value / unit)) * unit;
+    return {c, T(head), T(value - head)};
+}
+template <class T>
+constexpr log_entry<T, exact> ln2 = exact_entry(T(0.5));
+
+// The multiples of 1/(2n) that keep r in its range: the largest, in the upper half of the intervals the smallest.
+constexpr int numerator(int j, int n) {
+    return j < n / 2 ? 2 * n * (n + 1) / (n + j + 1) : (n * (2 * n - 1) + n + j - 1) / (n + j);
+}
+
+#if defined(__AVX512F__)
+// Next to x = 1, with k = -1, -ln c cancels against ln 2, and its rounding would remain. These c are chosen by
+// search, for roundings below 0.12 ulp of ln x.
+constexpr unsigned short rough_c_double[16] = {2048, 1877, 1797, 1738, 1657, 1524, 1462, 1445,
+                                               1362, 1275, 1275, 1198, 1145, 1110, 1110, 1024};
+constexpr unsigned short rough_c_float[32] = {
+    16384, 15857, 15310, 14791, 14345, 14004, 13849, 13444, 13136, 12833, 12353,
+    12117, 11952, 11548, 11370, 11084, 10995, 10668, 10561, 10333, 10054, 9785,
+    9785,  9593,  9264,  9077,  8902,  8814,  8694,  8694,  8401,  8192};
+
+template <class T, kind>
+constexpr int log_bits = sizeof(T) == 8 ? 4 : 5;
+constexpr int rough_exponent_carry = 0;
+
+template <class T>
+constexpr log_entry<T, rough> rough_entry(int j, int n) {
+    // Where k may be -1, what the rounded ln 2 lacks is taken off again.
+    const quad ln_2 = minus_ln(0.5), lacking = ln_2 - T(ln_2);
+    const T c = sizeof(T) == 8 ? T(rough_c_double[j % 16]) / 2048 : T(rough_c_float[j]) / 16384;
+    return {c, T(minus_ln(c) - (j < n / 2 ? 0 : lacking))};
+}
+#else
+template <class T, kind K>
+constexpr int log_bits = sizeof(T) == 4 || K == exact ? 7 : 8;
+
+// In the upper half of the intervals k counts one more, and ln 2 is off the entries: nothing cancels.
+constexpr int rough_exponent_carry = 1;
+
+template <class T>
+constexpr log_entry<T, rough> rough_entry(int j, int n) {
+    const T c = T(numerator(j, n)) / (2 * n);
+    return {c, T(j < n / 2 ? minus_ln(c) : minus_ln(c) - minus_ln(0.5))};
+}
+#endif
+
+template <class T, kind K>
+constexpr log_entry<T, K> entry_of_interval(int j) {
+    constexpr int n = 1 << log_bits<T, K>;
+    if constexpr (K == exact)
+        return exact_entry(T(numerator(j, n)) / (2 * n));
+    else
+        return rough_entry<T>(j, n);
+}
+
+template <class T, kind>
+struct log_entries {
+    vec<T> c, head, tail;
+};
+template <class T>
+struct log_entries<T, rough> {
+    vec<T> c, value;
+};
+
+#if defined(__AVX512F__)
+template <class T, kind K>
+struct log_columns {
+    alignas(64) T column[K == exact ? 3 : 2][1 << log_bits<T, K>];
+    constexpr log_columns() : column() {
+        for (int j = 0; j < 1 << log_bits<T, K>; ++j) {
+            const auto e = entry_of_interval<T, K>(j);
+            column[0][j] = e.c;
+            if constexpr (K == exact)
+                column[1][j] = e.head, column[2][j] = e.tail;
+            else
+                column[1][j] = e.value;
+        }
+    }
+};
+template <class T, kind K>
+constexpr log_columns<T, K> log_table{};
+
+inline vec<double> at(__m512i index, const double (&column)[16]) {
+    return _mm512_permutex2var_pd(_mm512_load_pd(column), index, _mm512_load_pd(column + 8));
+}
+inline vec<float> at(__m512i index, const float (&column)[32]) {
+    return _mm512_permutex2var_ps(_mm512_load_ps(column), index, _mm512_load_ps(column + 16));
+}
+
+// The entries for the lanes' mantissas.
+template <class T, kind K>
+inline log_entries<T, K> lookup(vec<T> m) {
+    const auto index = __m512i(shifted<T, format<T>::mantissa - log_bits<T, K>>(words<T>(m)));
+    const auto &column = log_table<T, K>.column;
+    if constexpr (K == exact)
+        return {at(index, column[0]), at(index, column[1]), at(index, column[2])};
+    else
+        return {at(index, column[0]), at(index, column[1])};
+}
+#else
+// Rows of four numbers, or two.
+template <class T, kind K>
+struct log_rows {
+    static constexpr int width = K == exact ? 4 : 2;
+    alignas(64) T row[1 << log_bits<T, K>][width];
+    constexpr log_rows() : row() {
+        for (int j = 0; j < 1 << log_bits<T, K>; ++j) {
+            const auto e = entry_of_interval<T, K>(j);
+            row[j][0] = e.c;
+            if constexpr (K == exact)
+                row[j][1] = e.head, row[j][2] = e.tail;
+            else
+                row[j][1] = e.value;
+        }
+    }
+};
+template <class T, kind K>
+constexpr log_rows<T, K> log_table{};
+
+// Lane i of words that fit in 16 bits.
+template <int I, class W>
+inline int lane_of(W w) {
+    if constexpr (sizeof(W) == 16)
+        return _mm_extract_epi16(__m128i(w), I * int(sizeof(w[0])) / 2);
+    else
+        return int(w[I]);
+}
+
+// The entries for the lanes' mantissas.
+template <class T, kind K>
+inline log_entries<T, K> lookup(vec<T> m) {
+    constexpr int width = log_rows<T, K>::width, row_bytes = width * int(sizeof(T));
+    constexpr int row_bits = __builtin_ctz(row_bytes);
+    const words<T> offsets =
+        shifted<T, format<T>::mantissa - log_bits<T, K> - row_bits>(words<T>(m)) &
+        (words<T>{} + (((1 << log_bits<T, K>)-1) << row_bits));
+    // 8 bytes of the rows of each two lanes, from a column on.
+    const auto two = [&](auto lane, auto other, int column) VOX_INLINED {
+        const char *rows = reinterpret_cast<const char *>(log_table<T, K>.row[0] + column);
+        const __m128i low =
+            _mm_loadl_epi64(reinterpret_cast<const __m128i *>(rows + lane_of<lane>(offsets)));
+        return _mm_loadh_pi(_mm_castsi128_ps(low),
+                            reinterpret_cast<const __m64 *>(rows + lane_of<other>(offsets)));
+    };
+    using simd::constant;
+    // The same of lanes First, First + 1 and, in the upper half of a vector of 256 bits, of those there.
+    const auto rows = [&](auto first, int column) VOX_INLINED {
+        const __m128 low = two(first, constant<first + 1>(), column);
+#if defined(__AVX__)
+        constexpr int half = lanes<T> / 2;
+        return _mm256_set_m128(two(constant<first + half>(), constant<first + half + 1>(), column),
+                               low);
+#else
+        return low;
+#endif
+    };
+    if constexpr (sizeof(T) == 8) {
+        const auto column = [&](int i) VOX_INLINED { return vec<T>(rows(constant<0>(), i)); };
+        if constexpr (K == exact)
+            return {column(0), column(1), column(2)};
+        else
+            return {column(0), column(1)};
+    } else {
+        const auto pairs = [&](int i, auto odd) VOX_INLINED {
+            const auto a = rows(constant<0>(), i), b = rows(constant<2>(), i);
+#if defined(__AVX__)
+            return vec<T>(odd ? _mm256_shuffle_ps(a, b, 0xDD) : _mm256_shuffle_ps(a, b, 0x88));
+#else
+            return vec<T>(odd ? _mm_shuffle_ps(a, b, 0xDD) : _mm_shuffle_ps(a, b, 0x88));
+#endif
+        };
+        const vec<T> c = pairs(0, constant<0>()), value = pairs(0, constant<1>());
+        if constexpr (K == exact)
+            return {c, value, pairs(2, constant<0>())};
+        else
+            return {c, value};
+    }
+}
+#endif
+
+} // namespace logs
+} // namespace vm
+} // namespace
