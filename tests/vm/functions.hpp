@@ -36,6 +36,7 @@ struct vector_function {
     plain v, v_lower, v_upper;
     moded vm, vm_lower, vm_upper;
     long double (*wide)(long double a, long double b);
+    double (*in_double)(double a, double b);
     T (*rounded)(T a, T b); // of exact functions
     int (*mpfr)(mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr b);
     void (*strata)(samples<T> &);
@@ -71,6 +72,7 @@ struct vector_function {
         VM_FORTRAN_MODED_##shape(vm##p##lower##_, T),                                              \
         VM_FORTRAN_MODED_##shape(VM##P##upper##_, T),                                              \
         [](long double a, [[maybe_unused]] long double b) -> long double { return value; },        \
+        [](double a, [[maybe_unused]] double b) -> double { return value; },                       \
         [](T a, [[maybe_unused]] T b) -> T { return value; },                                      \
         [](mpfr_ptr r, mpfr_srcptr a, [[maybe_unused]] mpfr_srcptr b) { return by_mpfr; },         \
         strata},
