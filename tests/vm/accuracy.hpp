@@ -48,13 +48,8 @@ long double distance(T r, long double y) {
     return std::isinf(r) && std::fabs(y) >= beyond<T>() ? 0 : std::fabs(value - y);
 }
 
-// What errors are divided by. TQM_EP promises bits of a normal number, and no more than one step of a subnormal
-// one.
+// Correct bits that TQM_EP promises, of normal numbers; of subnormal ones it is their last.
 template <class T>
 constexpr int ep_bits = limits<T>::digits == 53 ? 26 : 11;
-template <class T>
-long double ep_scale(long double y) {
-    return std::fmax(std::fabs(y), std::ldexp(ulp_of<T>(y), ep_bits<T>));
-}
 
 } // namespace test

@@ -27,13 +27,13 @@ constexpr long double reference_error = 0x1p-8L; // ulp
 
 template <class T>
 struct exact_values {
-    std::vector<long double> y, inverse_ulp, inverse_ep;
+    std::vector<long double> y, inverse_ulp, inverse_y;
     std::vector<T> rounded;
     std::vector<char> rational; // of results below the normal numbers: y may be exact
     long double worst = 0;      // deviation from MPFR, ulp
 
     void compute(const vector_function<T> &f, size_t n, const T *a, const T *b) {
-        for (auto *all : {&y, &inverse_ulp, &inverse_ep})
+        for (auto *all : {&y, &inverse_ulp, &inverse_y})
             all->resize(n);
         rounded.resize(n);
         rational.assign(n, 0);
@@ -47,7 +47,9 @@ struct exact_values {
             // Special values have no error that is divided: they are looked at one by one.
             const bool plain = std::isfinite(value) && value != 0;
             inverse_ulp[i] = plain ? 1 / ulp_of<T>(value) : limits<long double>::quiet_NaN();
-            inverse_ep[i] = plain ? 1 / ep_scale<T>(value) : limits<long double>::quiet_NaN();
+            inverse_y[i] = plain && std::fabs(value) >= limits<T>::min()
+                               ? 1 / std::fabs(value)
+                               : limits<long double>::quiet_NaN();
             const bool tiny = plain && std::fabs(value) < 2 * limits<T>::min();
             if (tiny || (plain && i % 61 == 0 && std::fabs(value) < beyond<T>()))
                 ask_mpfr(f, i, a[i], b[i]);

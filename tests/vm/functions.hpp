@@ -15,7 +15,19 @@
 // clang-format off
 #define VM_FUNCTIONS(X)                                                            \
     X(one, Abs, abs, ABS, exact, std::abs(a), mpfr_abs(r, a, MPFR_RNDN), anything) \
-    X(two, Add, add, ADD, exact, a + b, mpfr_add(r, a, b, MPFR_RNDN), sums<1>)
+    X(two, Add, add, ADD, exact, a + b, mpfr_add(r, a, b, MPFR_RNDN), sums<1>) \
+    X(one, Ceil, ceil, CEIL, exact, std::ceil(a), mpfr_ceil(r, a), anything) \
+    X(two, Div, div, DIV, exact, a / b, mpfr_div(r, a, b, MPFR_RNDN), products<-1>) \
+    X(one, Exp, exp, EXP, near, std::exp(a), mpfr_exp(r, a, MPFR_RNDN), exponentials) \
+    X(one, Floor, floor, FLOOR, exact, std::floor(a), mpfr_floor(r, a), anything) \
+    X(one, Inv, inv, INV, exact, 1 / a, mpfr_ui_div(r, 1, a, MPFR_RNDN), powers<-1>) \
+    X(one, InvSqrt, invsqrt, INVSQRT, near, 1 / std::sqrt(a), mpfr_rec_sqrt(r, a, MPFR_RNDN), roots) \
+    X(one, Ln, ln, LN, near, std::log(a), mpfr_log(r, a, MPFR_RNDN), logarithms) \
+    X(two, Mul, mul, MUL, exact, a * b, mpfr_mul(r, a, b, MPFR_RNDN), products<1>) \
+    X(one, Round, round, ROUND, exact, std::round(a), mpfr_round(r, a), anything) \
+    X(one, Sqr, sqr, SQR, exact, a * a, mpfr_sqr(r, a, MPFR_RNDN), powers<2>) \
+    X(one, Sqrt, sqrt, SQRT, exact, std::sqrt(a), mpfr_sqrt(r, a, MPFR_RNDN), roots) \
+    X(two, Sub, sub, SUB, exact, a - b, mpfr_sub(r, a, b, MPFR_RNDN), sums<-1>)
 // clang-format on
 
 namespace test {
@@ -36,6 +48,7 @@ struct vector_function {
     plain v, v_lower, v_upper;
     moded vm, vm_lower, vm_upper;
     long double (*wide)(long double a, long double b);
+    double (*in_double)(double a, double b);
     T (*rounded)(T a, T b); // of exact functions
     int (*mpfr)(mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr b);
     void (*strata)(samples<T> &);
@@ -71,6 +84,7 @@ struct vector_function {
         VM_FORTRAN_MODED_##shape(vm##p##lower##_, T),                                              \
         VM_FORTRAN_MODED_##shape(VM##P##upper##_, T),                                              \
         [](long double a, [[maybe_unused]] long double b) -> long double { return value; },        \
+        [](double a, [[maybe_unused]] double b) -> double { return value; },                       \
         [](T a, [[maybe_unused]] T b) -> T { return value; },                                      \
         [](mpfr_ptr r, mpfr_srcptr a, [[maybe_unused]] mpfr_srcptr b) { return by_mpfr; },         \
         strata},
