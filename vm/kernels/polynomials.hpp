@@ -24,5 +24,13 @@ VOX_INLINED inline V polynomial(V x, [[maybe_unused]] V square, const double (&c
     return sum;
 }
 
+// c[0] + c[1] x + ... by Horner's rule.
+template <class T, int N>
+VOX_INLINED inline vec<T> polynomial(vec<T> x, const T (&c)[N]) {
+    vec<T> p = vec<T>{} + c[N - 1];
+    simd::unroll<N - 1>([&](auto i) VOX_INLINED { p = fma(p, x, vec<T>{} + c[N - 2 - i]); });
+    return p;
+}
+
 } // namespace vm
 } // namespace
