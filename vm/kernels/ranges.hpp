@@ -13,6 +13,9 @@ namespace vm {
 template <class V>
 using element_of = std::remove_cvref_t<decltype(V{}[0])>;
 
+template <class T>
+constexpr T smallest_normal = sizeof(T) == 4 ? T(__FLT_MIN__) : T(__DBL_MIN__);
+
 template <class V>
 inline auto not_finite(V v) {
     return not_less(simd::abs(v), V{} + element_of<V>(__builtin_inf()));
