@@ -71,8 +71,8 @@ struct inverse_root {
         if constexpr (vm::fused)
             rare = vm::not_finite(y);
         else
-            rare = vm::not_less_equal(simd::abs(y),
-                                      V{} + (sizeof(T) == 8 ? T(0x1p480) : T(0x1p50)));
+            rare =
+                vm::not_less_equal(simd::abs(y), V{} + (sizeof(T) == 8 ? T(0x1p480) : T(0x1p50)));
         return y;
     }
 };

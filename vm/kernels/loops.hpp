@@ -10,8 +10,15 @@
 //   };
 //
 // It marks the lanes that its result does not hold for, and these elements go to its fix-up; without one, `fixes`
-// is false and nothing is marked. The result of an element depends on nothing but its arguments: the last
-// elements, fewer than a vector, go through the same operations, in the company of ones.
+// is false and nothing is marked. A function that costs no more than its marks may have a quicker look at several
+// vectors, x[vectors][1] and their results,
+//
+//       static bool suspicious(const vec<T> (&x)[N][1], const vec<T> (&y)[N]);
+//
+// which misses none that is marked, and may take a few for marked that are not.
+//
+// The result of an element depends on nothing but its arguments: the last elements, fewer than a vector, go through
+// the same operations, in the company of ones.
 //
 //   VOX_VM_KERNELS_1I_1O(d, double, Exp, exp)
 //
@@ -23,6 +30,13 @@
 
 namespace {
 namespace vm {
+
+// The vectors of arguments. By value: in registers, whatever calls there are.
+template <class T, int K>
+struct inputs {
+    const T *vector[K];
+    const T *operator[](int k) const { return vector[k]; }
+};
 
 template <class F, class T>
 inline vec<T> apply(const F &f, const vec<T> (&x)[1], mask<T> &rare) {
@@ -48,9 +62,8 @@ __attribute__((cold, noinline)) void fix(const F &f, const T *first, index_t i, 
 }
 
 // Elements i to n, vector by vector: what is before and behind the loop of several vectors.
-template <class T, class F, int K>
-__attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, const T *const (&in)[K],
-                                          T *r) {
+template <class F, class T, int K>
+__attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, inputs<T, K> in, T *r) {
     constexpr int L = lanes<T>;
     for (; i < n; i += L) {
         const index_t count = n - i;
@@ -77,28 +90,52 @@ __attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, cons
     }
 }
 
-// Whether any result of a group may be rare. A function whose operation itself is cheap has a cheaper test than the
-// mask, of all the results together, which may be wrong about a few that are not rare.
-template <class F, class V, int N, int K, class M>
-VOX_INLINED inline bool suspicious(const V (&x)[N][K], const V (&y)[N], M rare) {
-    if constexpr (requires { F::suspicious(x, y); })
-        return F::suspicious(x, y);
+// Whether anything is marked among N vectors from element i on. The arguments are loaded again, so that the loop
+// that asks need not keep them.
+template <int N, class F, class T, int K>
+VOX_INLINED inline bool any_marked(const F &f, index_t i, inputs<T, K> in) {
+    simd::unroll<K>([&](auto k) VOX_INLINED { __asm__("" : "+r"(in.vector[k])); });
+    mask<T> rare = no_lane<T>;
+    simd::unroll<N>([&](auto v) VOX_INLINED {
+        vec<T> x[K];
+        simd::unroll<K>([&](auto k) VOX_INLINED { x[k] = simd::load(in[k] + i + v * lanes<T>); });
+        mask<T> of_vector = no_lane<T>;
+        apply<F, T>(f, x, of_vector);
+        rare = either(rare, of_vector);
+    });
     return any_lane(rare);
 }
 
-// The stores of longer vectors are aligned.
+// Stores of at least so many vectors are aligned: those across two cache lines cost twice.
 constexpr index_t shortest_aligned = 16;
 
-// r[i] = f(in[0][i], ...) for n elements.
+// Results that leave the last cache anyway go past the caches, unless they replace an argument, which is there. That
+// saves reading what they overwrite: 1.4 to 2 times as fast from 16 MB on, and 1.1 to 1.5 with a reader behind.
+constexpr index_t streamed_bytes = 16 * 1024 * 1024;
+
+template <class T>
+inline void store_past_caches(T *p, vec<T> v) {
+#if defined(__AVX512F__)
+    _mm512_stream_ps(reinterpret_cast<float *>(p), __m512(v));
+#else
+    simd::stream(p, v);
+#endif
+}
+
+// r[i] = f(arguments[0][i], ...) for n elements.
 template <class T, class F, int K>
-VOX_INLINED inline void map(const F &f, index_t n, const T *const (&in)[K], T *r) {
+VOX_INLINED inline void map(const F &f, index_t n, const T *const (&arguments)[K], T *r) {
     constexpr int L = lanes<T>, N = F::vectors;
+    inputs<T, K> in;
+    simd::unroll<K>([&](auto k) VOX_INLINED { in.vector[k] = arguments[k]; });
     index_t i = 0;
     if (n >= shortest_aligned * L) {
         i = index_t(-uintptr_t(r) / sizeof(T) % L);
         if (i > 0)
             map_slowly(f, 0, i, in, r);
     }
+    bool past_caches = n >= streamed_bytes / index_t(sizeof(T));
+    simd::unroll<K>([&](auto k) VOX_INLINED { past_caches = past_caches && in[k] != r; });
     for (; i + N * L <= n; i += N * L) {
         vec<T> x[N][K], y[N];
         mask<T> rare = no_lane<T>;
@@ -109,13 +146,22 @@ VOX_INLINED inline void map(const F &f, index_t n, const T *const (&in)[K], T *r
             rare = either(rare, of_vector);
         });
         // Nothing has been stored, so all can be done again.
-        if constexpr (F::fixes)
-            if (VOX_UNLIKELY(suspicious<F>(x, y, rare)) && any_lane(rare)) {
-                map_slowly(f, i, i + N * L, in, r);
-                continue;
-            }
-        simd::unroll<N>([&](auto v) VOX_INLINED { simd::store(r + i + v * L, y[v]); });
+        bool again = false;
+        if constexpr (requires { F::suspicious(x, y); })
+            again = VOX_UNLIKELY(F::suspicious(x, y)) && any_marked<N>(f, i, in);
+        else if constexpr (F::fixes)
+            again = any_lane(rare);
+        if (VOX_UNLIKELY(again)) {
+            map_slowly(f, i, i + N * L, in, r);
+            continue;
+        }
+        if (VOX_UNLIKELY(past_caches))
+            simd::unroll<N>([&](auto v) VOX_INLINED { store_past_caches(r + i + v * L, y[v]); });
+        else
+            simd::unroll<N>([&](auto v) VOX_INLINED { simd::store(r + i + v * L, y[v]); });
     }
+    if (VOX_UNLIKELY(past_caches))
+        simd::streaming_done();
     if (i < n)
         map_slowly(f, i, n, in, r);
 }
