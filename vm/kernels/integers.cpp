@@ -9,12 +9,11 @@ using vm::vec;
 enum class direction { down, up, to_zero };
 
 template <class T>
-constexpr auto sign_bit = decltype(vec<T>{} < vec<T>{}){} + (sizeof(T) == 8 ? 1ll << 63 : 1 << 31);
-
-template <class T>
 inline vec<T> with_sign_of(vec<T> x, vec<T> magnitude) {
     using bits = decltype(x < x);
-    return vec<T>((bits(x) & sign_bit<T>) | bits(magnitude));
+    using integer = std::remove_cvref_t<decltype(bits{}[0])>;
+    const bits sign = bits{} + (integer(1) << (8 * sizeof(T) - 1));
+    return vec<T>((bits(x) & sign) | bits(magnitude));
 }
 
 #if defined(__SSE4_1__)

@@ -75,6 +75,10 @@ struct inverse_root {
                 vm::not_less_equal(simd::abs(y), V{} + (sizeof(T) == 8 ? T(0x1p480) : T(0x1p50)));
         return y;
     }
+    template <class Arguments, class Results>
+    static bool suspicious(const Arguments &, const Results &y) requires vm::fused {
+        return vm::any_lane(vm::not_finite_among(y));
+    }
 };
 
 } // namespace

@@ -94,7 +94,8 @@ __attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, inpu
 // that asks need not keep them.
 template <int N, class F, class T, int K>
 VOX_INLINED inline bool any_marked(const F &f, index_t i, inputs<T, K> in) {
-    simd::unroll<K>([&](auto k) VOX_INLINED { __asm__("" : "+r"(in.vector[k])); });
+    for (const T *&vector : in.vector)
+        __asm__("" : "+r"(vector));
     mask<T> rare = no_lane<T>;
     simd::unroll<N>([&](auto v) VOX_INLINED {
         vec<T> x[K];

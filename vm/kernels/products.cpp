@@ -35,7 +35,7 @@ struct square {
     }
     template <class Arguments, class Results>
     static bool suspicious(const Arguments &, const Results &squares) {
-        return vm::any_lane(vm::not_surely_normal_among(squares));
+        return vm::any_lane(vm::not_surely_normal_among<false>(squares));
     }
 };
 

@@ -2,7 +2,8 @@
 //
 // In the highest accuracy the processor divides. Below, where it estimates 1/y to 14 bits: with r the estimate and
 // e = 1 - y r, 1/y = r (1 + e)(1 + e^2)..., of which EP takes the first factor (relative error 2^-28), and LA
-// both (2^-56, and about 1 ulp from rounding; quotients 2). A single-precision estimate serves as it is for EP.
+// both (2^-56, and 1 ulp from rounding; quotients 2.25). In single precision LA takes the first factor and EP the
+// estimate as it is; quotients are divided, which takes no longer.
 #include "vm/kernels/estimates.hpp"
 #include "vm/kernels/ranges.hpp"
 
@@ -25,35 +26,35 @@ inline vm::vec<T> inverse_of(vm::vec<T> y) {
     return vm::fma(better, e * e, better);
 }
 
-// Whether estimates serve.
 template <class T, int accuracy>
-constexpr bool estimated = accuracy != TQM_HA &&vm::has_estimates<T> &&
-                           (vm::good_estimates || accuracy == TQM_EP);
+constexpr bool divided =
+    accuracy == TQM_HA || !vm::has_estimates<T> || (!vm::good_estimates && accuracy == TQM_LA);
 
 template <class T, int accuracy>
 struct divide {
     static constexpr int vectors = 2;
     VOX_VM_FIX(Div)
     using V = vm::vec<T>;
+    static constexpr bool exact = sizeof(T) == 4 || divided<T, accuracy>;
     // A multiple of the smallest normal number in its inverse.
     static constexpr T largest_divisor = sizeof(T) == 8 ? T(0x1p1021) : T(0x1p125);
 
     V operator()(V x, V y, vm::mask<T> &rare) const {
         V quotient;
-        if constexpr (estimated<T, accuracy>)
-            quotient = x * inverse_of<T, accuracy>(y);
-        else
+        if constexpr (exact)
             quotient = x / y;
+        else
+            quotient = x * inverse_of<T, accuracy>(y);
         // Zeros divided by normal numbers are zeros.
         rare = vm::mask<T>(vm::not_surely_normal(quotient) &
                            (vm::not_equal(x, V{}) | vm::not_surely_normal(y)));
-        if constexpr (estimated<T, accuracy>)
+        if constexpr (!exact)
             rare = vm::either(rare, vm::less(V{} + largest_divisor, simd::abs(y)));
         return quotient;
     }
     template <int N>
     static bool suspicious(const V (&arguments)[N][2], const V (&quotients)[N]) {
-        if constexpr (estimated<T, accuracy>) {
+        if constexpr (!exact) {
             V largest = simd::abs(arguments[0][1]);
             simd::unroll<N - 1>([&](auto v) VOX_INLINED {
                 largest = vm::max(largest, simd::abs(arguments[v + 1][1]));
@@ -72,10 +73,10 @@ struct invert {
     using V = vm::vec<T>;
     V operator()(V x, vm::mask<T> &rare) const {
         V inverse;
-        if constexpr (estimated<T, accuracy>)
-            inverse = inverse_of<T, accuracy>(x);
-        else
+        if constexpr (divided<T, accuracy>)
             inverse = T(1) / x;
+        else
+            inverse = inverse_of<T, accuracy>(x);
         rare = vm::not_surely_normal(inverse);
         return inverse;
     }

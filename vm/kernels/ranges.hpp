@@ -47,11 +47,11 @@ VOX_INLINED inline auto not_finite_among(const V (&v)[N]) {
     return not_finite(sum);
 }
 
-template <class V, int N>
+template <bool with_signs = true, class V, int N>
 VOX_INLINED inline auto not_surely_normal_among(const V (&v)[N]) {
-    V least = simd::abs(v[0]), sum = least;
+    V least = with_signs ? simd::abs(v[0]) : v[0], sum = least;
     simd::unroll<N - 1>([&](auto k) VOX_INLINED {
-        const V magnitude = simd::abs(v[k + 1]);
+        const V magnitude = with_signs ? simd::abs(v[k + 1]) : v[k + 1];
         least = min(least, magnitude);
         sum = sum + magnitude;
     });

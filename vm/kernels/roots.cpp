@@ -26,6 +26,10 @@ struct root {
             return s;
         }
     }
+    template <class Arguments, class Results>
+    static bool suspicious(const Arguments &, const Results &roots) {
+        return vm::any_lane(vm::not_finite_among(roots));
+    }
 };
 
 } // namespace
