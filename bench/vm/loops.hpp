@@ -60,8 +60,7 @@ void plain(operation o, long n, const void *a, const void *b, void *r) {
         return loop<T, Bytes>(n, a, a, r, [](V x, V) { return T(1) / x; });
     case operation::root: {
         const T *const x = static_cast<const T *>(a);
-        T *const to = static_cast<T *>(r);
-#pragma GCC ivdep
+        T *const __restrict to = static_cast<T *>(r);
         for (long i = 0; i < n; ++i)
             to[i] = T(__builtin_sqrt(x[i]));
         return;
