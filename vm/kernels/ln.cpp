@@ -2,6 +2,7 @@
 // subnormal numbers without AVX-512.
 #include "vm/kernels/logarithms.hpp"
 #include "vm/kernels/loops.hpp"
+#include "vm/kernels/ranges.hpp"
 
 VOX_VM_DECLARE_FIX_1(Ln)
 
@@ -25,13 +26,19 @@ struct ln {
         else
             result = logs::rough_ln<T, accuracy>(k, entries, r);
 #if defined(__AVX512F__)
-        rare = vm::not_finite(result);
+        rare = vm::not_finite(result); // exactly where x is one of these
 #else
         rare = vm::not_less_equal(logs::all(vm::smallest_normal<T>), x) |
                vm::not_less(x, logs::all(T(__builtin_inf())));
 #endif
         return result;
     }
+#if defined(__AVX512F__)
+    template <int N>
+    static bool suspicious(const vec<T> (&)[N][1], const vec<T> (&y)[N]) {
+        return vm::any_lane(vm::not_finite_among(y));
+    }
+#endif
 };
 
 } // namespace

@@ -98,13 +98,13 @@ inline vec<double> ln1p_rest(vec<double> r, vec<double> square) {
 template <int accuracy>
 inline vec<float> ln1p_rest(vec<float> r, vec<float> square) {
 #if defined(__AVX512F__)
-    if constexpr (accuracy == TQM_HA) { // -33.2
-        return polynomial(r, square, {-0x1p-1, 0x1.5555b6p-2, -0x1.0004bap-2, 0x1.8d9148p-3});
-    } else if constexpr (accuracy == TQM_LA) { // -26.9
-        return polynomial(r, square, {-0x1.00002ap-1, 0x1.555dcp-2, -0x1.f3844ap-3});
-    } else { // -12.6
-        return all(-0x1.fac4d2p-2f);
-    }
+    if constexpr (accuracy == TQM_HA) // -33.1
+        return polynomial(r, square,
+                          {-0x1p-1, 0x1.555562p-2, -0x1.00031cp-2, 0x1.995758p-3, -0x1.3b5702p-3});
+    else if constexpr (accuracy == TQM_LA) // -28.3
+        return polynomial(r, square, {-0x1p-1, 0x1.55584p-2, -0x1.0013bep-2, 0x1.825c4ep-3});
+    else // -16.7
+        return polynomial(r, square, {-0x1.001f28p-1, 0x1.4c414p-2});
 #else
     if constexpr (accuracy == TQM_HA) { // -33.5
         return polynomial(r, square, {-0x1p-1, 0x1.55563ep-2, -0x1.fe09cap-3});
