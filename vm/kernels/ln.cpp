@@ -13,7 +13,7 @@ namespace logs = vm::logs;
 
 template <class T, int accuracy>
 struct ln {
-    static constexpr int vectors = 2;
+    static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
     VOX_VM_FIX(Ln)
     vec<T> operator()(vec<T> x, vm::mask<T> &rare) const {
         constexpr logs::kind kind = logs::kind_of(accuracy);
@@ -33,12 +33,17 @@ struct ln {
 #endif
         return result;
     }
-#if defined(__AVX512F__)
     template <int N>
-    static bool suspicious(const vec<T> (&)[N][1], const vec<T> (&y)[N]) {
+    static bool suspicious([[maybe_unused]] const vec<T> (&x)[N][1],
+                           [[maybe_unused]] const vec<T> (&y)[N]) {
+#if defined(__AVX512F__)
         return vm::any_lane(vm::not_finite_among(y));
-    }
+#else
+        const auto [least, sum] = logs::extent(x);
+        return vm::any_lane(
+            vm::either(vm::less(least, logs::all(vm::smallest_normal<T>)), vm::not_finite(sum)));
 #endif
+    }
 };
 
 } // namespace

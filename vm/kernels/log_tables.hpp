@@ -186,15 +186,25 @@ class log_index<float> {
 template <>
 class log_index<double> {
   public:
+#if defined(__AVX512BW__)
+    // The byte with the first four bits of the mantissa, for both halves.
+    explicit log_index(vec<double> m)
+        : high_(_mm512_maskz_shuffle_epi8(
+              ~0ull, __m512i(m),
+              _mm512_maskz_broadcast_i32x4(
+                  0xFFFF, _mm_set_epi64x(0x0000000E0000000E, 0x0000000600000006)))),
+          low_(high_) {}
+#else
     explicit log_index(vec<double> m)
         : high_(_mm512_maskz_srli_epi32(0xFFFF, __m512i(m), 16)),
           low_(_mm512_maskz_srli_epi64(0xFF, __m512i(m), 48)) {}
+#endif
     vec<double> at(const log_column &high) const { return vec<double>(halves(high)); }
     vec<double> at(const log_column &high, const log_column &low) const {
         const __m512i lower =
             _mm512_maskz_permutexvar_epi32(0xFFFF, low_, _mm512_load_si512(low.words));
-        return vec<double>(_mm512_mask_permutexvar_epi32(lower, 0xAAAA, high_,
-                                                         _mm512_load_si512(high.words)));
+        return vec<double>(
+            _mm512_mask_permutexvar_epi32(lower, 0xAAAA, high_, _mm512_load_si512(high.words)));
     }
 
   private:
