@@ -32,13 +32,13 @@ struct log1p {
         const vec<T> lost = x - (u - 1); // exactly, or nearly beside a large u
         const auto [k, m] = logs::split<T, kind>(u);
         const auto entries = logs::lookup<T, kind>(u);
-        const vec<T> back = entries.c * logs::scale_back<T>(u);
+        const vec<T> lost_of_m = lost * logs::scale_back<T>(u);
         const vec<T> r = logs::reduced<T, kind>(m, entries.c);
         vec<T> result;
         if constexpr (accuracy == TQM_HA)
-            result = logs::accurate_ln<T>(k, entries, r, lost * back);
+            result = logs::accurate_ln<T>(k, entries, r, lost_of_m * entries.c);
         else
-            result = logs::rough_ln<T, accuracy>(k, entries, vm::fma(lost, back, r));
+            result = logs::rough_ln<T, accuracy>(k, entries, vm::fma(lost_of_m, entries.c, r));
         rare = special<T>(x);
         // The sign is that of x, for zeros too.
         constexpr auto sign = logs::word<T>(1) << (8 * sizeof(T) - 1);
