@@ -15,10 +15,10 @@ template <class T, int accuracy>
 struct ln {
     static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
     VOX_VM_FIX(Ln)
-    vec<T> operator()(vec<T> x, vm::mask<T> &rare) const {
+    vec<T> operator()(vec<T> x, const T *place, vm::mask<T> &rare) const {
         constexpr logs::kind kind = logs::kind_of(accuracy);
         const auto [k, m] = logs::split<T, kind>(x);
-        const auto entries = logs::lookup<T, kind>(m);
+        const auto entries = logs::lookup<T, kind>(m, place);
         const vec<T> r = logs::reduced<T, kind>(m, entries.c);
         vec<T> result;
         if constexpr (accuracy == TQM_HA)

@@ -214,7 +214,7 @@ class log_index<double> {
     __m512i high_, low_;
 };
 
-// The entries for the lanes' mantissas.
+// The entries for the mantissas of m.
 template <class T, kind K>
 inline log_entries<T, K> lookup(vec<T> m) {
     const log_index<T> index(m);
@@ -253,21 +253,15 @@ inline int lane_of(W w) {
         return int(w[I]);
 }
 
-// The entries for the lanes' mantissas.
-template <class T, kind K>
-inline log_entries<T, K> lookup(vec<T> m) {
-    constexpr int width = log_rows<T, K>::width, row_bytes = width * int(sizeof(T));
-    constexpr int row_bits = __builtin_ctz(row_bytes);
-    const words<T> offsets =
-        shifted<T, format<T>::mantissa - log_bits<T, K> - row_bits>(words<T>(m)) &
-        (words<T>{} + (((1 << log_bits<T, K>)-1) << row_bits));
+// The entries of rows that begin so many bytes from the table, offset(lane).
+template <class T, kind K, class Offset>
+VOX_INLINED inline log_entries<T, K> entries_of_rows(const Offset &offset) {
     // 8 bytes of the rows of each two lanes, from a column on.
     const auto two = [&](auto lane, auto other, int column) VOX_INLINED {
         const char *rows = reinterpret_cast<const char *>(log_table<T, K>.row[0] + column);
-        const __m128i low =
-            _mm_loadl_epi64(reinterpret_cast<const __m128i *>(rows + lane_of<lane>(offsets)));
+        const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(rows + offset(lane)));
         return _mm_loadh_pi(_mm_castsi128_ps(low),
-                            reinterpret_cast<const __m64 *>(rows + lane_of<other>(offsets)));
+                            reinterpret_cast<const __m64 *>(rows + offset(other)));
     };
     using simd::constant;
     // The same of lanes First, First + 1 and, in the upper half of a vector of 256 bits, of those there.
@@ -303,7 +297,38 @@ inline log_entries<T, K> lookup(vec<T> m) {
             return {c, value};
     }
 }
+
+// Where j is in the bits of a number, times the size of a row.
+template <class T, kind K>
+struct row_field {
+    static constexpr int row_bits = __builtin_ctz(sizeof log_table<T, K>.row[0]);
+    static constexpr int shift = format<T>::mantissa - log_bits<T, K> - row_bits;
+    static constexpr int mask = ((1 << log_bits<T, K>)-1) << row_bits;
+};
+
+// The entries for the mantissas of m.
+template <class T, kind K>
+inline log_entries<T, K> lookup(vec<T> m) {
+    using field = row_field<T, K>;
+    const words<T> offsets = shifted<T, field::shift>(words<T>(m)) & (words<T>{} + field::mask);
+    return entries_of_rows<T, K>([&](auto lane) VOX_INLINED { return lane_of<lane>(offsets); });
+}
 #endif
+
+// The same, of numbers that are in memory too.
+template <class T, kind K>
+inline log_entries<T, K> lookup([[maybe_unused]] vec<T> m, [[maybe_unused]] const T *place) {
+#if defined(__AVX512F__)
+    return lookup<T, K>(m);
+#else
+    using field = row_field<T, K>;
+    return entries_of_rows<T, K>([&](auto lane) VOX_INLINED {
+        unsigned high; // the last four bytes
+        __builtin_memcpy(&high, reinterpret_cast<const char *>(place + lane + 1) - 4, 4);
+        return int(high >> (field::shift % 32)) & field::mask;
+    });
+#endif
+}
 
 } // namespace logs
 } // namespace vm
