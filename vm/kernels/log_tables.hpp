@@ -24,7 +24,7 @@ struct format;
 template <>
 struct format<double> {
     using word = long long;
-    static constexpr int mantissa = 52, bias = 1023, head_bits = 43;
+    static constexpr int mantissa = 52, bias = 1023, head_bits = 21;
 };
 template <>
 struct format<float> {
@@ -86,22 +86,20 @@ constexpr int numerator(int j, int n) {
 #if defined(__AVX512F__)
 // Next to x = 1, with k = -1, -ln c cancels against ln 2, and its rounding would remain. These c are chosen by
 // search, for roundings below 0.12 ulp of ln x.
-constexpr unsigned short rough_c_double[16] = {2048, 1877, 1797, 1738, 1657, 1524, 1462, 1445,
-                                               1362, 1275, 1275, 1198, 1145, 1110, 1110, 1024};
-constexpr unsigned short rough_c_float[32] = {
-    16384, 15857, 15310, 14791, 14345, 14004, 13849, 13444, 13136, 12833, 12353,
-    12117, 11952, 11548, 11370, 11084, 10995, 10668, 10561, 10333, 10054, 9785,
-    9785,  9593,  9264,  9077,  8902,  8814,  8694,  8694,  8401,  8192};
+constexpr unsigned short rough_c_double[] = {2048, 1877, 1797, 1738, 1657, 1524, 1462, 1445,
+                                             1362, 1275, 1275, 1198, 1145, 1110, 1110, 1024};
+constexpr unsigned short rough_c_float[] = {1024, 964, 915, 839, 821, 786, 747, 707,
+                                            662,  641, 641, 616, 579, 579, 539, 512};
 
 template <class T, kind>
-constexpr int log_bits = sizeof(T) == 8 ? 4 : 5;
+constexpr int log_bits = 4;
 constexpr int rough_exponent_carry = 0;
 
 template <class T>
 constexpr log_entry<T, rough> rough_entry(int j, int n) {
     // Where k may be -1, what the rounded ln 2 lacks is taken off again.
     const quad ln_2 = minus_ln(0.5), lacking = ln_2 - T(ln_2);
-    const T c = sizeof(T) == 8 ? T(rough_c_double[j % 16]) / 2048 : T(rough_c_float[j]) / 16384;
+    const T c = sizeof(T) == 8 ? T(rough_c_double[j]) / 2048 : T(rough_c_float[j]) / 1024;
     return {c, T(minus_ln(c) - (j < n / 2 ? 0 : lacking))};
 }
 #else
@@ -137,39 +135,94 @@ struct log_entries<T, rough> {
 };
 
 #if defined(__AVX512F__)
+// Permutations of one register of 16 words each: those of two registers would take multiplications' turns. So
+// doubles are put together from halves, where the lower one is zero of one alone: c and the heads have few bits.
+struct log_column {
+    alignas(64) unsigned words[16];
+};
 template <class T, kind K>
 struct log_columns {
-    alignas(64) T column[K == exact ? 3 : 2][1 << log_bits<T, K>];
-    constexpr log_columns() : column() {
-        for (int j = 0; j < 1 << log_bits<T, K>; ++j) {
+    log_column c, head, tail, tail_low; // of rough entries the value in place of the tail
+    constexpr log_columns() : c(), head(), tail(), tail_low() {
+        for (int j = 0; j < 16; ++j) {
             const auto e = entry_of_interval<T, K>(j);
-            column[0][j] = e.c;
-            if constexpr (K == exact)
-                column[1][j] = e.head, column[2][j] = e.tail;
-            else
-                column[1][j] = e.value;
+            c.words[j] = high_word(e.c);
+            if constexpr (K == exact) {
+                head.words[j] = high_word(e.head);
+                tail.words[j] = high_word(e.tail), tail_low.words[j] = low_word(e.tail);
+            } else {
+                tail.words[j] = high_word(e.value), tail_low.words[j] = low_word(e.value);
+            }
         }
     }
+    static constexpr unsigned high_word(double x) {
+        return unsigned(__builtin_bit_cast(unsigned long long, x) >> 32);
+    }
+    static constexpr unsigned low_word(double x) {
+        return unsigned(__builtin_bit_cast(unsigned long long, x));
+    }
+    static constexpr unsigned high_word(float x) { return __builtin_bit_cast(unsigned, x); }
+    static constexpr unsigned low_word(float) { return 0; }
 };
 template <class T, kind K>
 constexpr log_columns<T, K> log_table{};
 
-inline vec<double> at(__m512i index, const double (&column)[16]) {
-    return _mm512_permutex2var_pd(_mm512_load_pd(column), index, _mm512_load_pd(column + 8));
-}
-inline vec<float> at(__m512i index, const float (&column)[32]) {
-    return _mm512_permutex2var_ps(_mm512_load_ps(column), index, _mm512_load_ps(column + 16));
-}
+// Looks up for the lanes' mantissas m.
+template <class T>
+class log_index;
+template <>
+class log_index<float> {
+  public:
+    explicit log_index(vec<float> m) : index_(_mm512_maskz_srli_epi32(0xFFFF, __m512i(m), 19)) {}
+    vec<float> at(const log_column &high) const {
+        return vec<float>(
+            _mm512_maskz_permutexvar_epi32(0xFFFF, index_, _mm512_load_si512(high.words)));
+    }
+    vec<float> at(const log_column &high, const log_column &) const { return at(high); }
 
-// The entries for the lanes' mantissas.
+  private:
+    __m512i index_;
+};
+template <>
+class log_index<double> {
+  public:
+#if defined(__AVX512BW__)
+    // The byte with the first four bits of the mantissa, for both halves.
+    explicit log_index(vec<double> m)
+        : high_(_mm512_maskz_shuffle_epi8(
+              ~0ull, __m512i(m),
+              _mm512_maskz_broadcast_i32x4(
+                  0xFFFF, _mm_set_epi64x(0x0000000E0000000E, 0x0000000600000006)))),
+          low_(high_) {}
+#else
+    explicit log_index(vec<double> m)
+        : high_(_mm512_maskz_srli_epi32(0xFFFF, __m512i(m), 16)),
+          low_(_mm512_maskz_srli_epi64(0xFF, __m512i(m), 48)) {}
+#endif
+    vec<double> at(const log_column &high) const { return vec<double>(halves(high)); }
+    vec<double> at(const log_column &high, const log_column &low) const {
+        const __m512i lower =
+            _mm512_maskz_permutexvar_epi32(0xFFFF, low_, _mm512_load_si512(low.words));
+        return vec<double>(
+            _mm512_mask_permutexvar_epi32(lower, 0xAAAA, high_, _mm512_load_si512(high.words)));
+    }
+
+  private:
+    __m512i halves(const log_column &high) const {
+        return _mm512_maskz_permutexvar_epi32(0xAAAA, high_, _mm512_load_si512(high.words));
+    }
+    __m512i high_, low_;
+};
+
+// The entries for the mantissas of m.
 template <class T, kind K>
 inline log_entries<T, K> lookup(vec<T> m) {
-    const auto index = __m512i(shifted<T, format<T>::mantissa - log_bits<T, K>>(words<T>(m)));
-    const auto &column = log_table<T, K>.column;
+    const log_index<T> index(m);
+    const auto &t = log_table<T, K>;
     if constexpr (K == exact)
-        return {at(index, column[0]), at(index, column[1]), at(index, column[2])};
+        return {index.at(t.c), index.at(t.head), index.at(t.tail, t.tail_low)};
     else
-        return {at(index, column[0]), at(index, column[1])};
+        return {index.at(t.c), index.at(t.tail, t.tail_low)};
 }
 #else
 // Rows of four numbers, or two.
@@ -200,21 +253,15 @@ inline int lane_of(W w) {
         return int(w[I]);
 }
 
-// The entries for the lanes' mantissas.
-template <class T, kind K>
-inline log_entries<T, K> lookup(vec<T> m) {
-    constexpr int width = log_rows<T, K>::width, row_bytes = width * int(sizeof(T));
-    constexpr int row_bits = __builtin_ctz(row_bytes);
-    const words<T> offsets =
-        shifted<T, format<T>::mantissa - log_bits<T, K> - row_bits>(words<T>(m)) &
-        (words<T>{} + (((1 << log_bits<T, K>)-1) << row_bits));
+// The entries of rows that begin so many bytes from the table, offset(lane).
+template <class T, kind K, class Offset>
+VOX_INLINED inline log_entries<T, K> entries_of_rows(const Offset &offset) {
     // 8 bytes of the rows of each two lanes, from a column on.
     const auto two = [&](auto lane, auto other, int column) VOX_INLINED {
         const char *rows = reinterpret_cast<const char *>(log_table<T, K>.row[0] + column);
-        const __m128i low =
-            _mm_loadl_epi64(reinterpret_cast<const __m128i *>(rows + lane_of<lane>(offsets)));
+        const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(rows + offset(lane)));
         return _mm_loadh_pi(_mm_castsi128_ps(low),
-                            reinterpret_cast<const __m64 *>(rows + lane_of<other>(offsets)));
+                            reinterpret_cast<const __m64 *>(rows + offset(other)));
     };
     using simd::constant;
     // The same of lanes First, First + 1 and, in the upper half of a vector of 256 bits, of those there.
@@ -250,7 +297,38 @@ inline log_entries<T, K> lookup(vec<T> m) {
             return {c, value};
     }
 }
+
+// Where j is in the bits of a number, times the size of a row.
+template <class T, kind K>
+struct row_field {
+    static constexpr int row_bits = __builtin_ctz(sizeof log_table<T, K>.row[0]);
+    static constexpr int shift = format<T>::mantissa - log_bits<T, K> - row_bits;
+    static constexpr int mask = ((1 << log_bits<T, K>)-1) << row_bits;
+};
+
+// The entries for the mantissas of m.
+template <class T, kind K>
+inline log_entries<T, K> lookup(vec<T> m) {
+    using field = row_field<T, K>;
+    const words<T> offsets = shifted<T, field::shift>(words<T>(m)) & (words<T>{} + field::mask);
+    return entries_of_rows<T, K>([&](auto lane) VOX_INLINED { return lane_of<lane>(offsets); });
+}
 #endif
+
+// The same, of numbers that are in memory too.
+template <class T, kind K>
+inline log_entries<T, K> lookup([[maybe_unused]] vec<T> m, [[maybe_unused]] const T *place) {
+#if defined(__AVX512F__)
+    return lookup<T, K>(m);
+#else
+    using field = row_field<T, K>;
+    return entries_of_rows<T, K>([&](auto lane) VOX_INLINED {
+        unsigned high; // the last four bytes
+        __builtin_memcpy(&high, reinterpret_cast<const char *>(place + lane + 1) - 4, 4);
+        return int(high >> (field::shift % 32)) & field::mask;
+    });
+#endif
+}
 
 } // namespace logs
 } // namespace vm

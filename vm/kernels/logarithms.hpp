@@ -60,7 +60,7 @@ inline vec<T> reduced(vec<T> m, vec<T> c) {
     }
 }
 
-// (ln(1 + r) - r) / r^2. The polynomials are minimax for the relative error of ln(1 + r) over the range of r,
+// (ln(1 + r) - r) / r^2, of HA or LA. The polynomials are minimax for the relative error of ln(1 + r) over the range of r,
 // given as a power of two, with coefficients rounded by lattice reduction (Sollya's fpminimax).
 template <int accuracy>
 inline vec<double> ln1p_rest(vec<double> r, vec<double> square) {
@@ -71,49 +71,58 @@ inline vec<double> ln1p_rest(vec<double> r, vec<double> square) {
                            0x1.99999999776fdp-3, -0x1.5555552908f76p-3, 0x1.2492486557421p-3,
                            -0x1.0000bada70c17p-3, 0x1.c73206c400b88p-4, -0x1.97c84c6264a41p-4,
                            0x1.419828d2104p-4});
-    } else if constexpr (accuracy == TQM_LA) { // -56.6
+    } else { // -56.6
         return polynomial(r, square,
                           {-0x1.0000000000003p-1, 0x1.5555555555f5cp-2, -0x1.ffffffffef5c5p-3,
                            0x1.9999998093059p-3, -0x1.555554c298ff4p-3, 0x1.2492d90829665p-3,
                            -0x1.0009a35e8f1b9p-3, 0x1.c57122bad90ccp-4, -0x1.65e46c41d5503p-4});
-    } else { // -28.4
-        return polynomial(r, square,
-                          {-0x1.0000007770ebcp-1, 0x1.5558449af698cp-2, -0x1.001000729dfacp-2,
-                           0x1.81f7804553e98p-3});
     }
 #else
     if constexpr (accuracy == TQM_HA) { // -60.7
         return polynomial(r, square,
                           {-0x1.ffffffffffffap-2, 0x1.55555555546b6p-2, -0x1.000000017ba9ep-2,
                            0x1.99999e9fa9cc1p-3, -0x1.55540b16df623p-3, 0x1.212689094bb4fp-3});
-    } else if constexpr (accuracy == TQM_LA) { // -58.1
+    } else { // -58.1
         return polynomial(r, square,
                           {-0x1.fffffffffffa9p-2, 0x1.555555555dce1p-2, -0x1.0000004956a15p-2,
                            0x1.999988e2bef7dp-3, -0x1.53abf8460ac95p-3});
-    } else { // -28.7
-        return polynomial(r, square, {-0x1.00001fa38249cp-1, 0x1.54bc081dc9e1p-2});
     }
 #endif
 }
 template <int accuracy>
 inline vec<float> ln1p_rest(vec<float> r, vec<float> square) {
 #if defined(__AVX512F__)
-    if constexpr (accuracy == TQM_HA) { // -33.2
-        return polynomial(r, square, {-0x1p-1, 0x1.5555b6p-2, -0x1.0004bap-2, 0x1.8d9148p-3});
-    } else if constexpr (accuracy == TQM_LA) { // -26.9
-        return polynomial(r, square, {-0x1.00002ap-1, 0x1.555dcp-2, -0x1.f3844ap-3});
-    } else { // -12.6
-        return all(-0x1.fac4d2p-2f);
-    }
+    if constexpr (accuracy == TQM_HA) // -33.1
+        return polynomial(r, square,
+                          {-0x1p-1, 0x1.555562p-2, -0x1.00031cp-2, 0x1.995758p-3, -0x1.3b5702p-3});
+    else // -28.3
+        return polynomial(r, square, {-0x1p-1, 0x1.55584p-2, -0x1.0013bep-2, 0x1.825c4ep-3});
 #else
     if constexpr (accuracy == TQM_HA) { // -33.5
         return polynomial(r, square, {-0x1p-1, 0x1.55563ep-2, -0x1.fe09cap-3});
-    } else if constexpr (accuracy == TQM_LA) { // -25.7
+    } else { // -25.7
         return polynomial(r, square, {-0x1.00007ep-1, 0x1.542364p-2});
-    } else { // -16.6
-        return all(-0x1.feac54p-2f);
     }
 #endif
+}
+
+// ln(1 + r) / r, of the lowest accuracy.
+inline vec<double> ln1p_ratio(vec<double> r) {
+#if defined(__AVX512F__) // -28.7
+    constexpr double c[] = {0x1.ffffffed3aa54p-1, -0x1.000000e75e143p-1, 0x1.55590a4f70fb4p-2,
+                            -0x1.0010aaa7776e2p-2, 0x1.80d3477d27b98p-3};
+#else // -29.2
+    constexpr double c[] = {0x1.00000005bb62fp0, -0x1.00001dfc9f49dp-1, 0x1.54960d96107fap-2};
+#endif
+    return polynomial<double>(r, c);
+}
+inline vec<float> ln1p_ratio(vec<float> r) {
+#if defined(__AVX512F__) // -11.4
+    constexpr float c[] = {0x1.001258p0f, -0x1.f5dfeap-2f};
+#else // -17.4
+    constexpr float c[] = {0x1.00004ap0f, -0x1.feac2ep-2f};
+#endif
+    return polynomial<float>(r, c);
 }
 
 // k ln 2 - ln c + ln(1 + r), where r is to be increased by `more`, small beside it or all there is.
@@ -133,24 +142,34 @@ inline vec<T> accurate_ln(vec<T> k, const log_entries<T, exact> &e, vec<T> r, ve
 }
 template <class T, int accuracy>
 inline vec<T> rough_ln(vec<T> k, const log_entries<T, rough> &e, vec<T> r) {
-    const vec<T> square = r * r;
     const vec<T> a = fma(k, all(T(0x1.62e42fefa39efp-1)), e.value);
-    return a + fma(square, ln1p_rest<accuracy>(r, square), r);
+    if constexpr (accuracy == TQM_EP)
+        return fma(r, ln1p_ratio(r), a);
+    const vec<T> square = r * r;
+    return a + fma(square, ln1p_rest<TQM_LA>(r, square), r);
 }
 
-// c 2^-k for u = 2^k m. Without AVX-512, 0 where that is subnormal, which is for k = 1023 or 127.
+// 2^-k for u = 2^k m; 0 where that is subnormal, which is for k = 1023 or 127.
 template <class T>
-inline vec<T> scaled_back(vec<T> c, [[maybe_unused]] vec<T> k, [[maybe_unused]] vec<T> u) {
-#if defined(__AVX512F__)
-    if constexpr (sizeof(T) == 8)
-        return _mm512_maskz_scalef_pd(0xFF, c, 0 - k);
-    else
-        return _mm512_maskz_scalef_ps(0xFFFF, c, 0 - k);
-#else
+inline vec<T> scale_back(vec<T> u) {
     constexpr word<T> one = word<T>(1) << format<T>::mantissa;
     const words<T> exponent = words<T>(u) & (2 * format<T>::bias + 1) * one;
-    return c * vec<T>(2 * format<T>::bias * one - exponent);
-#endif
+    return vec<T>(2 * format<T>::bias * one - exponent);
+}
+
+// For tests of groups of arguments: in each lane the least and the sum. NaNs appear in the sum.
+template <class V>
+struct extents {
+    V least, sum;
+};
+template <class V, int N>
+VOX_INLINED inline extents<V> extent(const V (&x)[N][1]) {
+    extents<V> e = {x[0][0], x[0][0]};
+    simd::unroll<N - 1>([&](auto v) VOX_INLINED {
+        e.least = min(e.least, x[v + 1][0]);
+        e.sum = e.sum + x[v + 1][0];
+    });
+    return e;
 }
 
 } // namespace logs

@@ -38,12 +38,23 @@ struct inputs {
     const T *operator[](int k) const { return vector[k]; }
 };
 
+// A function that looks something up may ask where its arguments lie, operator()(x, place, rare): there are integers
+// to be had sooner than out of vectors.
 template <class F, class T>
-inline vec<T> apply(const F &f, const vec<T> (&x)[1], mask<T> &rare) {
-    return f(x[0], rare);
+constexpr bool asks_for_place = requires(const F &f, vec<T> x, const T *place, mask<T> &rare) {
+    f(x, place, rare);
+};
+
+template <class F, class T>
+inline vec<T> apply(const F &f, const vec<T> (&x)[1], [[maybe_unused]] const T *place,
+                    mask<T> &rare) {
+    if constexpr (asks_for_place<F, T>)
+        return f(x[0], place, rare);
+    else
+        return f(x[0], rare);
 }
 template <class F, class T>
-inline vec<T> apply(const F &f, const vec<T> (&x)[2], mask<T> &rare) {
+inline vec<T> apply(const F &f, const vec<T> (&x)[2], const T *, mask<T> &rare) {
     return f(x[0], x[1], rare);
 }
 
@@ -75,8 +86,15 @@ __attribute__((noinline)) void map_slowly(const F &f, index_t i, index_t n, inpu
                 x[k] = simd::select_first(count, simd::load_partial(in[k] + i, count),
                                           vec<T>{} + T(1));
             });
+        const T *place = in[0] + i;
+        [[maybe_unused]] T padded[L];
+        if constexpr (asks_for_place<F, T>)
+            if (count < L) {
+                simd::store(padded, x[0]);
+                place = padded;
+            }
         mask<T> rare = no_lane<T>;
-        const vec<T> y = apply<F, T>(f, x, rare);
+        const vec<T> y = apply<F, T>(f, x, place, rare);
         if (count >= L)
             simd::store(r + i, y);
         else
@@ -101,7 +119,7 @@ VOX_INLINED inline bool any_marked(const F &f, index_t i, inputs<T, K> in) {
         vec<T> x[K];
         simd::unroll<K>([&](auto k) VOX_INLINED { x[k] = simd::load(in[k] + i + v * lanes<T>); });
         mask<T> of_vector = no_lane<T>;
-        apply<F, T>(f, x, of_vector);
+        apply<F, T>(f, x, in[0] + i + v * lanes<T>, of_vector);
         rare = either(rare, of_vector);
     });
     return any_lane(rare);
@@ -143,7 +161,7 @@ VOX_INLINED inline void map(const F &f, index_t n, const T *const (&arguments)[K
         simd::unroll<N>([&](auto v) VOX_INLINED {
             simd::unroll<K>([&](auto k) VOX_INLINED { x[v][k] = simd::load(in[k] + i + v * L); });
             mask<T> of_vector = no_lane<T>;
-            y[v] = apply<F, T>(f, x[v], of_vector);
+            y[v] = apply<F, T>(f, x[v], in[0] + i + v * L, of_vector);
             rare = either(rare, of_vector);
         });
         // Nothing has been stored, so all can be done again.
