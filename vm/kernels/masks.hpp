@@ -178,14 +178,6 @@ inline V fma(V a, V b, V c) {
 }
 #endif
 
-// The magnitude of one with the sign of the other.
-template <class V>
-inline V with_sign(V magnitude, V sign) {
-    using B = decltype(V{} < V{});
-    const B bit = B(-V{});
-    return V((B(magnitude) & ~bit) | (B(sign) & bit));
-}
-
 // Numbers below the normal range, but for zeros.
 #if defined(__AVX512DQ__)
 inline __mmask8 subnormal(vec<double> v) { return _mm512_fpclass_pd_mask(v, 0x20); }
