@@ -178,12 +178,25 @@ inline V fma(V a, V b, V c) {
 }
 #endif
 
-// The magnitude of one with the sign of the other.
+// Numbers below the normal range, but for zeros.
+#if defined(__AVX512DQ__)
+inline __mmask8 subnormal(vec<double> v) { return _mm512_fpclass_pd_mask(v, 0x20); }
+inline __mmask16 subnormal(vec<float> v) { return _mm512_fpclass_ps_mask(v, 0x20); }
+#else
+template <class V>
+inline auto subnormal(V v) {
+    constexpr double least = sizeof(v[0]) == 4 ? __FLT_MIN__ : __DBL_MIN__;
+    const V magnitude = simd::abs(v);
+    using T = std::remove_cvref_t<decltype(v[0])>;
+    return mask<T>(less(V{}, magnitude) & less(magnitude, V{} + T(least)));
+}
+#endif
+
+// A number that is not negative, with the sign of another.
 template <class V>
 inline V with_sign(V magnitude, V sign) {
     using B = decltype(V{} < V{});
-    const B bit = B(-V{});
-    return V((B(magnitude) & ~bit) | (B(sign) & bit));
+    return V(B(magnitude) | (B(sign) & B(-V{})));
 }
 
 } // namespace vm

@@ -10,10 +10,16 @@ template <class V>
 using element = std::remove_cvref_t<decltype(V{}[0])>;
 
 // c[0] + c[1] x + ..., given x^2: pairs of terms, and of these by powers of x^2. That takes as many operations as
-// one by one and half the time until the result is there, which bounds how many vectors are in flight.
-template <class V, int N>
-VOX_INLINED inline V polynomial(V x, [[maybe_unused]] V square, const double (&c)[N]) {
-    const auto constant = [&](int i) VOX_INLINED { return V{} + element<V>(c[i]); };
+// one by one and half the time until the result is there, which bounds how many vectors are in flight. The
+// coefficients are doubles, or vectors.
+template <class V, class C, int N>
+VOX_INLINED inline V polynomial(V x, [[maybe_unused]] V square, const C (&c)[N]) {
+    const auto constant = [&](int i) VOX_INLINED {
+        if constexpr (std::is_same_v<C, V>)
+            return c[i];
+        else
+            return V{} + element<V>(c[i]);
+    };
     const auto pair = [&](int i) VOX_INLINED {
         return i + 1 < N ? fma(x, constant(i + 1), constant(i)) : constant(i);
     };

@@ -20,29 +20,40 @@ struct exact_sum {
 };
 
 // v with so few bits that a product of two is exact.
-inline V shortened(V v) { return V(vm::bits<V>(v) & ~((uint64_t(1) << 27) - 1)); }
+template <class W>
+inline W shortened(W v) {
+    return W(vm::bits<W>(v) & ~((uint64_t(1) << 27) - 1));
+}
 
-// (2^n - 1 + 2^n (e^r - 1)) / (2^n + 1 + 2^n (e^r - 1)) within 0.1 ulp more than its rounding.
-inline V accurate_ratio(vm::scaled<V> power, vm::reduced<V> r) {
-    const V rounded = r.head - r.tail, square = rounded * rounded;
-    const V series = vm::exp_series<TQM_HA>(rounded, square);
-    const V a = power.head - 1.0;
-    // 2^n (e^r - 1) = r.head + a r.head + 2^n (the rest).
-    const exact_sum u(a, r.head);
-    const V u_tail =
-        u.tail + fma(a, r.head, power.head * fma(square, series, power.tail - r.tail));
-    const V larger = vm::max(u.head, V{} + 2.0), smaller = vm::min(u.head, V{} + 2.0);
+// u, from the parts 2^n - 1 + r.head and 2^n (1 + tail) e^r - 1 without them, of which the second is small.
+struct exponential_less_one {
+    V a, head, rest;
+    exponential_less_one(V y, V t) {
+        const auto power = vm::two_to(t);
+        const auto reduced = vm::from_step(y, t);
+        const V r = reduced.head - reduced.tail, square = r * r;
+        const V tail = fma(power.tail, reduced.head, power.tail);
+        a = power.head - 1.0;
+        head = reduced.head;
+        rest = fma(a, head,
+                   power.head * fma(square, vm::growth_series(r, square), tail - reduced.tail));
+    }
+};
+
+// u / (u + 2) within 0.1 ulp more than its rounding.
+inline V accurate_ratio(exponential_less_one e) {
+    const exact_sum first(e.a, e.head), u(first.head, e.rest);
+    const V u_tail = first.tail + u.tail;
+    const V large = vm::max(u.head, V{} + 2.0), small = vm::min(u.head, V{} + 2.0);
     if constexpr (vm::fused) {
-        const V d = u.head + 2.0, d_tail = smaller - (d - larger), inverse = 1.0 / d;
+        const V d = u.head + 2.0, d_tail = small - (d - large) + u_tail, inverse = 1.0 / d;
         const V q = u.head * inverse;
-        const V rest = fma(-q, d, u.head) + fma(-q, d_tail, u_tail);
-        return fma(rest, inverse, q);
+        return fma(fma(-q, d, u.head) + fma(-q, d_tail, u_tail), inverse, q);
     } else {
         const V sum = u.head + 2.0, inverse = 1.0 / sum;
-        const V d = shortened(sum), d_tail = smaller - (d - larger);
+        const V d = shortened(sum), d_tail = small - (d - large) + u_tail;
         const V q = shortened(u.head * inverse);
-        const V rest = (u.head - q * d) + (u_tail - q * d_tail);
-        return q + rest * inverse;
+        return q + ((u.head - q * d) + (u_tail - q * d_tail)) * inverse;
     }
 }
 
@@ -52,24 +63,18 @@ struct tanh {
     VOX_VM_FIX(Tanh)
     V operator()(V x, vm::mask<T> &rare) const {
         const V size = simd::abs(x);
-        // Subnormal numbers, but not zeros.
-        rare = vm::less(size, V{} + 0x1p-1022) & vm::less(V{}, size);
+        rare = vm::subnormal(x);
         const V y = vm::min(V{} + 20.0, size) * 2.0, t = vm::nearest_step(y); // NaN stays
-        const auto power = vm::two_to(t);
         V result;
         if constexpr (accuracy == TQM_HA) {
-            result = accurate_ratio(power, vm::from_step(y, t));
+            result = accurate_ratio({y, t});
+        } else if constexpr (accuracy == TQM_LA) {
+            const exponential_less_one e(y, t);
+            const V u = (e.a + e.head) + e.rest;
+            result = u / (u + 2.0);
         } else {
-            V growth;
-            if constexpr (accuracy == TQM_LA) {
-                const auto reduced = vm::from_step(y, t);
-                const V r = reduced.head - reduced.tail, square = r * r;
-                growth = fma(square, vm::exp_series<TQM_LA>(r, square), r + power.tail);
-            } else {
-                const V r = vm::roughly_from_step(y, t);
-                growth = r * vm::rough_series(r);
-            }
-            const V u = fma(power.head, growth, power.head - 1.0);
+            const V r = vm::roughly_from_step(y, t), power = vm::two_to(t).head;
+            const V u = fma(power * r, vm::rough_growth_series(r), power - 1.0);
             result = u / (u + 2.0);
         }
         return vm::with_sign(result, x);
