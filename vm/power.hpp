@@ -105,9 +105,10 @@ constexpr auto exp2_series() {
 //   table_bits, fused
 //   fma(a, b, c)               a b + c, rounded once if fused
 //   real_exponent(bits)        the exponent of a positive normal number, as a real
-//   log_entry<first>(bits i, real &a, real &b)
-//                              two neighbours of a row of the table of logarithms, at the low bits of i
-//   exp_entry(bits i, real &power, real &tail)
+//   log_rows(bits i)           rows of the table of logarithms, at the low bits of i
+//     .entry<first>(a, b)      two neighbours of a row
+//   exp_entry(bits n, real &power, real &tail), exp_power(bits n)
+//                              the table of powers, at the low bits of n
 template <class Arithmetic, power_goal goal>
 struct power {
     using A = Arithmetic;
@@ -134,19 +135,19 @@ struct power {
         return A::fma(x, odd, even);
     }
 
-    // x = 2^k m of a normal x > 0, with m between 0.67 and 1.35, and the interval of m in the low bits of i.
+    // x = 2^k m of a normal x > 0, with m between 0.67 and 1.35, and the rows of m's intervals.
     struct split {
         real k, m;
-        bits i;
-        explicit split(real x) {
-            constexpr uint64_t one = uint64_t(1023) << 52,
-                               least = 0x3FE6000000000000 - (uint64_t(1) << (51 - table_bits));
-            const bits from_least = bits_of(x) + (one - least);
-            k = A::real_exponent(from_least);
-            i = from_least >> (52 - table_bits);
-            m = real_of((from_least & ((uint64_t(1) << 52) - 1)) + least);
-        }
+        typename A::log_rows rows;
     };
+    static split split_of(real x) {
+        constexpr uint64_t one = uint64_t(1023) << 52,
+                           least = 0x3FE6000000000000 - (uint64_t(1) << (51 - table_bits));
+        const bits from_least = bits_of(x) + (one - least);
+        return {A::real_exponent(from_least),
+                real_of((from_least & ((uint64_t(1) << 52) - 1)) + least),
+                typename A::log_rows(from_least >> (52 - table_bits))};
+    }
 
     struct two_parts {
         real high, low;
@@ -157,8 +158,8 @@ struct power {
         constexpr double ln2_high = 0x1.62e42fefa38p-1, // k ln2_high is exact
             ln2_low = 0x1.ef35793c7673p-45;
         real c, unused, ln_high, ln_low;
-        A::template log_entry<0>(x.i, c, unused);
-        A::template log_entry<2>(x.i, ln_high, ln_low);
+        x.rows.template entry<0>(c, unused);
+        x.rows.template entry<2>(ln_high, ln_low);
         // Exact, and so is the square of the head of r, where products are rounded.
         const real m_head = head(x.m);
         const real r =
@@ -196,7 +197,7 @@ struct power {
     // y log2 x.
     static real short_exponent(const split &x, real y) {
         real c, log2;
-        A::template log_entry<0>(x.i, c, log2);
+        x.rows.template entry<0>(c, log2);
         const real r = A::fma(x.m, c, real{} - 1.0);
         return y * A::fma(r, polynomial(r, r * r, log2_series<table_bits, goal>()), x.k + log2);
     }
@@ -236,10 +237,8 @@ struct power {
         constexpr double shift = 0x1.8p52 / (1 << table_bits);
         const real shifted = z + shift;
         const real s = z - (shifted - shift);
-        real power, tail;
-        A::exp_entry(bits_of(shifted), power, tail);
         return scale(bits_of(shifted), s * polynomial(s, s * s, exp2_series<table_bits, goal>()),
-                     power);
+                     A::exp_power(bits_of(shifted)));
     }
 };
 

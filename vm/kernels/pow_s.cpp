@@ -8,15 +8,51 @@ VOX_VM_DECLARE_FIX_2(Powx)
 
 namespace {
 
+template <class Computation>
+struct halves {
+    typename Computation::split low, high;
+};
+
+#if defined(__AVX512F__)
+template <class Computation>
+inline halves<Computation> split(vm::vec<float> x) {
+    return {Computation::split_of(vm::widen_low(x)), Computation::split_of(vm::widen_high(x))};
+}
+#else
+// As Computation::split_of, before they are widened.
+template <class Computation>
+VOX_INLINED inline halves<Computation> split(vm::vec<float> x) {
+    using ints = vm::vec<int32_t>;
+    constexpr int least = 0x3F300000 - (1 << 15);
+    const ints from_least = ints(x) - least, k = from_least >> 23;
+    const auto m = vm::vec<float>((from_least & 0x7FFFFF) + least);
+    alignas(simd::vector_bytes) int32_t at[vm::lanes<float>];
+    simd::store(at, (from_least >> 14) & 127 * 4);
+    simd::in_memory(at);
+    using rows = vm::vector_arithmetic::log_rows;
+    return {{vm::widen_low(k), vm::widen_low(m), rows(at)},
+            {vm::widen_high(k), vm::widen_high(m), rows(at + vm::lanes<double>)}};
+}
+#endif
+
+constexpr float most = 125; // of the result's exponent
+
+// x^y of a normal x > 0 where the result is well within the range of normal numbers. Other lanes are rare.
 template <uint32_t accuracy>
-inline vm::vec<float> by_doubles(vm::vec<float> x, vm::vec<float> y, vm::mask<float> &rare) {
+VOX_INLINED inline vm::vec<float> by_doubles(vm::vec<float> x, vm::vec<float> y,
+                                             vm::mask<float> &rare) {
     constexpr auto goal =
         accuracy == TQM_HA ? vm::power_goal::single_ha : vm::power_goal::single_la;
-    vm::mask<double> rare_low, rare_high;
-    const auto low = vm::power_of<goal>(vm::widen_low(x), vm::widen_low(y), rare_low);
-    const auto high = vm::power_of<goal>(vm::widen_high(x), vm::widen_high(y), rare_high);
-    rare = vm::narrow_masks(rare_low, rare_high);
-    return vm::narrow(low, high);
+    using computation = vm::power<vm::vector_arithmetic, goal>;
+    const auto parts = split<computation>(x);
+    const auto z_low = computation::short_exponent(parts.low, vm::widen_low(y));
+    const auto z_high = computation::short_exponent(parts.high, vm::widen_high(y));
+    const vm::vec<double> limit = vm::vec<double>{} + most;
+    rare = vm::narrow_masks(vm::not_less(simd::abs(z_low), limit),
+                            vm::not_less(simd::abs(z_high), limit)) |
+           vm::not_less_equal(vm::vec<float>{} + 0x1p-126f, x) |
+           vm::not_less(x, vm::vec<float>{} + __builtin_inff());
+    return vm::narrow(computation::exp2(z_low).value(), computation::exp2(z_high).value());
 }
 
 template <class T, uint32_t accuracy>

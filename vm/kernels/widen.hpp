@@ -1,4 +1,4 @@
-// widen.hpp - floats as two vectors of doubles, and back.
+// widen.hpp - floats, and integers of 32 bits, as two vectors of doubles, and back.
 #pragma once
 
 #include "vm/kernels/masks.hpp"
@@ -22,6 +22,12 @@ inline mask<float> narrow_masks(mask<double> low, mask<double> high) {
     return mask<float>(low | high << 8);
 }
 #elif defined(__AVX__)
+inline vec<double> widen_low(vec<int32_t> i) {
+    return _mm256_cvtepi32_pd(_mm256_castsi256_si128(__m256i(i)));
+}
+inline vec<double> widen_high(vec<int32_t> i) {
+    return _mm256_cvtepi32_pd(_mm256_extractf128_si256(__m256i(i), 1));
+}
 inline vec<double> widen_low(vec<float> x) { return _mm256_cvtps_pd(_mm256_castps256_ps128(x)); }
 inline vec<double> widen_high(vec<float> x) { return _mm256_cvtps_pd(_mm256_extractf128_ps(x, 1)); }
 inline vec<float> narrow(vec<double> low, vec<double> high) {
@@ -36,6 +42,10 @@ inline mask<float> narrow_masks(mask<double> low, mask<double> high) {
     return mask<float>(_mm256_insertf128_ps(_mm256_castps128_ps256(half(low)), half(high), 1));
 }
 #else
+inline vec<double> widen_low(vec<int32_t> i) { return _mm_cvtepi32_pd(__m128i(i)); }
+inline vec<double> widen_high(vec<int32_t> i) {
+    return _mm_cvtepi32_pd(_mm_unpackhi_epi64(__m128i(i), __m128i(i)));
+}
 inline vec<double> widen_low(vec<float> x) { return _mm_cvtps_pd(x); }
 inline vec<double> widen_high(vec<float> x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }
 inline vec<float> narrow(vec<double> low, vec<double> high) {
