@@ -48,10 +48,10 @@ VOX_INLINED inline vm::vec<float> by_doubles(vm::vec<float> x, vm::vec<float> y,
     const auto z_low = computation::short_exponent(parts.low, vm::widen_low(y));
     const auto z_high = computation::short_exponent(parts.high, vm::widen_high(y));
     const vm::vec<double> limit = vm::vec<double>{} + most;
-    rare = vm::narrow_masks(vm::not_less(simd::abs(z_low), limit),
-                            vm::not_less(simd::abs(z_high), limit)) |
-           vm::not_less_equal(vm::vec<float>{} + 0x1p-126f, x) |
-           vm::not_less(x, vm::vec<float>{} + __builtin_inff());
+    rare = vm::either(vm::narrow_masks(vm::not_less(simd::abs(z_low), limit),
+                                       vm::not_less(simd::abs(z_high), limit)),
+                      vm::either(vm::not_less_equal(vm::vec<float>{} + 0x1p-126f, x),
+                                 vm::not_less(x, vm::vec<float>{} + __builtin_inff())));
     return vm::narrow(computation::exp2(z_low).value(), computation::exp2(z_high).value());
 }
 
@@ -59,7 +59,7 @@ template <class T, uint32_t accuracy>
 struct pow {
     static constexpr int vectors = 1;
     VOX_VM_FIX(Pow)
-    vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
+    VOX_INLINED vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
         return by_doubles<accuracy>(x, y, rare);
     }
 };
@@ -72,7 +72,7 @@ struct powx {
     void fix(const T *first, vm::index_t i, T x, T *r) const {
         vox_vm_fix_sPowx(first, i, x, y, r);
     }
-    vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
+    VOX_INLINED vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
         return by_doubles<accuracy>(x, vm::vec<T>{} + y, rare);
     }
 };

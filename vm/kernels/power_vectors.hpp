@@ -74,11 +74,18 @@ struct vector_arithmetic {
     static real real_exponent(bits x) {
         return real((x >> 52) | 0x4330000000000000) - (0x1p52 + 1023);
     }
-    // An index goes through memory, which is cheaper than extractions and than a gather.
-    template <class Index>
-    static void spill(Index i, uint64_t (&at)[lanes<double>]) {
-        simd::store(at, i);
-        simd::in_memory(at);
+    static void spill(bits i, uint64_t (&at)[lanes<double>]) {
+#if defined(__AVX__)
+        const __m128i low = _mm256_castsi256_si128(__m256i(i)),
+                      high = _mm256_extractf128_si256(__m256i(i), 1);
+        at[0] = uint64_t(_mm_cvtsi128_si64(low));
+        at[1] = uint64_t(_mm_extract_epi64(low, 1));
+        at[2] = uint64_t(_mm_cvtsi128_si64(high));
+        at[3] = uint64_t(_mm_extract_epi64(high, 1));
+#else
+        at[0] = uint64_t(_mm_cvtsi128_si64(__m128i(i)));
+        at[1] = uint64_t(_mm_cvtsi128_si64(_mm_shuffle_epi32(__m128i(i), 0xEE)));
+#endif
     }
     // Two neighbours of each row come by one load.
     static void pairs(const double *const (&row)[lanes<double>], int first, real &a, real &b) {
@@ -98,7 +105,7 @@ struct vector_arithmetic {
     struct log_rows {
         const double *row[lanes<double>];
         explicit log_rows(bits i) {
-            alignas(simd::vector_bytes) uint64_t at[lanes<double>];
+            uint64_t at[lanes<double>];
             spill((i << 2) & 127 * 4, at);
             for (int lane = 0; lane < lanes<double>; ++lane)
                 row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
@@ -114,7 +121,7 @@ struct vector_arithmetic {
         }
     };
     static void exp_entry(bits n, real &power, real &tail) {
-        alignas(simd::vector_bytes) uint64_t at[lanes<double>];
+        uint64_t at[lanes<double>];
         spill((n << 1) & 127 * 2, at);
         const double *row[lanes<double>];
         for (int lane = 0; lane < lanes<double>; ++lane)
@@ -127,7 +134,7 @@ struct vector_arithmetic {
         exp_entry(n, power, tail);
         return power;
 #else
-        alignas(simd::vector_bytes) uint64_t at[lanes<double>];
+        uint64_t at[lanes<double>];
         spill((n << 1) & 127 * 2, at);
         const double *table = vox::vm::vox_vm_power_exp[0];
         return _mm_loadh_pd(_mm_load_sd(table + at[0]), table + at[1]);
@@ -155,7 +162,7 @@ VOX_INLINED inline vec<double> power_of(vec<double> x, vec<double> y, mask<doubl
     rare =
         not_less(simd::abs(z), vec<double>{} + most) | not_less_equal(vec<double>{} + 0x1p-1022, x);
     if constexpr (lanes<double> < 8) // with AVX-512 infinity has an infinite exponent
-        rare = rare | not_less(x, vec<double>{} + __builtin_inf());
+        rare = either(rare, not_less(x, vec<double>{} + __builtin_inf()));
     return result;
 }
 

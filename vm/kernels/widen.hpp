@@ -42,12 +42,15 @@ inline mask<float> narrow_masks(mask<double> low, mask<double> high) {
     return mask<float>(_mm256_insertf128_ps(_mm256_castps128_ps256(half(low)), half(high), 1));
 }
 #else
-inline vec<double> widen_low(vec<int32_t> i) { return _mm_cvtepi32_pd(__m128i(i)); }
-inline vec<double> widen_high(vec<int32_t> i) {
-    return _mm_cvtepi32_pd(_mm_unpackhi_epi64(__m128i(i), __m128i(i)));
+// By an instruction whose result depends on nothing else; gcc would take movhlps.
+template <class V>
+inline __m128i high_pair(V v) {
+    return _mm_shuffle_epi32(__m128i(v), 0xEE);
 }
+inline vec<double> widen_low(vec<int32_t> i) { return _mm_cvtepi32_pd(__m128i(i)); }
+inline vec<double> widen_high(vec<int32_t> i) { return _mm_cvtepi32_pd(high_pair(i)); }
 inline vec<double> widen_low(vec<float> x) { return _mm_cvtps_pd(x); }
-inline vec<double> widen_high(vec<float> x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }
+inline vec<double> widen_high(vec<float> x) { return _mm_cvtps_pd(vec<float>(high_pair(x))); }
 inline vec<float> narrow(vec<double> low, vec<double> high) {
     return _mm_movelh_ps(_mm_cvtpd_ps(low), _mm_cvtpd_ps(high));
 }
