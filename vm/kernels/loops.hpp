@@ -25,11 +25,11 @@ namespace {
 namespace vm {
 
 template <class F, class T>
-inline vec<T> apply(const F &f, const vec<T> (&x)[1], mask<T> &rare) {
+VOX_INLINED inline vec<T> apply(const F &f, const vec<T> (&x)[1], mask<T> &rare) {
     return f(x[0], rare);
 }
 template <class F, class T>
-inline vec<T> apply(const F &f, const vec<T> (&x)[2], mask<T> &rare) {
+VOX_INLINED inline vec<T> apply(const F &f, const vec<T> (&x)[2], mask<T> &rare) {
     return f(x[0], x[1], rare);
 }
 

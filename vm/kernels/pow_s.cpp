@@ -1,5 +1,6 @@
-// pow_s.cpp - powers in single precision, by doubles.
+// pow_s.cpp - powers in single precision, by doubles but for the lowest accuracy.
 #include "vm/kernels/loops.hpp"
+#include "vm/kernels/polynomials.hpp"
 #include "vm/kernels/power_vectors.hpp"
 #include "vm/kernels/widen.hpp"
 
@@ -35,9 +36,16 @@ VOX_INLINED inline halves<Computation> split(vm::vec<float> x) {
 }
 #endif
 
-constexpr float most = 125; // of the result's exponent
+// Where a power is not well within the range of normal numbers, or the base is no normal number.
+inline vm::mask<float> outside(vm::vec<float> x, vm::mask<float> too_large) {
+    return vm::either(too_large, vm::either(vm::not_less_equal(vm::vec<float>{} + 0x1p-126f, x),
+                                            vm::not_less(x, vm::vec<float>{} + __builtin_inff())));
+}
+template <class V>
+inline auto too_large(V exponent) {
+    return vm::not_less(simd::abs(exponent), V{} + 125.0f);
+}
 
-// x^y of a normal x > 0 where the result is well within the range of normal numbers. Other lanes are rare.
 template <uint32_t accuracy>
 VOX_INLINED inline vm::vec<float> by_doubles(vm::vec<float> x, vm::vec<float> y,
                                              vm::mask<float> &rare) {
@@ -47,12 +55,37 @@ VOX_INLINED inline vm::vec<float> by_doubles(vm::vec<float> x, vm::vec<float> y,
     const auto parts = split<computation>(x);
     const auto z_low = computation::short_exponent(parts.low, vm::widen_low(y));
     const auto z_high = computation::short_exponent(parts.high, vm::widen_high(y));
-    const vm::vec<double> limit = vm::vec<double>{} + most;
-    rare = vm::either(vm::narrow_masks(vm::not_less(simd::abs(z_low), limit),
-                                       vm::not_less(simd::abs(z_high), limit)),
-                      vm::either(vm::not_less_equal(vm::vec<float>{} + 0x1p-126f, x),
-                                 vm::not_less(x, vm::vec<float>{} + __builtin_inff())));
+    rare = outside(x, vm::narrow_masks(too_large(z_low), too_large(z_high)));
     return vm::narrow(computation::exp2(z_low).value(), computation::exp2(z_high).value());
+}
+
+// To 12 bits, without tables: with m = 1 + f between 2/3 and 4/3, y log2 x = y (k + log2(1 + f)) = n + s, and the
+// relative errors are 2^-19.7 of log2(1 + f), 2^-13.1 of 2^s.
+VOX_INLINED inline vm::vec<float> by_floats(vm::vec<float> x, vm::vec<float> y,
+                                            vm::mask<float> &rare) {
+    constexpr double log2_series[] = {0x1.715472p0,  -0x1.7158b2p-1, 0x1.ec8226p-2, -0x1.6efe78p-2,
+                                      0x1.2474d4p-2, -0x1.1eae86p-2, 0x1.f94d9cp-3},
+                     exp2_series[] = {1, 0x1.62f6ep-1, 0x1.efff1cp-3, 0x1.c1e5ecp-5};
+    constexpr float shift = 0x1.8p23f;
+    constexpr int least = 0x3F2AAAAB;
+    using reals = vm::vec<float>;
+    using ints = vm::vec<int32_t>;
+    const ints from_least = ints(x) - least;
+    const reals k = __builtin_convertvector(from_least >> 23, reals);
+    const reals f = reals((from_least & 0x7FFFFF) + least) - 1.0f;
+    const reals z = y * vm::fma(f, vm::polynomial(f, f * f, log2_series), k);
+    const reals shifted = z + shift, s = z - (shifted - shift);
+    rare = outside(x, too_large(z));
+    return reals(ints(vm::polynomial(s, s * s, exp2_series)) + (ints(shifted) << 23));
+}
+
+template <uint32_t accuracy>
+VOX_INLINED inline vm::vec<float> power_of(vm::vec<float> x, vm::vec<float> y,
+                                           vm::mask<float> &rare) {
+    if constexpr (accuracy == TQM_EP)
+        return by_floats(x, y, rare);
+    else
+        return by_doubles<accuracy>(x, y, rare);
 }
 
 template <class T, uint32_t accuracy>
@@ -60,7 +93,7 @@ struct pow {
     static constexpr int vectors = 1;
     VOX_VM_FIX(Pow)
     VOX_INLINED vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
-        return by_doubles<accuracy>(x, y, rare);
+        return power_of<accuracy>(x, y, rare);
     }
 };
 
@@ -73,7 +106,7 @@ struct powx {
         vox_vm_fix_sPowx(first, i, x, y, r);
     }
     VOX_INLINED vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
-        return by_doubles<accuracy>(x, vm::vec<T>{} + y, rare);
+        return power_of<accuracy>(x, vm::vec<T>{} + y, rare);
     }
 };
 
