@@ -64,7 +64,7 @@ constexpr auto log2_series() {
     else if constexpr (table_bits == 4)
         return coefficients<6>{0x1.71547652c27dbp0,   -0x1.71547651a0d56p-1, 0x1.ec7093c7b16ebp-2,
                                -0x1.715499a4a7894p-2, 0x1.27d290ae931b1p-2,  -0x1.ebdc04c0051a2p-3};
-    else if constexpr (goal == power_goal::single_la)
+    else if constexpr (goal != power_goal::ep)
         return coefficients<4>{0x1.715476529b033p0, -0x1.7154765cf938fp-1, 0x1.ec72aabae2d2fp-2,
                                -0x1.713e82e24765fp-2};
     else
@@ -86,7 +86,7 @@ constexpr auto exp_series() {
                                0x1.1113620a6407dp-7};
 }
 
-// 2^s - 1 = s (c[0] + c[1] s + ...), error 2^-38.6, 2^-29.3, 2^-41.3, 2^-30.2.
+// 2^s - 1 = s (c[0] + c[1] s + ...), error 2^-38.6, 2^-29.3, 2^-30.2.
 template <int table_bits, power_goal goal>
 constexpr auto exp2_series() {
     if constexpr (table_bits == 4 && goal == power_goal::single_ha)
@@ -94,8 +94,6 @@ constexpr auto exp2_series() {
                                0x1.3b4481b2ceca5p-7};
     else if constexpr (table_bits == 4)
         return coefficients<3>{0x1.62e42fae8fc07p-1, 0x1.ebffd421005d8p-3, 0x1.c6da21b6ecc11p-5};
-    else if constexpr (goal == power_goal::single_ha)
-        return coefficients<3>{0x1.62e42fef84f41p-1, 0x1.ebfbefc89fca2p-3, 0x1.c6b556d16fba2p-5};
     else
         return coefficients<2>{0x1.62e444734ede6p-1, 0x1.ebffcbe144549p-3};
 }

@@ -24,9 +24,9 @@ inline halves<Computation> split(vm::vec<float> x) {
 template <class Computation>
 VOX_INLINED inline halves<Computation> split(vm::vec<float> x) {
     using ints = vm::vec<int32_t>;
-    constexpr int least = 0x3F300000 - (1 << 15);
-    const ints from_least = ints(x) - least, k = from_least >> 23;
-    const auto m = vm::vec<float>((from_least & 0x7FFFFF) + least);
+    constexpr uint32_t least = 0x3F300000 - (1 << 15);
+    const ints from_least = ints(vm::vec<uint32_t>(x) - least), k = from_least >> 23;
+    const auto m = vm::vec<float>((from_least & 0x7FFFFF) + int(least));
     alignas(simd::vector_bytes) int32_t at[vm::lanes<float>];
     simd::store(at, (from_least >> 14) & 127 * 4);
     simd::in_memory(at);
@@ -36,10 +36,16 @@ VOX_INLINED inline halves<Computation> split(vm::vec<float> x) {
 }
 #endif
 
-// Where a power is not well within the range of normal numbers, or the base is no normal number.
+// Bases that are no normal numbers, besides powers that are not well within their range.
 inline vm::mask<float> outside(vm::vec<float> x, vm::mask<float> too_large) {
+#if defined(__AVX512F__)
     return vm::either(too_large, vm::either(vm::not_less_equal(vm::vec<float>{} + 0x1p-126f, x),
                                             vm::not_less(x, vm::vec<float>{} + __builtin_inff())));
+#else
+    // In one comparison: with this sum the normal numbers' bits are the least integers.
+    const auto bits = vm::mask<float>(vm::vec<uint32_t>(x) + 0x7F800000u);
+    return too_large | (bits > -0x01000001);
+#endif
 }
 template <class V>
 inline auto too_large(V exponent) {
@@ -67,12 +73,12 @@ VOX_INLINED inline vm::vec<float> by_floats(vm::vec<float> x, vm::vec<float> y,
                                       0x1.2474d4p-2, -0x1.1eae86p-2, 0x1.f94d9cp-3},
                      exp2_series[] = {1, 0x1.62f6ep-1, 0x1.efff1cp-3, 0x1.c1e5ecp-5};
     constexpr float shift = 0x1.8p23f;
-    constexpr int least = 0x3F2AAAAB;
+    constexpr uint32_t least = 0x3F2AAAAB;
     using reals = vm::vec<float>;
     using ints = vm::vec<int32_t>;
-    const ints from_least = ints(x) - least;
+    const ints from_least = ints(vm::vec<uint32_t>(x) - least);
     const reals k = __builtin_convertvector(from_least >> 23, reals);
-    const reals f = reals((from_least & 0x7FFFFF) + least) - 1.0f;
+    const reals f = reals((from_least & 0x7FFFFF) + int(least)) - 1.0f;
     const reals z = y * vm::fma(f, vm::polynomial(f, f * f, log2_series), k);
     const reals shifted = z + shift, s = z - (shifted - shift);
     rare = outside(x, too_large(z));
