@@ -33,6 +33,11 @@ constexpr bool is_exact(power_goal goal) {
 
 template <int N>
 using coefficients = std::array<double, N>;
+template <int N>
+struct led_by {
+    double first;
+    coefficients<N> rest;
+};
 
 // ln(1 + r) = r - r^2 / 2 + r^3 (c[0] + c[1] r + ...), relative error 2^-69.7, 2^-66.9, 2^-70.5, 2^-61.3.
 // 16 intervals reach |r| <= 0.0342, 128 of them 0.0053.
@@ -55,21 +60,24 @@ constexpr auto log_series() {
                                -0x1.5557f99fa21f2p-3, 0x1.2470a6f0025adp-3};
 }
 
-// log2(1 + r) = r (c[0] + c[1] r + ...), relative error 2^-31.0, 2^-37.2, 2^-35.7, 2^-44.5.
+// log2(1 + r) = first r + r^2 (rest[0] + rest[1] r + ...), relative error 2^-31.0, 2^-37.2, 2^-35.7, 2^-44.5.
 template <int table_bits, power_goal goal>
 constexpr auto log2_series() {
     if constexpr (table_bits == 4 && goal == power_goal::single_la)
-        return coefficients<5>{0x1.715476528a4e6p0, -0x1.71547315ced47p-1, 0x1.ec70b7af14251p-2,
-                               -0x1.71adbc6e5a80ap-2, 0x1.272e86caf6143p-2};
+        return led_by<4>{0x1.715476528a4e6p0,
+                         {-0x1.71547315ced47p-1, 0x1.ec70b7af14251p-2, -0x1.71adbc6e5a80ap-2,
+                          0x1.272e86caf6143p-2}};
     else if constexpr (table_bits == 4)
-        return coefficients<6>{0x1.71547652c27dbp0,   -0x1.71547651a0d56p-1, 0x1.ec7093c7b16ebp-2,
-                               -0x1.715499a4a7894p-2, 0x1.27d290ae931b1p-2,  -0x1.ebdc04c0051a2p-3};
+        return led_by<5>{0x1.71547652c27dbp0,
+                         {-0x1.71547651a0d56p-1, 0x1.ec7093c7b16ebp-2, -0x1.715499a4a7894p-2,
+                          0x1.27d290ae931b1p-2, -0x1.ebdc04c0051a2p-3}};
     else if constexpr (goal != power_goal::ep)
-        return coefficients<4>{0x1.715476529b033p0, -0x1.7154765cf938fp-1, 0x1.ec72aabae2d2fp-2,
-                               -0x1.713e82e24765fp-2};
+        return led_by<3>{0x1.715476529b033p0,
+                         {-0x1.7154765cf938fp-1, 0x1.ec72aabae2d2fp-2, -0x1.713e82e24765fp-2}};
     else
-        return coefficients<5>{0x1.71547652b82ebp0, -0x1.715476523ebcap-1, 0x1.ec709de380b4dp-2,
-                               -0x1.715698ea02e9bp-2, 0x1.275ff4560e13bp-2};
+        return led_by<4>{0x1.71547652b82ebp0,
+                         {-0x1.715476523ebcap-1, 0x1.ec709de380b4dp-2, -0x1.715698ea02e9bp-2,
+                          0x1.275ff4560e13bp-2}};
 }
 
 // e^s - 1 = s + s^2 (c[0] + c[1] s + ...), error 2^-66.2, 2^-56.4, 2^-65.4.
@@ -197,7 +205,10 @@ struct power {
         real c, log2;
         x.rows.template entry<0>(c, log2);
         const real r = A::fma(x.m, c, real{} - 1.0);
-        return y * A::fma(r, polynomial(r, r * r, log2_series<table_bits, goal>()), x.k + log2);
+        const real square = r * r;
+        constexpr auto series = log2_series<table_bits, goal>();
+        return y * A::fma(square, polynomial(r, square, series.rest),
+                          A::fma(r, real{} + series.first, x.k + log2));
     }
 
     // A power is s + s p. n: its exponent of 2 is n >> table_bits; s is right as long as that is one of normal
@@ -231,12 +242,12 @@ struct power {
     }
 
     // 2^z
-    static scaled exp2(real z) {
+    static real exp2(real z) {
         constexpr double shift = 0x1.8p52 / (1 << table_bits);
         const real shifted = z + shift;
         const real s = z - (shifted - shift);
-        return scale(bits_of(shifted), s * polynomial(s, s * s, exp2_series<table_bits, goal>()),
-                     A::exp_power(bits_of(shifted)));
+        const real power = scale(bits_of(shifted), s, A::exp_power(bits_of(shifted))).s;
+        return A::fma(power * s, polynomial(s, s * s, exp2_series<table_bits, goal>()), power);
     }
 };
 

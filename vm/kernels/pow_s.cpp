@@ -62,7 +62,7 @@ VOX_INLINED inline vm::vec<float> by_doubles(vm::vec<float> x, vm::vec<float> y,
     const auto z_low = computation::short_exponent(parts.low, vm::widen_low(y));
     const auto z_high = computation::short_exponent(parts.high, vm::widen_high(y));
     rare = outside(x, vm::narrow_masks(too_large(z_low), too_large(z_high)));
-    return vm::narrow(computation::exp2(z_low).value(), computation::exp2(z_high).value());
+    return vm::narrow(computation::exp2(z_low), computation::exp2(z_high));
 }
 
 // To 12 bits, without tables: with m = 1 + f between 2/3 and 4/3, y log2 x = y (k + log2(1 + f)) = n + s, and the

@@ -155,7 +155,7 @@ VOX_INLINED inline vec<double> power_of(vec<double> x, vec<double> y, mask<doubl
         result = computation::exp(exponent).value();
     } else {
         z = computation::short_exponent(parts, y);
-        result = computation::exp2(z).value();
+        result = computation::exp2(z);
     }
     // The product that is added last must be a normal number, too.
     constexpr double most = !is_exact(goal) ? 1021 : fused ? 708 : 700;
