@@ -33,6 +33,11 @@ constexpr bool is_exact(power_goal goal) {
 
 template <int N>
 using coefficients = std::array<double, N>;
+template <int N>
+struct led_by {
+    double first;
+    coefficients<N> rest;
+};
 
 // ln(1 + r) = r - r^2 / 2 + r^3 (c[0] + c[1] r + ...), relative error 2^-69.7, 2^-66.9, 2^-70.5, 2^-61.3.
 // 16 intervals reach |r| <= 0.0342, 128 of them 0.0053.
@@ -55,21 +60,24 @@ constexpr auto log_series() {
                                -0x1.5557f99fa21f2p-3, 0x1.2470a6f0025adp-3};
 }
 
-// log2(1 + r) = r (c[0] + c[1] r + ...), relative error 2^-31.0, 2^-37.2, 2^-35.7, 2^-44.5.
+// log2(1 + r) = first r + r^2 (rest[0] + rest[1] r + ...), relative error 2^-31.0, 2^-37.2, 2^-35.7, 2^-44.5.
 template <int table_bits, power_goal goal>
 constexpr auto log2_series() {
     if constexpr (table_bits == 4 && goal == power_goal::single_la)
-        return coefficients<5>{0x1.715476528a4e6p0, -0x1.71547315ced47p-1, 0x1.ec70b7af14251p-2,
-                               -0x1.71adbc6e5a80ap-2, 0x1.272e86caf6143p-2};
+        return led_by<4>{0x1.715476528a4e6p0,
+                         {-0x1.71547315ced47p-1, 0x1.ec70b7af14251p-2, -0x1.71adbc6e5a80ap-2,
+                          0x1.272e86caf6143p-2}};
     else if constexpr (table_bits == 4)
-        return coefficients<6>{0x1.71547652c27dbp0,   -0x1.71547651a0d56p-1, 0x1.ec7093c7b16ebp-2,
-                               -0x1.715499a4a7894p-2, 0x1.27d290ae931b1p-2,  -0x1.ebdc04c0051a2p-3};
-    else if constexpr (goal == power_goal::single_la)
-        return coefficients<4>{0x1.715476529b033p0, -0x1.7154765cf938fp-1, 0x1.ec72aabae2d2fp-2,
-                               -0x1.713e82e24765fp-2};
+        return led_by<5>{0x1.71547652c27dbp0,
+                         {-0x1.71547651a0d56p-1, 0x1.ec7093c7b16ebp-2, -0x1.715499a4a7894p-2,
+                          0x1.27d290ae931b1p-2, -0x1.ebdc04c0051a2p-3}};
+    else if constexpr (goal != power_goal::ep)
+        return led_by<3>{0x1.715476529b033p0,
+                         {-0x1.7154765cf938fp-1, 0x1.ec72aabae2d2fp-2, -0x1.713e82e24765fp-2}};
     else
-        return coefficients<5>{0x1.71547652b82ebp0, -0x1.715476523ebcap-1, 0x1.ec709de380b4dp-2,
-                               -0x1.715698ea02e9bp-2, 0x1.275ff4560e13bp-2};
+        return led_by<4>{0x1.71547652b82ebp0,
+                         {-0x1.715476523ebcap-1, 0x1.ec709de380b4dp-2, -0x1.715698ea02e9bp-2,
+                          0x1.275ff4560e13bp-2}};
 }
 
 // e^s - 1 = s + s^2 (c[0] + c[1] s + ...), error 2^-66.2, 2^-56.4, 2^-65.4.
@@ -86,7 +94,7 @@ constexpr auto exp_series() {
                                0x1.1113620a6407dp-7};
 }
 
-// 2^s - 1 = s (c[0] + c[1] s + ...), error 2^-38.6, 2^-29.3, 2^-41.3, 2^-30.2.
+// 2^s - 1 = s (c[0] + c[1] s + ...), error 2^-38.6, 2^-29.3, 2^-30.2.
 template <int table_bits, power_goal goal>
 constexpr auto exp2_series() {
     if constexpr (table_bits == 4 && goal == power_goal::single_ha)
@@ -94,8 +102,6 @@ constexpr auto exp2_series() {
                                0x1.3b4481b2ceca5p-7};
     else if constexpr (table_bits == 4)
         return coefficients<3>{0x1.62e42fae8fc07p-1, 0x1.ebffd421005d8p-3, 0x1.c6da21b6ecc11p-5};
-    else if constexpr (goal == power_goal::single_ha)
-        return coefficients<3>{0x1.62e42fef84f41p-1, 0x1.ebfbefc89fca2p-3, 0x1.c6b556d16fba2p-5};
     else
         return coefficients<2>{0x1.62e444734ede6p-1, 0x1.ebffcbe144549p-3};
 }
@@ -105,9 +111,10 @@ constexpr auto exp2_series() {
 //   table_bits, fused
 //   fma(a, b, c)               a b + c, rounded once if fused
 //   real_exponent(bits)        the exponent of a positive normal number, as a real
-//   log_entry<first>(bits i, real &a, real &b)
-//                              two neighbours of a row of the table of logarithms, at the low bits of i
-//   exp_entry(bits i, real &power, real &tail)
+//   log_rows(bits i)           rows of the table of logarithms, at the low bits of i
+//     .entry<first>(a, b)      two neighbours of a row
+//   exp_entry(bits n, real &power, real &tail), exp_power(bits n)
+//                              the table of powers, at the low bits of n
 template <class Arithmetic, power_goal goal>
 struct power {
     using A = Arithmetic;
@@ -134,19 +141,19 @@ struct power {
         return A::fma(x, odd, even);
     }
 
-    // x = 2^k m of a normal x > 0, with m between 0.67 and 1.35, and the interval of m in the low bits of i.
+    // x = 2^k m of a normal x > 0, with m between 0.67 and 1.35, and the rows of m's intervals.
     struct split {
         real k, m;
-        bits i;
-        explicit split(real x) {
-            constexpr uint64_t one = uint64_t(1023) << 52,
-                               least = 0x3FE6000000000000 - (uint64_t(1) << (51 - table_bits));
-            const bits from_least = bits_of(x) + (one - least);
-            k = A::real_exponent(from_least);
-            i = from_least >> (52 - table_bits);
-            m = real_of((from_least & ((uint64_t(1) << 52) - 1)) + least);
-        }
+        typename A::log_rows rows;
     };
+    static split split_of(real x) {
+        constexpr uint64_t one = uint64_t(1023) << 52,
+                           least = 0x3FE6000000000000 - (uint64_t(1) << (51 - table_bits));
+        const bits from_least = bits_of(x) + (one - least);
+        return {A::real_exponent(from_least),
+                real_of((from_least & ((uint64_t(1) << 52) - 1)) + least),
+                typename A::log_rows(from_least >> (52 - table_bits))};
+    }
 
     struct two_parts {
         real high, low;
@@ -157,8 +164,8 @@ struct power {
         constexpr double ln2_high = 0x1.62e42fefa38p-1, // k ln2_high is exact
             ln2_low = 0x1.ef35793c7673p-45;
         real c, unused, ln_high, ln_low;
-        A::template log_entry<0>(x.i, c, unused);
-        A::template log_entry<2>(x.i, ln_high, ln_low);
+        x.rows.template entry<0>(c, unused);
+        x.rows.template entry<2>(ln_high, ln_low);
         // Exact, and so is the square of the head of r, where products are rounded.
         const real m_head = head(x.m);
         const real r =
@@ -196,9 +203,12 @@ struct power {
     // y log2 x.
     static real short_exponent(const split &x, real y) {
         real c, log2;
-        A::template log_entry<0>(x.i, c, log2);
+        x.rows.template entry<0>(c, log2);
         const real r = A::fma(x.m, c, real{} - 1.0);
-        return y * A::fma(r, polynomial(r, r * r, log2_series<table_bits, goal>()), x.k + log2);
+        const real square = r * r;
+        constexpr auto series = log2_series<table_bits, goal>();
+        return y * A::fma(square, polynomial(r, square, series.rest),
+                          A::fma(r, real{} + series.first, x.k + log2));
     }
 
     // A power is s + s p. n: its exponent of 2 is n >> table_bits; s is right as long as that is one of normal
@@ -232,14 +242,12 @@ struct power {
     }
 
     // 2^z
-    static scaled exp2(real z) {
+    static real exp2(real z) {
         constexpr double shift = 0x1.8p52 / (1 << table_bits);
         const real shifted = z + shift;
         const real s = z - (shifted - shift);
-        real power, tail;
-        A::exp_entry(bits_of(shifted), power, tail);
-        return scale(bits_of(shifted), s * polynomial(s, s * s, exp2_series<table_bits, goal>()),
-                     power);
+        const real power = scale(bits_of(shifted), s, A::exp_power(bits_of(shifted))).s;
+        return A::fma(power * s, polynomial(s, s * s, exp2_series<table_bits, goal>()), power);
     }
 };
 

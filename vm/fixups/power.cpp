@@ -15,12 +15,15 @@ struct scalar_arithmetic {
     static constexpr bool fused = false;
     static real fma(real a, real b, real c) { return a * b + c; }
     static real real_exponent(bits x) { return double(int64_t(x >> 52)) - 1023; }
-    template <int first>
-    static void log_entry(bits i, real &a, real &b) {
-        const double *row = vox::vm::vox_vm_power_log[i & 127];
-        a = row[first];
-        b = row[first + 1];
-    }
+    struct log_rows {
+        const double *row;
+        explicit log_rows(bits i) : row(vox::vm::vox_vm_power_log[i & 127]) {}
+        template <int first>
+        void entry(real &a, real &b) const {
+            a = row[first];
+            b = row[first + 1];
+        }
+    };
     static void exp_entry(bits i, real &power, real &tail) {
         power = vox::vm::vox_vm_power_exp[i & 127][0];
         tail = vox::vm::vox_vm_power_exp[i & 127][1];
@@ -85,7 +88,7 @@ bool is_exact(double x, double y) {
 template <class T>
 outcome<T> positive_power(double x, double y) {
     const bool subnormal = x < least_normal<double>;
-    computation::split parts(subnormal ? x * 0x1p54 : x);
+    auto parts = computation::split_of(subnormal ? x * 0x1p54 : x);
     if (subnormal)
         parts.k -= 54;
     const auto z = computation::exponent(parts, y);

@@ -46,15 +46,15 @@ constexpr bool asks_for_place = requires(const F &f, vec<T> x, const T *place, m
 };
 
 template <class F, class T>
-inline vec<T> apply(const F &f, const vec<T> (&x)[1], [[maybe_unused]] const T *place,
-                    mask<T> &rare) {
+VOX_INLINED inline vec<T> apply(const F &f, const vec<T> (&x)[1], [[maybe_unused]] const T *place,
+                                mask<T> &rare) {
     if constexpr (asks_for_place<F, T>)
         return f(x[0], place, rare);
     else
         return f(x[0], rare);
 }
 template <class F, class T>
-inline vec<T> apply(const F &f, const vec<T> (&x)[2], const T *, mask<T> &rare) {
+VOX_INLINED inline vec<T> apply(const F &f, const vec<T> (&x)[2], const T *, mask<T> &rare) {
     return f(x[0], x[1], rare);
 }
 

@@ -16,7 +16,7 @@ template <class T, uint32_t accuracy>
 struct pow {
     static constexpr int vectors = 1;
     VOX_VM_FIX(Pow)
-    vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
+    VOX_INLINED vm::vec<T> operator()(vm::vec<T> x, vm::vec<T> y, vm::mask<T> &rare) const {
         return vm::power_of<goal<accuracy>>(x, y, rare);
     }
 };
@@ -29,7 +29,7 @@ struct powx {
     void fix(const T *first, vm::index_t i, T x, T *r) const {
         vox_vm_fix_dPowx(first, i, x, y, r);
     }
-    vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
+    VOX_INLINED vm::vec<T> operator()(vm::vec<T> x, vm::mask<T> &rare) const {
         return vm::power_of<goal<accuracy>>(x, vm::vec<T>{} + y, rare);
     }
 };

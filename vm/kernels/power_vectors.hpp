@@ -55,11 +55,16 @@ struct vector_arithmetic {
     static real entry(const double (&column)[16], bits i) {
         return _mm512_permutex2var_pd(simd::load(column), __m512i(i), simd::load(column + 8));
     }
-    template <int first>
-    static void log_entry(bits i, real &a, real &b) {
-        a = entry(power_columns::log[first], i);
-        b = entry(power_columns::log[first + 1], i);
-    }
+    struct log_rows {
+        bits i;
+        explicit log_rows(bits index) : i(index) {}
+        template <int first>
+        void entry(real &a, real &b) const {
+            a = vector_arithmetic::entry(power_columns::log[first], i);
+            b = vector_arithmetic::entry(power_columns::log[first + 1], i);
+        }
+    };
+    static real exp_power(bits n) { return entry(power_columns::exp[0], n); }
     static void exp_entry(bits i, real &power, real &tail) {
         power = entry(power_columns::exp[0], i);
         tail = entry(power_columns::exp[1], i);
@@ -69,57 +74,96 @@ struct vector_arithmetic {
     static real real_exponent(bits x) {
         return real((x >> 52) | 0x4330000000000000) - (0x1p52 + 1023);
     }
-    // Rows of two come by one load each.
-    template <int width>
-    static void entries(const double *table, bits i, real &a, real &b) {
-        uint64_t at
-            [lanes<double>]; // through memory, which is cheaper than extractions and than a gather
-        simd::store(at, (i & 127) * width);
-        simd::in_memory(at);
-        const auto row = [&](int lane) { return simd::load<16>(table + at[lane]); };
+    static void spill(bits i, uint64_t (&at)[lanes<double>]) {
 #if defined(__AVX__)
-        const auto r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+        const __m128i low = _mm256_castsi256_si128(__m256i(i)),
+                      high = _mm256_extractf128_si256(__m256i(i), 1);
+        at[0] = uint64_t(_mm_cvtsi128_si64(low));
+        at[1] = uint64_t(_mm_extract_epi64(low, 1));
+        at[2] = uint64_t(_mm_cvtsi128_si64(high));
+        at[3] = uint64_t(_mm_extract_epi64(high, 1));
+#else
+        at[0] = uint64_t(_mm_cvtsi128_si64(__m128i(i)));
+        at[1] = uint64_t(_mm_cvtsi128_si64(_mm_shuffle_epi32(__m128i(i), 0xEE)));
+#endif
+    }
+    // Two neighbours of each row come by one load.
+    static void pairs(const double *const (&row)[lanes<double>], int first, real &a, real &b) {
+        const auto pair = [&](int lane) { return simd::load<16>(row[lane] + first); };
+#if defined(__AVX__)
+        const auto r0 = pair(0), r1 = pair(1), r2 = pair(2), r3 = pair(3);
         const real even = __builtin_shufflevector(r0, r2, 0, 1, 2, 3),
                    odd = __builtin_shufflevector(r1, r3, 0, 1, 2, 3);
         a = _mm256_unpacklo_pd(even, odd);
         b = _mm256_unpackhi_pd(even, odd);
 #else
-        const auto r0 = row(0), r1 = row(1);
+        const auto r0 = pair(0), r1 = pair(1);
         a = _mm_unpacklo_pd(r0, r1);
         b = _mm_unpackhi_pd(r0, r1);
 #endif
     }
-    template <int first>
-    static void log_entry(bits i, real &a, real &b) {
-        entries<4>(vox::vm::vox_vm_power_log[0] + first, i, a, b);
+    struct log_rows {
+        const double *row[lanes<double>];
+        explicit log_rows(bits i) {
+            uint64_t at[lanes<double>];
+            spill((i << 2) & 127 * 4, at);
+            for (int lane = 0; lane < lanes<double>; ++lane)
+                row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
+        }
+        // Of offsets that are in memory already.
+        explicit log_rows(const int32_t *at) {
+            for (int lane = 0; lane < lanes<double>; ++lane)
+                row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
+        }
+        template <int first>
+        void entry(real &a, real &b) const {
+            pairs(row, first, a, b);
+        }
+    };
+    static void exp_entry(bits n, real &power, real &tail) {
+        uint64_t at[lanes<double>];
+        spill((n << 1) & 127 * 2, at);
+        const double *row[lanes<double>];
+        for (int lane = 0; lane < lanes<double>; ++lane)
+            row[lane] = vox::vm::vox_vm_power_exp[0] + at[lane];
+        pairs(row, 0, power, tail);
     }
-    static void exp_entry(bits i, real &power, real &tail) {
-        entries<2>(vox::vm::vox_vm_power_exp[0], i, power, tail);
+    static real exp_power(bits n) {
+#if defined(__AVX__)
+        real power, tail;
+        exp_entry(n, power, tail);
+        return power;
+#else
+        uint64_t at[lanes<double>];
+        spill((n << 1) & 127 * 2, at);
+        const double *table = vox::vm::vox_vm_power_exp[0];
+        return _mm_loadh_pd(_mm_load_sd(table + at[0]), table + at[1]);
+#endif
     }
 #endif
 };
 
-// x^y of normal x > 0 and results well within the range of normal numbers; rare: the other lanes, and those with
-// a NaN.
+// x^y of a normal x > 0 where the result is well within the range of normal numbers. Other lanes are rare.
 template <power_goal goal>
-inline vec<double> power_of(vec<double> x, vec<double> y, mask<double> &rare) {
+VOX_INLINED inline vec<double> power_of(vec<double> x, vec<double> y, mask<double> &rare) {
     using computation = power<vector_arithmetic, goal>;
-    const typename computation::split parts(x);
-    const auto finish = [&](const typename computation::scaled &result, vec<double> z,
-                            double most) {
-        rare = not_less(simd::abs(z), vec<double>{} + most) |
-               not_less_equal(vec<double>{} + 0x1p-1022, x);
-        if constexpr (!(lanes<double> == 8)) // elsewhere infinity has an infinite exponent
-            rare = rare | not_less(x, vec<double>{} + __builtin_inf());
-        return result.value();
-    };
-    if constexpr (is_exact(goal)) {
-        const auto z = computation::exponent(parts, y);
-        return finish(computation::exp(z), z.high, 708.0);
+    const auto parts = computation::split_of(x);
+    vec<double> z, result;
+    if constexpr (goal == power_goal::ha || goal == power_goal::la) {
+        const auto exponent = computation::exponent(parts, y);
+        z = exponent.high;
+        result = computation::exp(exponent).value();
     } else {
-        const vec<double> z = computation::short_exponent(parts, y);
-        return finish(computation::exp2(z), z, goal == power_goal::ep ? 1021.0 : 125.0);
+        z = computation::short_exponent(parts, y);
+        result = computation::exp2(z);
     }
+    // The product that is added last must be a normal number, too.
+    constexpr double most = !is_exact(goal) ? 1021 : fused ? 708 : 700;
+    rare =
+        not_less(simd::abs(z), vec<double>{} + most) | not_less_equal(vec<double>{} + 0x1p-1022, x);
+    if constexpr (lanes<double> < 8) // with AVX-512 infinity has an infinite exponent
+        rare = either(rare, not_less(x, vec<double>{} + __builtin_inf()));
+    return result;
 }
 
 } // namespace vm

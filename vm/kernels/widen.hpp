@@ -1,4 +1,4 @@
-// widen.hpp - floats as two vectors of doubles, and back.
+// widen.hpp - floats, and integers of 32 bits, as two vectors of doubles, and back.
 #pragma once
 
 #include "vm/kernels/masks.hpp"
@@ -22,6 +22,12 @@ inline mask<float> narrow_masks(mask<double> low, mask<double> high) {
     return mask<float>(low | high << 8);
 }
 #elif defined(__AVX__)
+inline vec<double> widen_low(vec<int32_t> i) {
+    return _mm256_cvtepi32_pd(_mm256_castsi256_si128(__m256i(i)));
+}
+inline vec<double> widen_high(vec<int32_t> i) {
+    return _mm256_cvtepi32_pd(_mm256_extractf128_si256(__m256i(i), 1));
+}
 inline vec<double> widen_low(vec<float> x) { return _mm256_cvtps_pd(_mm256_castps256_ps128(x)); }
 inline vec<double> widen_high(vec<float> x) { return _mm256_cvtps_pd(_mm256_extractf128_ps(x, 1)); }
 inline vec<float> narrow(vec<double> low, vec<double> high) {
@@ -36,8 +42,15 @@ inline mask<float> narrow_masks(mask<double> low, mask<double> high) {
     return mask<float>(_mm256_insertf128_ps(_mm256_castps128_ps256(half(low)), half(high), 1));
 }
 #else
+// By an instruction whose result depends on nothing else; gcc would take movhlps.
+template <class V>
+inline __m128i high_pair(V v) {
+    return _mm_shuffle_epi32(__m128i(v), 0xEE);
+}
+inline vec<double> widen_low(vec<int32_t> i) { return _mm_cvtepi32_pd(__m128i(i)); }
+inline vec<double> widen_high(vec<int32_t> i) { return _mm_cvtepi32_pd(high_pair(i)); }
 inline vec<double> widen_low(vec<float> x) { return _mm_cvtps_pd(x); }
-inline vec<double> widen_high(vec<float> x) { return _mm_cvtps_pd(_mm_movehl_ps(x, x)); }
+inline vec<double> widen_high(vec<float> x) { return _mm_cvtps_pd(vec<float>(high_pair(x))); }
 inline vec<float> narrow(vec<double> low, vec<double> high) {
     return _mm_movelh_ps(_mm_cvtpd_ps(low), _mm_cvtpd_ps(high));
 }
