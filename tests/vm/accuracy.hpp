@@ -30,8 +30,8 @@ long double ulp_of(long double y) {
 }
 
 // Whether the sign of r is the wrong one, or it is infinite or NaN where y is not, or the other way round.
-template <class T>
-bool of_another_kind(T r, long double y) {
+template <class T, class Y>
+bool of_another_kind(T r, Y y) {
     if (std::isnan(y) || std::isnan(r))
         return std::isnan(y) != std::isnan(r);
     if (std::signbit(r) != std::signbit(y))

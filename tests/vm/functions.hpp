@@ -23,11 +23,15 @@
     X(one, Inv, inv, INV, exact, 1 / a, mpfr_ui_div(r, 1, a, MPFR_RNDN), powers<-1>) \
     X(one, InvSqrt, invsqrt, INVSQRT, near, 1 / std::sqrt(a), mpfr_rec_sqrt(r, a, MPFR_RNDN), roots) \
     X(one, Ln, ln, LN, near, std::log(a), mpfr_log(r, a, MPFR_RNDN), logarithms) \
+    X(one, Log1p, log1p, LOG1P, near, std::log1p(a), mpfr_log1p(r, a, MPFR_RNDN), logarithms_of_1p) \
     X(two, Mul, mul, MUL, exact, a * b, mpfr_mul(r, a, b, MPFR_RNDN), products<1>) \
+    X(two, Pow, pow, POW, near, std::pow(a, b), mpfr_pow(r, a, b, MPFR_RNDN), general_powers) \
+    X(fixed, Powx, powx, POWX, near, std::pow(a, b), mpfr_pow(r, a, b, MPFR_RNDN), fixed_powers) \
     X(one, Round, round, ROUND, exact, std::round(a), mpfr_round(r, a), anything) \
     X(one, Sqr, sqr, SQR, exact, a * a, mpfr_sqr(r, a, MPFR_RNDN), powers<2>) \
     X(one, Sqrt, sqrt, SQRT, exact, std::sqrt(a), mpfr_sqrt(r, a, MPFR_RNDN), roots) \
-    X(two, Sub, sub, SUB, exact, a - b, mpfr_sub(r, a, b, MPFR_RNDN), sums<-1>)
+    X(two, Sub, sub, SUB, exact, a - b, mpfr_sub(r, a, b, MPFR_RNDN), sums<-1>) \
+    X(one, Tanh, tanh, TANH, near, std::tanh(a), mpfr_tanh(r, a, MPFR_RNDN), hyperbolic_tangents)
 // clang-format on
 
 namespace test {
