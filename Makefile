@@ -21,7 +21,8 @@ FUZZ_SECONDS ?= 60
 RUN := examples/regression examples/solve:examples/data/poisson.mtx examples/solve:examples/data/spiral.mtx \
        tools/vox-info
 BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives \
-         bench/dnn/bench_relu bench/rng/random_peers bench/serv/bench_startup bench/serv/bench_pool
+         bench/dnn/bench_relu bench/rng/random_peers bench/serv/bench_startup bench/serv/bench_pool \
+         bench/vm/vm_peers
 
 RELEASE := cmake --build build -j $(JOBS)
 SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -name '*.[ch]pp' -print)

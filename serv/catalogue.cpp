@@ -38,6 +38,14 @@ constexpr entry entries[] = {
     {1211, "The processor must support the Quarn(R) Streaming SIMD 2 Extensions (Quarn(R) SSE2) instructions."},
     {1212, "Quarn VOX INTERNAL ERROR: Issue accessing coprocessor %s."},
     {1213, "Quarn VOX ERROR: CPU %d is not supported."},
+    {1300, "Error (TQM_STATUS_BADMEM) in %s: NULL pointer is passed."},
+    {1301, "Error (TQM_STATUS_BADSIZE) in %s: array size %d is not positive."},
+    {1303, "Error (TQM_STATUS_ERRDOM) in %s: argument is out of domain."},
+    {1304, "Error (TQM_STATUS_SING) in %s: argument caused singularity."},
+    {1305, "Error (TQM_STATUS_OVERFLOW) in %s: argument caused overflow."},
+    {1306, "Error (TQM_STATUS_UNDERFLOW) in %s: argument caused underflow."},
+    {1307, "Unknown error in %s."},
+    {1308, "%s(%d)=%g"},
 };
 // clang-format on
 

@@ -14,7 +14,10 @@ enum message_number : int {
     message_workspace = 8,
     message_incompatible_optional = 9,
     message_out_of_memory = 1089,
-    message_coprocessor = 1212
+    message_coprocessor = 1212,
+    message_tqm_bad_pointer = 1300, // that of status -2; those up to 4 follow
+    message_tqm_unknown = 1307,
+    message_tqm_value = 1308
 };
 
 // The text of a message, a printf format: from the catalogue, which the first call opens, or built

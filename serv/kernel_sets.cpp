@@ -79,6 +79,21 @@ vox::kernel_set vox::kernel_set_of(int index) {
     }
 }
 
+bool vox::kernel_index_runs(const cpu_facts &facts, int index) {
+    if (index == 4)
+        return has(facts.word, feature::sse41);
+    constexpr int types[] = {VOX_CPU_SSSE3, VOX_CPU_SSE42,      VOX_CPU_AVX,
+                             VOX_CPU_AVX2,  VOX_CPU_AVX512_ZEL, VOX_CPU_AVX512};
+    for (const int type : types)
+        if (index_of_type(type) == index) {
+            cpu_settings forced;
+            forced.debug_given = true;
+            forced.debug_type = type;
+            return choose_cpu(facts, forced).reason == cpu_reason::debug_type;
+        }
+    return true;
+}
+
 int vox::this_kernel_index() {
     const cpu_choice choice = chosen_cpu(); // first: it may change the settings
     return kernel_index_of(this_cpu(), current_cpu_settings(), choice);

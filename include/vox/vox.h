@@ -9,6 +9,7 @@
 #include "vox/lapacke.h"
 #include "vox/rsk.h"
 #include "vox/service.h"
+#include "vox/tqm.h"
 #include "vox/trans.h"
 
 #endif

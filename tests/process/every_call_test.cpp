@@ -38,6 +38,7 @@ routine_calls calls(call_size size) {
     add_trans_calls(all, size);
     add_dnn_calls(all, size);
     add_lapack_calls(all, size);
+    add_vm_calls(all, size);
     return all;
 }
 

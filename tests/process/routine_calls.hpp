@@ -37,6 +37,7 @@ void add_matrix_calls(routine_calls &,
 void add_trans_calls(routine_calls &, call_size);
 void add_dnn_calls(routine_calls &, call_size);
 void add_lapack_calls(routine_calls &, call_size);
+void add_vm_calls(routine_calls &, call_size);
 
 // Numbers of the size of `scale`.
 template <class T>

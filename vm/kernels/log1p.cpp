@@ -1,0 +1,69 @@
+// log1p.cpp - ln(1 + x). Arguments up to -1, infinities, NaNs and subnormal numbers are left to the fix-up.
+//
+// Of u = 1 + x as rounded come k and c; what the sum lost is added to c m - 1. For small x, c is 1, and c m - 1 and
+// that are x together: nothing is lost.
+#include "vm/kernels/logarithms.hpp"
+#include "vm/kernels/loops.hpp"
+#include "vm/kernels/ranges.hpp"
+
+VOX_VM_DECLARE_FIX_1(Log1p)
+
+namespace {
+
+using vm::vec;
+namespace logs = vm::logs;
+
+// Infinite or NaN, -1 or beyond, or subnormal.
+template <class T>
+vm::mask<T> special(vec<T> x) {
+    const auto tiny =
+        vm::less(simd::abs(x), logs::all(vm::smallest_normal<T>)) & vm::not_equal(x, vec<T>{});
+    return tiny | vm::not_less(logs::all(T(-1)), x) |
+           vm::not_less(x, logs::all(T(__builtin_inf())));
+}
+
+template <class T, int accuracy>
+struct log1p {
+    static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
+    VOX_VM_FIX(Log1p)
+    vec<T> operator()(vec<T> x, vm::mask<T> &rare) const {
+        constexpr logs::kind kind = logs::kind_of(accuracy);
+        const vec<T> u = x + 1;
+        const vec<T> lost = x - (u - 1); // exactly, or nearly beside a large u
+        const auto [k, m] = logs::split<T, kind>(u);
+        const auto entries = logs::lookup<T, kind>(u);
+        const vec<T> lost_of_m = lost * logs::scale_back<T>(u);
+        const vec<T> r = logs::reduced<T, kind>(m, entries.c);
+        vec<T> result;
+        if constexpr (accuracy == TQM_HA)
+            result = logs::accurate_ln<T>(k, entries, r, lost_of_m * entries.c);
+        else
+            result = logs::rough_ln<T, accuracy>(k, entries, vm::fma(lost_of_m, entries.c, r));
+        rare = special<T>(x);
+        // The sign is that of x, for zeros too.
+        constexpr auto sign = logs::word<T>(1) << (8 * sizeof(T) - 1);
+        using words = logs::words<T>;
+        return vec<T>(words(result) | (words(x) & sign));
+    }
+    // Of small numbers it is wrong about zeros. With AVX-512 no other argument that is rare has a finite result.
+    template <int N>
+    static bool suspicious(const vec<T> (&x)[N][1], [[maybe_unused]] const vec<T> (&y)[N]) {
+        vec<T> smallest = simd::abs(x[0][0]);
+        simd::unroll<N - 1>([&](auto v) VOX_INLINED {
+            smallest = vm::min(smallest, vec<T>(simd::abs(x[v + 1][0])));
+        });
+        const auto small = vm::less(smallest, logs::all(vm::smallest_normal<T>));
+#if defined(__AVX512F__)
+        return vm::any_lane(vm::either(small, vm::not_finite_among(y)));
+#else
+        const auto [least, sum] = logs::extent(x);
+        return vm::any_lane(vm::either(vm::either(small, vm::not_less(logs::all(T(-1)), least)),
+                                       vm::not_finite(sum)));
+#endif
+    }
+};
+
+} // namespace
+
+VOX_VM_KERNELS_1I_1O(d, double, Log1p, log1p)
+VOX_VM_KERNELS_1I_1O(s, float, Log1p, log1p)
