@@ -74,6 +74,7 @@ struct vector_arithmetic {
     static real real_exponent(bits x) {
         return real((x >> 52) | 0x4330000000000000) - (0x1p52 + 1023);
     }
+    // The lanes as scalars, by what takes the fewest cycles until they can be used.
     static void spill(bits i, uint64_t (&at)[lanes<double>]) {
 #if defined(__AVX__)
         const __m128i low = _mm256_castsi256_si128(__m256i(i)),
@@ -85,6 +86,20 @@ struct vector_arithmetic {
 #else
         at[0] = uint64_t(_mm_cvtsi128_si64(__m128i(i)));
         at[1] = uint64_t(_mm_cvtsi128_si64(_mm_shuffle_epi32(__m128i(i), 0xEE)));
+#endif
+    }
+    static void spill(vec<uint32_t> i, uint32_t (&at)[lanes<float>]) {
+#if defined(__AVX__)
+        alignas(simd::vector_bytes) uint32_t memory[lanes<float>];
+        simd::store(memory, i);
+        simd::in_memory(memory);
+        for (int lane = 0; lane < lanes<float>; ++lane)
+            at[lane] = memory[lane];
+#else
+        uint64_t pair[2];
+        spill(bits(i), pair);
+        at[0] = uint32_t(pair[0]), at[1] = uint32_t(pair[0] >> 32);
+        at[2] = uint32_t(pair[1]), at[3] = uint32_t(pair[1] >> 32);
 #endif
     }
     // Two neighbours of each row come by one load.
@@ -110,8 +125,8 @@ struct vector_arithmetic {
             for (int lane = 0; lane < lanes<double>; ++lane)
                 row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
         }
-        // Of offsets that are in memory already.
-        explicit log_rows(const int32_t *at) {
+        // Of offsets that are scalars already.
+        explicit log_rows(const uint32_t *at) {
             for (int lane = 0; lane < lanes<double>; ++lane)
                 row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
         }
