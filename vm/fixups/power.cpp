@@ -11,6 +11,7 @@ using vox::vm::outcome;
 struct scalar_arithmetic {
     using real = double;
     using bits = uint64_t;
+    static constexpr int log_bits(vm::power_goal) { return 7; }
     static constexpr int table_bits = 7;
     static constexpr bool fused = false;
     static real fma(real a, real b, real c) { return a * b + c; }
@@ -18,10 +19,8 @@ struct scalar_arithmetic {
     struct log_rows {
         const double *row;
         explicit log_rows(bits i) : row(vox::vm::vox_vm_power_log[i & 127]) {}
-        template <int first>
-        void entry(real &a, real &b) const {
-            a = row[first];
-            b = row[first + 1];
+        void entry(real &c, real &high, real &low) const {
+            c = row[0], high = row[2], low = row[3];
         }
     };
     static void exp_entry(bits i, real &power, real &tail) {
