@@ -25,7 +25,7 @@ inline W shortened(W v) {
     return W(vm::bits<W>(v) & ~((uint64_t(1) << 27) - 1));
 }
 
-// u, from the parts 2^n - 1 + r.head and 2^n (1 + tail) e^r - 1 without them, of which the second is small.
+// u as a sum of three: 2^n - 1, the head of r, and what remains of 2^n e^r - 1, which is small beside their sum.
 struct exponential_less_one {
     V a, head, rest;
     exponential_less_one(V y, V t) {

@@ -1,4 +1,5 @@
-// tanh_single.cpp - hyperbolic tangents in single precision, from a table of polynomials (tanh_table.hpp).
+// tanh_single.cpp - hyperbolic tangents in single precision, from a table of polynomials (tanh_table.hpp). LA is
+// computed as HA: fewer terms would save little.
 #include <bit>
 
 #include "vm/kernels/loops.hpp"
