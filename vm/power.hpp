@@ -9,7 +9,7 @@
 // of powers.
 //
 // The exact logarithm: r - r^2 / 2 is kept in two parts, what follows is rounded once to about 2^-65 of the
-// logarithm, which y ln x < 710 turns into 0.05 ulp. The short one, to base 2 and in one part, is good for 2^-29 of
+// logarithm, which y ln x < 710 turns into less than 0.1 ulp. The short one, to base 2 and in one part, is good for 2^-29 of
 // the power where that has less than half of a double's bits, or is a float.
 //
 // Tables computed with mpmath, polynomials with sollya's fpminimax; the error of each stands beside it.

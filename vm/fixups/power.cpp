@@ -73,8 +73,8 @@ bool is_exact(double x, double y) {
         if (y < 0 || y > 33)
             return false;
     }
-    const double exponent = y * e; // exact, for the result is within the range
-    if (!is_integer(exponent) || exponent < least_exponent<T>)
+    const long double exponent = static_cast<long double>(y) * e; // of 64 bits at most, so exact
+    if (exponent != int(exponent) || exponent < least_exponent<T>)
         return false;
     double power = 1;
     if (m > 1)
