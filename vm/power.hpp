@@ -4,12 +4,12 @@
 // Arithmetic, which says what a real is, whether a product and a sum round once, and how the tables are read.
 //
 // x is 2^k m, and the top bits of m choose an inverse c of few bits, so that r = m c - 1 is small and exact: ln x =
-// k ln 2 - ln c + ln(1 + r). The tables have 2^table_bits intervals, centred such that c = 1 and k = 0 around x = 1;
+// k ln 2 - ln c + ln(1 + r). The table has 2^log_bits intervals, centred such that c = 1 and k = 0 around x = 1;
 // no cancellation harms a logarithm near 0. e^z is 2^(n / 2^table_bits) e^s with 2^table_bits entries in the table
 // of powers.
 //
 // The exact logarithm: r - r^2 / 2 is kept in two parts, what follows is rounded once to about 2^-65 of the
-// logarithm, which y ln x < 710 turns into 0.05 ulp. The short one, to base 2 and in one part, is good for 2^-29 of
+// logarithm, which y ln x < 710 turns into less than 0.1 ulp. The short one, to base 2 and in one part, is good for 2^-29 of
 // the power where that has less than half of a double's bits, or is a float.
 //
 // Tables computed with mpmath, polynomials with sollya's fpminimax; the error of each stands beside it.
@@ -39,19 +39,18 @@ struct led_by {
     coefficients<N> rest;
 };
 
-// ln(1 + r) = r - r^2 / 2 + r^3 (c[0] + c[1] r + ...), relative error 2^-69.7, 2^-66.9, 2^-70.5, 2^-61.3.
-// 16 intervals reach |r| <= 0.0342, 128 of them 0.0053.
-template <int table_bits, power_goal goal>
+// ln(1 + r) = r - r^2 / 2 + r^3 (c[0] + c[1] r + ...), relative error 2^-71.5, 2^-68.9, 2^-70.5, 2^-61.3.
+// 16 intervals reach |r| <= 0.0342, 32 of them 0.0198, 128 of them 0.0053.
+template <int log_bits, power_goal goal>
 constexpr auto log_series() {
-    if constexpr (table_bits == 4 && goal == power_goal::ha)
-        return coefficients<10>{0x1.5555555555555p-2,  -0x1.ffffffffffff7p-3, 0x1.999999999a92bp-3,
-                                -0x1.5555555565922p-3, 0x1.2492491e3758fp-3,  -0x1.fffffec4f5cc6p-4,
-                                0x1.c71c7ad4228dcp-4,  -0x1.999e706ed6686p-4, 0x1.74ec1bdeb540cp-4,
-                                -0x1.4efb554944d5ep-4};
-    else if constexpr (table_bits == 4)
-        return coefficients<9>{0x1.5555555555555p-2,  -0x1.ffffffffffdedp-3, 0x1.999999999b8fcp-3,
-                               -0x1.55555558f6866p-3, 0x1.2492490c091a8p-3,  -0x1.ffffbc8e8c216p-4,
-                               0x1.c71d47fe00c18p-4,  -0x1.9a995e3eafa78p-4, 0x1.73814d265dd2dp-4};
+    if constexpr (log_bits == 5 && goal == power_goal::ha)
+        return coefficients<9>{0x1.5555555555555p-2,  -0x1.0000000000001p-2, 0x1.999999999d0dap-3,
+                               -0x1.555555555af88p-3, 0x1.249248c58e906p-3,  -0x1.fffffc39a1827p-4,
+                               0x1.c724c7475e329p-4,  -0x1.99db89635e247p-4, 0x1.5387b438fd151p-4};
+    else if constexpr (log_bits == 5)
+        return coefficients<8>{0x1.5555555555553p-2,  -0x1.000000000002cp-2, 0x1.99999999b73b4p-3,
+                               -0x1.555555541ccf5p-3, 0x1.24924587f9527p-3,  -0x1.000014296692bp-3,
+                               0x1.c774df5977c72p-4,  -0x1.98e9f5e5c4ebap-4};
     else if constexpr (goal == power_goal::ha)
         return coefficients<6>{0x1.555555555555cp-2,  -0x1.ffffffffffd63p-3, 0x1.999999969c03cp-3,
                                -0x1.555555a190c2fp-3, 0x1.249544637963bp-3,  -0x1.ffc20264ec155p-4};
@@ -61,13 +60,13 @@ constexpr auto log_series() {
 }
 
 // log2(1 + r) = first r + r^2 (rest[0] + rest[1] r + ...), relative error 2^-31.0, 2^-37.2, 2^-35.7, 2^-44.5.
-template <int table_bits, power_goal goal>
+template <int log_bits, power_goal goal>
 constexpr auto log2_series() {
-    if constexpr (table_bits == 4 && goal == power_goal::single_la)
+    if constexpr (log_bits == 4 && goal == power_goal::single_la)
         return led_by<4>{0x1.715476528a4e6p0,
                          {-0x1.71547315ced47p-1, 0x1.ec70b7af14251p-2, -0x1.71adbc6e5a80ap-2,
                           0x1.272e86caf6143p-2}};
-    else if constexpr (table_bits == 4)
+    else if constexpr (log_bits == 4)
         return led_by<5>{0x1.71547652c27dbp0,
                          {-0x1.71547651a0d56p-1, 0x1.ec7093c7b16ebp-2, -0x1.715499a4a7894p-2,
                           0x1.27d290ae931b1p-2, -0x1.ebdc04c0051a2p-3}};
@@ -108,11 +107,14 @@ constexpr auto exp2_series() {
 
 // Arithmetic:
 //   real, bits                 a double and its bits, or vectors of them
-//   table_bits, fused
+//   log_bits(goal)             2^log_bits intervals in the table of logarithms
+//   table_bits                 2^table_bits entries in the table of powers
+//   fused
 //   fma(a, b, c)               a b + c, rounded once if fused
 //   real_exponent(bits)        the exponent of a positive normal number, as a real
 //   log_rows(bits i)           rows of the table of logarithms, at the low bits of i
-//     .entry<first>(a, b)      two neighbours of a row
+//     .entry(c, log2)          c and -log2 c
+//     .entry(c, high, low)     c and -ln c in two parts
 //   exp_entry(bits n, real &power, real &tail), exp_power(bits n)
 //                              the table of powers, at the low bits of n
 template <class Arithmetic, power_goal goal>
@@ -120,7 +122,7 @@ struct power {
     using A = Arithmetic;
     using real = typename A::real;
     using bits = typename A::bits;
-    static constexpr int table_bits = A::table_bits;
+    static constexpr int log_bits = A::log_bits(goal), table_bits = A::table_bits;
 
     static bits bits_of(real x) { return __builtin_bit_cast(bits, x); }
     static real real_of(bits x) { return __builtin_bit_cast(real, x); }
@@ -148,11 +150,11 @@ struct power {
     };
     static split split_of(real x) {
         constexpr uint64_t one = uint64_t(1023) << 52,
-                           least = 0x3FE6000000000000 - (uint64_t(1) << (51 - table_bits));
+                           least = 0x3FE6000000000000 - (uint64_t(1) << (51 - log_bits));
         const bits from_least = bits_of(x) + (one - least);
         return {A::real_exponent(from_least),
                 real_of((from_least & ((uint64_t(1) << 52) - 1)) + least),
-                typename A::log_rows(from_least >> (52 - table_bits))};
+                typename A::log_rows(from_least >> (52 - log_bits))};
     }
 
     struct two_parts {
@@ -163,9 +165,8 @@ struct power {
     static two_parts exponent(const split &x, real y) {
         constexpr double ln2_high = 0x1.62e42fefa38p-1, // k ln2_high is exact
             ln2_low = 0x1.ef35793c7673p-45;
-        real c, unused, ln_high, ln_low;
-        x.rows.template entry<0>(c, unused);
-        x.rows.template entry<2>(ln_high, ln_low);
+        real c, ln_high, ln_low;
+        x.rows.entry(c, ln_high, ln_low);
         // Exact, and so is the square of the head of r, where products are rounded.
         const real m_head = head(x.m);
         const real r =
@@ -179,7 +180,7 @@ struct power {
             A::fused ? A::fma(half, r_head, -half_square) : -0.5 * (r - r_head) * (r + r_head);
         const real square = r * r;
         const real rest =
-            A::fma(r * square, polynomial(r, square, log_series<table_bits, goal>()), below_high);
+            A::fma(r * square, polynomial(r, square, log_series<log_bits, goal>()), below_high);
         const real low = A::fma(x.k, real{} + ln2_low, ln_low) + (below_sum + below_square) + rest;
         if constexpr (goal == power_goal::ha) {
             const real all = high + low;
@@ -203,10 +204,10 @@ struct power {
     // y log2 x.
     static real short_exponent(const split &x, real y) {
         real c, log2;
-        x.rows.template entry<0>(c, log2);
+        x.rows.entry(c, log2);
         const real r = A::fma(x.m, c, real{} - 1.0);
         const real square = r * r;
-        constexpr auto series = log2_series<table_bits, goal>();
+        constexpr auto series = log2_series<log_bits, goal>();
         return y * A::fma(square, polynomial(r, square, series.rest),
                           A::fma(r, real{} + series.first, x.k + log2));
     }

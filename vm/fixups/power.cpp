@@ -11,6 +11,7 @@ using vox::vm::outcome;
 struct scalar_arithmetic {
     using real = double;
     using bits = uint64_t;
+    static constexpr int log_bits(vm::power_goal) { return 7; }
     static constexpr int table_bits = 7;
     static constexpr bool fused = false;
     static real fma(real a, real b, real c) { return a * b + c; }
@@ -18,10 +19,8 @@ struct scalar_arithmetic {
     struct log_rows {
         const double *row;
         explicit log_rows(bits i) : row(vox::vm::vox_vm_power_log[i & 127]) {}
-        template <int first>
-        void entry(real &a, real &b) const {
-            a = row[first];
-            b = row[first + 1];
+        void entry(real &c, real &high, real &low) const {
+            c = row[0], high = row[2], low = row[3];
         }
     };
     static void exp_entry(bits i, real &power, real &tail) {
@@ -74,8 +73,8 @@ bool is_exact(double x, double y) {
         if (y < 0 || y > 33)
             return false;
     }
-    const double exponent = y * e; // exact, for the result is within the range
-    if (!is_integer(exponent) || exponent < least_exponent<T>)
+    const long double exponent = static_cast<long double>(y) * e; // of 64 bits at most, so exact
+    if (exponent != int(exponent) || exponent < least_exponent<T>)
         return false;
     double power = 1;
     if (m > 1)

@@ -27,9 +27,8 @@ VOX_INLINED inline halves<Computation> split(vm::vec<float> x) {
     constexpr uint32_t least = 0x3F300000 - (1 << 15);
     const ints from_least = ints(vm::vec<uint32_t>(x) - least), k = from_least >> 23;
     const auto m = vm::vec<float>((from_least & 0x7FFFFF) + int(least));
-    alignas(simd::vector_bytes) int32_t at[vm::lanes<float>];
-    simd::store(at, (from_least >> 14) & 127 * 4);
-    simd::in_memory(at);
+    uint32_t at[vm::lanes<float>];
+    vm::vector_arithmetic::spill(vm::vec<uint32_t>((from_least >> 14) & 127 * 4), at);
     using rows = vm::vector_arithmetic::log_rows;
     return {{vm::widen_low(k), vm::widen_low(m), rows(at)},
             {vm::widen_high(k), vm::widen_high(m), rows(at + vm::lanes<double>)}};

@@ -9,25 +9,43 @@ namespace {
 namespace vm {
 
 #if defined(__AVX512F__)
-// As vox_vm_power_log and vox_vm_power_exp, for 16 intervals and by columns: the entries of all lanes come out of two
-// registers. Each product m c - 1 is exact.
+// As vox_vm_power_log and vox_vm_power_exp, for 16 intervals, or 32 of the exact logarithm, and by columns: the entries
+// of all lanes come out of two or four registers. Each m c - 1 is exact.
 struct power_columns {
-    alignas(64) static constexpr double log[4][16] = {
+    alignas(64) static constexpr double short_log[2][16] = {
         {0x1.7p0, 0x1.6p0, 0x1.58p0, 0x1.48p0, 0x1.38p0, 0x1.3p0, 0x1.28p0, 0x1.18p0, 0x1.1p0,
          0x1.08p0, 0x1p0, 0x1.ep-1, 0x1.c8p-1, 0x1.bp-1, 0x1.98p-1, 0x1.88p-1},
         {-0x1.0c10500d63aa6p-1, -0x1.d6753e032ea0fp-2, -0x1.b47ebf73882a1p-2, -0x1.6e221cd9d0cdep-2,
          -0x1.24407ab0e073ap-2, -0x1.fbc16b902680ap-3, -0x1.acf5e2db4ec94p-3, -0x1.08c588cda79e4p-3,
          -0x1.663f6fac91316p-4, -0x1.6bad3758efd87p-5, 0, 0x1.7d60496cfbb4cp-4,
-         0x1.563dc29ffacb2p-3, 0x1.f5fd8a9063e35p-3, 0x1.4f6fbb2cec598p-2, 0x1.8a8980abfbd32p-2},
-        {-0x1.739d7f6bbdp-2, -0x1.4618bc21c6p-2, -0x1.2e8e2bae12p-2, -0x1.fb9186d5e4p-3,
-         -0x1.9525a9cf46p-3, -0x1.5ff3070a7ap-3, -0x1.29552f82p-3, -0x1.6f0d28ae58p-4,
-         -0x1.f0a30c0118p-5, -0x1.f829b0e78p-6, 0, 0x1.08598b59e4p-4, 0x1.da72763844p-4,
-         0x1.5bf406b544p-3, 0x1.d1037f2656p-3, 0x1.1178e8227ep-2},
-        {-0x1.a7389314feb5p-52, 0x1.3d82f484c84ccp-46, 0x1.67b1e99b72bd8p-45, 0x1.d572aab993c87p-47,
-         0x1.297137d9f158fp-44, 0x1.8586f183bebf2p-44, 0x1.5b967f4471dfcp-44, 0x1.4b4641b664613p-44,
-         0x1.d599e83368e91p-45, -0x1.980267c7e09e4p-45, 0, -0x1.7e5dd7009902cp-46,
-         0x1.a89401fa71733p-46, -0x1.27023eb68981cp-46, -0x1.84a7e75b6f6e4p-47,
-         0x1.1ef78ce2d07f2p-44}};
+         0x1.563dc29ffacb2p-3, 0x1.f5fd8a9063e35p-3, 0x1.4f6fbb2cec598p-2, 0x1.8a8980abfbd32p-2}};
+    alignas(64) static constexpr double log[3][32] = {
+        {0x1.74p0,  0x1.6cp0,  0x1.64p0, 0x1.5cp0,  0x1.54p0,  0x1.5p0,  0x1.48p0,  0x1.4p0,
+         0x1.3cp0,  0x1.34p0,  0x1.3p0,  0x1.28p0,  0x1.24p0,  0x1.2p0,  0x1.1cp0,  0x1.14p0,
+         0x1.1p0,   0x1.0cp0,  0x1.08p0, 0x1.04p0,  0x1p0,     0x1.fp-1, 0x1.ep-1,  0x1.d4p-1,
+         0x1.c8p-1, 0x1.b8p-1, 0x1.bp-1, 0x1.a4p-1, 0x1.98p-1, 0x1.9p-1, 0x1.88p-1, 0x1.7cp-1},
+        {-0x1.7eaf83b82bp-2, -0x1.686c81e9b1p-2, -0x1.51aad872ep-2,
+         -0x1.3a64c55694p-2, -0x1.22941fbcf8p-2, -0x1.1675cababap-2,
+         -0x1.fb9186d5e4p-3, -0x1.c8ff7c79aap-3, -0x1.af3c94e80cp-3,
+         -0x1.7ab890210ep-3, -0x1.5ff3070a7ap-3, -0x1.29552f82p-3,
+         -0x1.0d77e7cd08p-3, -0x1.e27076e2bp-4,  -0x1.a926d3a4acp-4,
+         -0x1.341d7961bcp-4, -0x1.f0a30c0118p-5, -0x1.77458f633p-5,
+         -0x1.f829b0e78p-6,  -0x1.fc0a8b0fcp-7,  0,
+         0x1.0415d89e78p-5,  0x1.08598b59e4p-4,  0x1.700d30aeacp-4,
+         0x1.da72763844p-4,  0x1.365fcb015ap-3,  0x1.5bf406b544p-3,
+         0x1.95a5adcf7p-3,   0x1.d1037f2656p-3,  0x1.f991c6cb3cp-3,
+         0x1.1178e8227ep-2,  0x1.314f1e1d36p-2},
+        {0x1.e4da62d0c25adp-49,  -0x1.2bb110af84054p-44, 0x1.f4bd8db0a7cc1p-44,
+         -0x1.7a71cbcd735dp-44,  0x1.a6976f5eb0963p-44,  -0x1.8380e731f55c4p-44,
+         0x1.d572aab993c87p-47,  0x1.7794f689f8434p-45,  0x1.a4e633fcd9066p-52,
+         0x1.bdb9072534a58p-45,  0x1.8586f183bebf2p-44,  0x1.5b967f4471dfcp-44,
+         -0x1.cb2cd2ee2f482p-44, 0x1.a342c2af0003cp-45,  -0x1.563650bd22a9cp-44,
+         -0x1.1d0929983761p-44,  0x1.d599e83368e91p-45,  0x1.181dce586af09p-44,
+         -0x1.980267c7e09e4p-45, -0x1.f1e7cf6d3a69cp-50, 0,
+         -0x1.dddc7f461c516p-44, -0x1.7e5dd7009902cp-46, 0x1.c1e8da99ded32p-49,
+         0x1.a89401fa71733p-46,  -0x1.fd3a0afb9691bp-44, -0x1.27023eb68981cp-46,
+         0x1.7f22858a0ff6fp-47,  -0x1.84a7e75b6f6e4p-47, -0x1.90d04cd7cc834p-44,
+         0x1.1ef78ce2d07f2p-44,  -0x1.8e27ad3213cb8p-45}};
     alignas(64) static constexpr double exp[2][16] = {
         {0x1p0, 0x1.fb5586cf9890fp-1, 0x1.f72b83c7d517bp-1, 0x1.f387a6e756238p-1,
          0x1.f06fe0a31b715p-1, 0x1.edea64c123422p-1, 0x1.ebfdad5362a27p-1, 0x1.eab07dd485429p-1,
@@ -48,20 +66,30 @@ struct vector_arithmetic {
     static real fma(real a, real b, real c) { return vm::fma(a, b, c); }
 
 #if defined(__AVX512F__)
+    static constexpr int log_bits(power_goal goal) { return is_exact(goal) ? 5 : 4; }
     static constexpr int table_bits = 4;
     static real real_exponent(bits x) {
         return _mm512_maskz_getexp_pd(0xFF, __m512d(x)); // gcc warns about the plain one
     }
-    static real entry(const double (&column)[16], bits i) {
+    static real entry(const double (&column)[16], bits i) { return entry_of_16(column, i); }
+    static real entry_of_16(const double *column, bits i) {
         return _mm512_permutex2var_pd(simd::load(column), __m512i(i), simd::load(column + 8));
+    }
+    static real entry(const double (&column)[32], bits i) {
+        const __mmask8 upper = _mm512_test_epi64_mask(__m512i(i), __m512i(bits{} + 16));
+        return select(upper, entry_of_16(column + 16, i), entry_of_16(column, i));
     }
     struct log_rows {
         bits i;
         explicit log_rows(bits index) : i(index) {}
-        template <int first>
-        void entry(real &a, real &b) const {
-            a = vector_arithmetic::entry(power_columns::log[first], i);
-            b = vector_arithmetic::entry(power_columns::log[first + 1], i);
+        void entry(real &c, real &log2) const {
+            c = vector_arithmetic::entry(power_columns::short_log[0], i);
+            log2 = vector_arithmetic::entry(power_columns::short_log[1], i);
+        }
+        void entry(real &c, real &high, real &low) const {
+            c = vector_arithmetic::entry(power_columns::log[0], i);
+            high = vector_arithmetic::entry(power_columns::log[1], i);
+            low = vector_arithmetic::entry(power_columns::log[2], i);
         }
     };
     static real exp_power(bits n) { return entry(power_columns::exp[0], n); }
@@ -70,10 +98,12 @@ struct vector_arithmetic {
         tail = entry(power_columns::exp[1], i);
     }
 #else
+    static constexpr int log_bits(power_goal) { return 7; }
     static constexpr int table_bits = 7;
     static real real_exponent(bits x) {
         return real((x >> 52) | 0x4330000000000000) - (0x1p52 + 1023);
     }
+    // The lanes as scalars, by what takes the fewest cycles until they can be used.
     static void spill(bits i, uint64_t (&at)[lanes<double>]) {
 #if defined(__AVX__)
         const __m128i low = _mm256_castsi256_si128(__m256i(i)),
@@ -85,6 +115,20 @@ struct vector_arithmetic {
 #else
         at[0] = uint64_t(_mm_cvtsi128_si64(__m128i(i)));
         at[1] = uint64_t(_mm_cvtsi128_si64(_mm_shuffle_epi32(__m128i(i), 0xEE)));
+#endif
+    }
+    static void spill(vec<uint32_t> i, uint32_t (&at)[lanes<float>]) {
+#if defined(__AVX__)
+        alignas(simd::vector_bytes) uint32_t memory[lanes<float>];
+        simd::store(memory, i);
+        simd::in_memory(memory);
+        for (int lane = 0; lane < lanes<float>; ++lane)
+            at[lane] = memory[lane];
+#else
+        uint64_t pair[2];
+        spill(bits(i), pair);
+        at[0] = uint32_t(pair[0]), at[1] = uint32_t(pair[0] >> 32);
+        at[2] = uint32_t(pair[1]), at[3] = uint32_t(pair[1] >> 32);
 #endif
     }
     // Two neighbours of each row come by one load.
@@ -110,14 +154,16 @@ struct vector_arithmetic {
             for (int lane = 0; lane < lanes<double>; ++lane)
                 row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
         }
-        // Of offsets that are in memory already.
-        explicit log_rows(const int32_t *at) {
+        // Of offsets that are scalars already.
+        explicit log_rows(const uint32_t *at) {
             for (int lane = 0; lane < lanes<double>; ++lane)
                 row[lane] = vox::vm::vox_vm_power_log[0] + at[lane];
         }
-        template <int first>
-        void entry(real &a, real &b) const {
-            pairs(row, first, a, b);
+        void entry(real &c, real &log2) const { pairs(row, 0, c, log2); }
+        void entry(real &c, real &high, real &low) const {
+            real unused;
+            pairs(row, 0, c, unused);
+            pairs(row, 2, high, low);
         }
     };
     static void exp_entry(bits n, real &power, real &tail) {
