@@ -75,7 +75,7 @@ struct exact_values {
     void ask_mpfr(const vector_function<T> &f, size_t i, T a, T b) {
         rational[i] = by_mpfr(f, a, b);
         const long double off = std::fabs(mpfr_get_ld(result_, MPFR_RNDN) - y[i]) * inverse_ulp[i];
-        if (!(off <= worst)) // NaN as well
+        if (off > worst || std::isnan(off)) // which stays
             worst = off;
     }
 

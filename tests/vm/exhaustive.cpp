@@ -85,7 +85,7 @@ struct block_values {
                                : limits<double>::quiet_NaN();
             if (plain && i % 509 == 0 && std::fabs(value) < double(beyond<float>())) {
                 const auto off = double(std::fabs(f.wide(x, 0) - value)) * inverse_ulp[i];
-                if (!(off <= deviation))
+                if (off > deviation || std::isnan(off))
                     deviation = off;
             }
         }
@@ -169,7 +169,7 @@ bool run(const function &f, vox::vm::kernel_table<kernel> &table, const options 
         const std::scoped_lock guard(lock);
         for (size_t k = 0; k < count; ++k)
             largest[k].join(mine[k]);
-        if (!(values.deviation <= deviation))
+        if (values.deviation > deviation || std::isnan(values.deviation))
             deviation = values.deviation;
     };
     std::vector<std::thread> team;
