@@ -48,11 +48,11 @@ outcome<float> ln(float x) {
     return special(x, x);
 }
 
-// Subnormal numbers are their own results, rounded.
+// Small numbers are their own results, rounded.
 template <class T>
 outcome<T> log1p(T x) {
     if (x > -1 && x < T(infinity))
-        return {x, TQM_STATUS_UNDERFLOW};
+        return {x, x == 0 || __builtin_isnormal(x) ? TQM_STATUS_OK : TQM_STATUS_UNDERFLOW};
     return special(x, x + 1);
 }
 

@@ -1,4 +1,4 @@
-// log1p.cpp - ln(1 + x). Arguments up to -1, infinities, NaNs and subnormal numbers are left to the fix-up.
+// log1p.cpp - ln(1 + x). Arguments up to -1, infinities, NaNs and the smallest numbers are left to the fix-up.
 //
 // Of u = 1 + x as rounded come k and c; what the sum lost is added to c m - 1. For small x, c is 1, and c m - 1 and
 // that are x together: nothing is lost.
@@ -13,11 +13,10 @@ namespace {
 using vm::vec;
 namespace logs = vm::logs;
 
-// Infinite or NaN, -1 or beyond, or subnormal.
+// Infinite or NaN, -1 or beyond, or so small that the result of a low accuracy may be subnormal.
 template <class T>
 vm::mask<T> special(vec<T> x) {
-    const auto tiny =
-        vm::less(simd::abs(x), logs::all(vm::smallest_normal<T>)) & vm::not_equal(x, vec<T>{});
+    const auto tiny = vm::too_small(simd::abs(x)) & vm::not_equal(x, vec<T>{});
     return tiny | vm::not_less(logs::all(T(-1)), x) |
            vm::not_less(x, logs::all(T(__builtin_inf())));
 }
@@ -52,7 +51,7 @@ struct log1p {
         simd::unroll<N - 1>([&](auto v) VOX_INLINED {
             smallest = vm::min(smallest, vec<T>(simd::abs(x[v + 1][0])));
         });
-        const auto small = vm::less(smallest, logs::all(vm::smallest_normal<T>));
+        const auto small = vm::too_small(smallest);
 #if defined(__AVX512F__)
         return vm::any_lane(vm::either(small, vm::not_finite_among(y)));
 #else
