@@ -101,7 +101,8 @@ struct tanh {
         constexpr bool rough = accuracy == TQM_EP;
         constexpr float start = rough ? vm::tanh_rough_start : vm::tanh_accurate_start;
         const V size = vm::min(V{} + (rough ? 7.25f : 12.0f), simd::abs(x));
-        const auto index = indices(size + start) >> index_shift;
+        const V place = size + start; // rounded: a piece may begin below its first argument
+        const auto index = indices(place) >> index_shift;
         if constexpr (rough) {
             V piece[4];
             look_up(rough_table, index, piece);
@@ -111,7 +112,8 @@ struct tanh {
             V piece[8];
             look_up(accurate_table, index, piece);
             const V h = size - piece[0];
-            const V value = vm::select(vm::less(size, V{} + vm::tanh_first_end), h, piece[1]);
+            const V value =
+                vm::select(vm::less(place, V{} + (start + vm::tanh_first_end)), h, piece[1]);
             const V k[] = {piece[2], piece[3], piece[4], piece[5], piece[6]};
             return vm::with_sign(fma(h, vm::polynomial(h, h * h, k), value), x);
         }
