@@ -63,7 +63,7 @@ int listen(tqmErrorContext *context) {
 
 // What is to be said about a result, by the rules of tqm.h.
 template <class T>
-bool right_status(int status, T a, T b, T r, long double y, bool rational) {
+bool right_status(int status, T a, T b, T r, long double y, bool rational, int accuracy) {
     if (std::isnan(a) || std::isnan(b))
         return status == TQM_STATUS_OK;
     if (std::isnan(y))
@@ -74,9 +74,12 @@ bool right_status(int status, T a, T b, T r, long double y, bool rational) {
         return status == TQM_STATUS_OVERFLOW;
     if (std::fabs(r) > limits<T>::min() || y == 0 || (rational && y == r))
         return status == TQM_STATUS_OK;
-    // The least normal number may be what a smaller one was rounded to, before or after the question.
-    return status == TQM_STATUS_UNDERFLOW ||
-           (std::fabs(r) == limits<T>::min() && status == TQM_STATUS_OK);
+    // The least normal number may be what a smaller one was rounded to, before or after the question, and the other
+    // way round where the accuracy is no better.
+    const long double least = limits<T>::min();
+    const bool either = std::fabs(r) == least ||
+                        (accuracy == TQM_EP && std::fabs(y) > least - least * bound<T>(TQM_EP));
+    return status == TQM_STATUS_UNDERFLOW || (either && status == TQM_STATUS_OK);
 }
 
 template <class T>
@@ -129,7 +132,7 @@ class checker {
             if (!(e < 2 * bound<T>(accuracy)) || said[i] || !std::isnormal(r)) {
                 if (of_another_kind(r, y))
                     fault(index, accuracy, i, "another kind of value");
-                if (!right_status(said[i], a[i], b[i], r, y, exact_.rational[i]))
+                if (!right_status(said[i], a[i], b[i], r, y, exact_.rational[i], accuracy))
                     fault(index, accuracy, i, "another status");
                 const long double apart = distance(r, y);
                 e = apart == 0 ? 0 : apart * inverse[i];

@@ -101,8 +101,7 @@ struct tanh {
         constexpr bool rough = accuracy == TQM_EP;
         constexpr float start = rough ? vm::tanh_rough_start : vm::tanh_accurate_start;
         const V size = vm::min(V{} + (rough ? 7.25f : 12.0f), simd::abs(x));
-        const V place =
-            size + start; // rounded: what is next to a border may lie on the other side of it
+        const V place = size + start; // rounded: a piece may begin below its first argument
         const auto index = indices(place) >> index_shift;
         if constexpr (rough) {
             V piece[4];
