@@ -13,8 +13,9 @@ VOX_INLINE void tile(const Op &op, const T *a, index_t lda, const Put &put) {
     constexpr int k = per_lane<T>;
     typename vec_of<R, 16 * Lanes>::type v[k];
     unroll<k>([&](auto r) VOX_INLINED {
-        v[r] =
-            op(load_lanes<Lanes>([&](int l) VOX_INLINED { return flat(a + (r + l * k) * lda); }));
+        const R *const row = flat(a + r * lda);
+        const index_t step = k * lda * parts<T>;
+        v[r] = op(load_lanes<Lanes>([&](int l) VOX_INLINED { return row + l * step; }));
     });
     transpose_lanes(v);
     unroll<k>([&](auto c) VOX_INLINED { put(c, v[c]); });
