@@ -19,15 +19,15 @@ FUZZ_SECONDS ?= 60
 
 # Run by `make run` and `make bench`, in this order: <folder>/<CMake target>, in RUN with :<argument>.
 RUN := examples/regression examples/solve:examples/data/poisson.mtx examples/solve:examples/data/spiral.mtx \
-       tools/vox-info
+       examples/image:examples/data/hills.ppm tools/vox-info
 BENCH ?= bench/peers/peers_blas bench/peers/peers_lapack bench/peers/peers_trans bench/blas/bench_gemm_relatives \
-         bench/dnn/bench_relu bench/rng/random_peers bench/serv/bench_startup bench/serv/bench_pool \
-         bench/vm/vm_peers
+         bench/dnn/bench_conversions bench/dnn/bench_relu bench/rng/random_peers bench/serv/bench_startup \
+         bench/serv/bench_pool bench/vm/vm_peers
 
 RELEASE := cmake --build build -j $(JOBS)
 SOURCES = $(shell find . -path './build*' -prune -o -name '*.[ch]' -print -o -name '*.[ch]pp' -print)
 
-FUZZERS := layouts
+FUZZERS := conversions layouts
 
 .DEFAULT_GOAL := all
 .PHONY: all run test quick sanitize clang fuzz bench install format format-check tidy clean FORCE

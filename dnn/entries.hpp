@@ -34,7 +34,11 @@
       (of, out))                                                                                   \
     X(P, T, PrimitiveAttributesDestroy, int, (dnnPrimitiveAttributes_t of), (of))
 
-#define VOX_DNN_CONVERSION_ENTRIES(X, P, T)
+#define VOX_DNN_CONVERSION_ENTRIES(X, P, T)                                                        \
+    X(P, T, ConversionCreate, int,                                                                 \
+      (dnnPrimitive_t * out, dnnLayout_t source, dnnLayout_t destination),                         \
+      (out, source, destination))                                                                  \
+    X(P, T, ConversionExecute, int, (dnnPrimitive_t of, const void *from, void *to), (of, from, to))
 
 #define VOX_DNN_RELU_ENTRIES(X, P, T)                                                              \
     X(P, T, ReLUCreateForward, int,                                                                \

@@ -83,6 +83,8 @@ struct calls;
         static constexpr auto execute = dnnExecute_##P;                                            \
         static constexpr auto remove = dnnDelete_##P;                                              \
         static constexpr auto layout_of = dnnLayoutCreateFromPrimitive_##P;                        \
+        static constexpr auto conversion = dnnConversionCreate_##P;                                \
+        static constexpr auto convert = dnnConversionExecute_##P;                                  \
         static constexpr auto relu_forward = dnnReLUCreateForward_##P;                             \
         static constexpr auto relu_backward = dnnReLUCreateBackward_##P;                           \
     };

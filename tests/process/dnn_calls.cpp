@@ -35,6 +35,22 @@ void add(routine_calls &all, call_size size) {
     row("ReLU", {1, width});
     row("ReLU'", {1, width + 3});
     row("ReLU''", {2, 2 * width});
+
+    const size_t count = width * height * 6;
+    const owned<T> planes({width, height, 6}, {1, width, width * height}),
+        pixels({width, height, 6}, {6, 6 * width, 1});
+    dnnPrimitive_t t = nullptr, b = nullptr;
+    EXPECT_EQ(call::ConversionCreate(&t, planes, pixels), DNN_STATUS_OK);
+    EXPECT_EQ(call::ConversionCreate(&b, pixels, planes), DNN_STATUS_OK);
+    const held there(t, call::Delete), back(b, call::Delete);
+    routine_call c{std::string("Conversion") + (sizeof(T) == 4 ? "_F32" : "_F64"), {}, {}};
+    for (unsigned i = 0; i < 3; ++i)
+        c.operands.push_back(numbers_operand<T>(count, i));
+    c.make = [=](char *const *at) {
+        call::ConversionExecute(there.get(), at[0], at[1]);
+        call::ConversionExecute(back.get(), at[1], at[2]);
+    };
+    all.push_back(c);
 }
 
 } // namespace

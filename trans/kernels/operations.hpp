@@ -6,11 +6,7 @@
 #pragma once
 
 #include "serv/scalar.hpp"
-#include "serv/simd.hpp"
-
-#define VOX_INLINE __attribute__((always_inline)) inline
-// Compiled once for all callers. What it is given is its own: behind a reference, any store might change it.
-#define VOX_APART __attribute__((noinline))
+#include "serv/tile.hpp"
 
 namespace {
 namespace trans {

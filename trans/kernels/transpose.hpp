@@ -81,11 +81,11 @@ VOX_INLINE void through_caches(const problem<T> &p, const Op &op, index_t j0, in
     constexpr int line = per_line<T>;
     index_t i = 0;
     for (; i + line <= p.outer; i += line)
-        tiles<lanes<T>, line / tile_rows<T>>(p, op, i, j0, j1, stored(p));
+        tiles<tile_lanes<T>, line / tile_rows<T>>(p, op, i, j0, j1, stored(p));
     if (p.outer - i <= per_lane<T>)
         last_rows<1>(p, op, i, j0, j1);
     else
-        last_rows<lanes<T>>(p, op, i, j0, j1);
+        last_rows<tile_lanes<T>>(p, op, i, j0, j1);
 }
 
 // Blocks of columns, the last one with all that would be less than a tile.
@@ -151,8 +151,8 @@ VOX_APART void gathered(const problem<T> p, const Op op) {
                 copy_row(moved<T>(), n, p.a + (i0 + i) * p.lda + j0, block + i * ld);
             const problem<T> from_block{m, n, block, ld, p.b + j0 * p.ldb + i0, p.ldb};
             for (int j = 0; j < n; j += per_lane<T>)
-                tiles<lanes<T>, m / tile_rows<T>>(from_block, op, 0, j, j + per_lane<T>,
-                                                  stored(from_block));
+                tiles<tile_lanes<T>, m / tile_rows<T>>(from_block, op, 0, j, j + per_lane<T>,
+                                                       stored(from_block));
         }
     piece(op, part_of(p, 0, rows, cols, p.inner));
     piece(op, part_of(p, rows, p.outer, 0, p.inner));
