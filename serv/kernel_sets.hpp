@@ -23,7 +23,8 @@ enum class kernel_set { VOX_KERNEL_SETS(VOX_SET_ENUMERATOR) };
 // choice: what choose_cpu said for these facts and settings.
 int kernel_index_of(const cpu_facts &facts, const cpu_settings &settings, const cpu_choice &choice);
 kernel_set kernel_set_of(int index);
-bool kernel_index_runs(const cpu_facts &facts, int index); // whether the processor has what it needs
+bool kernel_index_runs(const cpu_facts &facts,
+                       int index); // whether the processor has what it needs
 
 // Those of this process; chosen at the first call.
 int this_kernel_index();

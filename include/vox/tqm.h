@@ -236,10 +236,14 @@ VOX_API void vsadd_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void VSADD_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void vdadd_(const vox_int *n, const double *a, const double *b, double *r);
 VOX_API void VDADD_(const vox_int *n, const double *a, const double *b, double *r);
-VOX_API void vmsadd_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void VMSADD_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void vmdadd_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
-VOX_API void VMDADD_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
+VOX_API void vmsadd_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void VMSADD_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void vmdadd_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
+VOX_API void VMDADD_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
 
 VOX_API void vsceil_(const vox_int *n, const float *a, float *r);
 VOX_API void VSCEIL_(const vox_int *n, const float *a, float *r);
@@ -254,10 +258,14 @@ VOX_API void vsdiv_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void VSDIV_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void vddiv_(const vox_int *n, const double *a, const double *b, double *r);
 VOX_API void VDDIV_(const vox_int *n, const double *a, const double *b, double *r);
-VOX_API void vmsdiv_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void VMSDIV_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void vmddiv_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
-VOX_API void VMDDIV_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
+VOX_API void vmsdiv_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void VMSDIV_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void vmddiv_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
+VOX_API void VMDDIV_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
 
 VOX_API void vsexp_(const vox_int *n, const float *a, float *r);
 VOX_API void VSEXP_(const vox_int *n, const float *a, float *r);
@@ -317,28 +325,40 @@ VOX_API void vsmul_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void VSMUL_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void vdmul_(const vox_int *n, const double *a, const double *b, double *r);
 VOX_API void VDMUL_(const vox_int *n, const double *a, const double *b, double *r);
-VOX_API void vmsmul_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void VMSMUL_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void vmdmul_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
-VOX_API void VMDMUL_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
+VOX_API void vmsmul_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void VMSMUL_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void vmdmul_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
+VOX_API void VMDMUL_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
 
 VOX_API void vspow_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void VSPOW_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void vdpow_(const vox_int *n, const double *a, const double *b, double *r);
 VOX_API void VDPOW_(const vox_int *n, const double *a, const double *b, double *r);
-VOX_API void vmspow_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void VMSPOW_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void vmdpow_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
-VOX_API void VMDPOW_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
+VOX_API void vmspow_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void VMSPOW_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void vmdpow_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
+VOX_API void VMDPOW_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
 
 VOX_API void vspowx_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void VSPOWX_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void vdpowx_(const vox_int *n, const double *a, const double *b, double *r);
 VOX_API void VDPOWX_(const vox_int *n, const double *a, const double *b, double *r);
-VOX_API void vmspowx_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void VMSPOWX_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void vmdpowx_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
-VOX_API void VMDPOWX_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
+VOX_API void vmspowx_(const vox_int *n, const float *a, const float *b, float *r,
+                      const int64_t *mode);
+VOX_API void VMSPOWX_(const vox_int *n, const float *a, const float *b, float *r,
+                      const int64_t *mode);
+VOX_API void vmdpowx_(const vox_int *n, const double *a, const double *b, double *r,
+                      const int64_t *mode);
+VOX_API void VMDPOWX_(const vox_int *n, const double *a, const double *b, double *r,
+                      const int64_t *mode);
 
 VOX_API void vsround_(const vox_int *n, const float *a, float *r);
 VOX_API void VSROUND_(const vox_int *n, const float *a, float *r);
@@ -371,10 +391,14 @@ VOX_API void vssub_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void VSSUB_(const vox_int *n, const float *a, const float *b, float *r);
 VOX_API void vdsub_(const vox_int *n, const double *a, const double *b, double *r);
 VOX_API void VDSUB_(const vox_int *n, const double *a, const double *b, double *r);
-VOX_API void vmssub_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void VMSSUB_(const vox_int *n, const float *a, const float *b, float *r, const int64_t *mode);
-VOX_API void vmdsub_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
-VOX_API void VMDSUB_(const vox_int *n, const double *a, const double *b, double *r, const int64_t *mode);
+VOX_API void vmssub_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void VMSSUB_(const vox_int *n, const float *a, const float *b, float *r,
+                     const int64_t *mode);
+VOX_API void vmdsub_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
+VOX_API void VMDSUB_(const vox_int *n, const double *a, const double *b, double *r,
+                     const int64_t *mode);
 
 VOX_API void vstanh_(const vox_int *n, const float *a, float *r);
 VOX_API void VSTANH_(const vox_int *n, const float *a, float *r);
