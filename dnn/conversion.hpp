@@ -18,7 +18,7 @@ static_assert(sizeof(conversion) == 2728);
 
 } // namespace vox::dnn
 
-// The routines: Plain_To_Plain and those of the internal layouts by the pair of kinds, then the reorders in the
+// The routines: Simple_To_Simple (plain) and those of the internal layouts by the pair of kinds, then the reorders in the
 // order in which they are asked, then the one for whatever is left. X(P, T, name): vox_dnn_<path>_doConversion_...
 #define VOX_DNN_COPIES(X, P, T)                                                                    \
     X(P, T, Simple_To_Simple)                                                                      \

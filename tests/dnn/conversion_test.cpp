@@ -236,7 +236,7 @@ TYPED_TEST(Conversion, BetweenRandomLayoutsIsExact) {
     using T = TypeParam;
     random_layouts<T> random(7);
     int converted = 0;
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         sizes elements = random.size();
         record from = random.layout(elements);
         if (round % 4 == 0)
@@ -277,7 +277,7 @@ TYPED_TEST(Conversion, BetweenRandomLayoutsIsExact) {
         if (this->HasFatalFailure())
             return;
     }
-    EXPECT_GT(converted, 1500);
+    EXPECT_GT(converted, 1000);
 }
 
 // Larger than the caches, where whole lines go past them, and divided among threads.
@@ -287,7 +287,6 @@ TYPED_TEST(Conversion, OfLargeTensorsIsExact) {
     const uint64_t few = 8 / sizeof(T);
     for (const image_sizes &s : {image_sizes{57, 55, 64, 7 * few, 1, 1},
                                  {223, 225, 3, 10 * few, 3, 3},
-                                 {28, 28, 250, 7 * few, 0, 0},
                                  {14, 14, 256, 27 * few, 0, 0}}) {
         counts.set(s.border1 == 0 ? 2 : 1);
         record orb;
