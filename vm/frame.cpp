@@ -10,6 +10,6 @@ constexpr size_t longest_name = 25;
 }
 
 void vox::vm::report_argument(const char *name, vox_int position, int status, vox_int count) {
-    cdecl_xerbla(name, &position, int(strnlen(name, longest_name)));
+    vox_serv_xerbla(name, &position, int(strnlen(name, longest_name)));
     report_call(status, count, name);
 }
