@@ -60,9 +60,8 @@ bool is_exact(double x, double y) {
     int e;
     auto m = uint64_t(__builtin_frexp(x, &e) * 0x1p53);
     e -= 53;
-    const int zeros = __builtin_ctzll(m);
-    m >>= zeros;
-    e += zeros;
+    for (; m % 2 == 0; m /= 2)
+        ++e;
     if (m > 1) {
         for (int roots = 0; !is_integer(y); y += y, ++roots) {
             m = exact_root(m);
