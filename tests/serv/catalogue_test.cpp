@@ -21,9 +21,10 @@ namespace fs = std::filesystem;
 
 TEST(Catalogue, HasTheDocumentedMessagesAndReservesTheOthers) {
     const std::pair<int, const char *> documented[] = {
-        {0, ""},    {1, "s"},   {2, "ss"},  {3, "s"},    {4, "d"},    {5, "sdd"}, {6, "ds"},
-        {7, "ds"},  {8, "s"},   {9, "s"},   {10, ""},    {1089, "s"}, {1207, ""}, {1208, ""},
-        {1209, ""}, {1210, ""}, {1211, ""}, {1212, "s"}, {1213, "d"}};
+        {0, ""},     {1, "s"},    {2, "ss"},   {3, "s"},    {4, "d"},    {5, "sdd"},   {6, "ds"},
+        {7, "ds"},   {8, "s"},    {9, "s"},    {10, ""},    {1089, "s"}, {1207, ""},   {1208, ""},
+        {1209, ""},  {1210, ""},  {1211, ""},  {1212, "s"}, {1213, "d"}, {1300, "s"},  {1301, "sd"},
+        {1303, "s"}, {1304, "s"}, {1305, "s"}, {1306, "s"}, {1307, "s"}, {1308, "sdg"}};
     int texts = 0;
     for (int number = -1; number <= 1500; ++number)
         texts += *vox::built_in_text(number) != '\0';
