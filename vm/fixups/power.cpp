@@ -2,11 +2,13 @@
 // range.
 #include "vm/power.hpp"
 #include "vm/fixup.hpp"
+#include "vm/fixups/scaling.hpp"
 #include "vm/power_tables.hpp"
 
 namespace {
 
 using vox::vm::outcome;
+using vox::vm::smallest_normal;
 
 struct scalar_arithmetic {
     using real = double;
@@ -32,8 +34,6 @@ using computation = vm::power<scalar_arithmetic, vm::power_goal::ha>;
 
 constexpr double infinity = __builtin_inf();
 
-template <class T>
-constexpr T least_normal = sizeof(T) == 4 ? T(0x1p-126) : T(0x1p-1022);
 template <class T>
 constexpr int least_exponent = sizeof(T) == 4 ? -149 : -1074; // of any number
 
@@ -85,7 +85,7 @@ bool is_exact(double x, double y) {
 // x^y of finite x > 0, other than 1, and finite y.
 template <class T>
 outcome<T> positive_power(double x, double y) {
-    const bool subnormal = x < least_normal<double>;
+    const bool subnormal = x < smallest_normal<double>;
     auto parts = computation::split_of(subnormal ? x * 0x1p54 : x);
     if (subnormal)
         parts.k -= 54;
@@ -104,7 +104,7 @@ outcome<T> positive_power(double x, double y) {
     const T value = T(exact * power_of_two(k));
     if (value > (sizeof(T) == 4 ? T(0x1.fffffep127) : T(0x1.fffffffffffffp1023)))
         return {value, TQM_STATUS_OVERFLOW};
-    if (value < least_normal<T> && !(value > 0 && is_exact<T>(x, y)))
+    if (value < smallest_normal<T> && !(value > 0 && is_exact<T>(x, y)))
         return {value, TQM_STATUS_UNDERFLOW};
     return {value, TQM_STATUS_OK};
 }

@@ -14,6 +14,9 @@ using simd::index_t;
 using simd::lanes;
 using simd::vec;
 
+template <class V>
+using element = std::remove_cvref_t<decltype(V{}[0])>;
+
 #if defined(__AVX512F__)
 template <class T>
 struct mask_type;

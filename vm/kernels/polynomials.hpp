@@ -6,9 +6,6 @@
 namespace {
 namespace vm {
 
-template <class V>
-using element = std::remove_cvref_t<decltype(V{}[0])>;
-
 // c[0] + c[1] x + ..., given x^2: pairs of terms, and of these by powers of x^2. That takes as many operations as
 // one by one and half the time until the result is there, which bounds how many vectors are in flight. The
 // coefficients are doubles, or vectors.

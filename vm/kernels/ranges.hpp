@@ -10,27 +10,24 @@
 namespace {
 namespace vm {
 
-template <class V>
-using element_of = std::remove_cvref_t<decltype(V{}[0])>;
-
 template <class T>
 constexpr T smallest_normal = sizeof(T) == 4 ? T(__FLT_MIN__) : T(__DBL_MIN__);
 
 template <class V>
 inline auto not_finite(V v) {
-    return not_less(simd::abs(v), V{} + element_of<V>(__builtin_inf()));
+    return not_less(simd::abs(v), V{} + element<V>(__builtin_inf()));
 }
 
 // Of magnitudes. A NaN is too large.
 template <class V>
 inline auto too_small(V magnitude) {
-    return less(magnitude, V{} + (sizeof(element_of<V>) == 4 ? element_of<V>(0x1p-125)
-                                                             : element_of<V>(0x1p-1021)));
+    return less(magnitude,
+                V{} + (sizeof(element<V>) == 4 ? element<V>(0x1p-125) : element<V>(0x1p-1021)));
 }
 template <class V>
 inline auto too_large(V magnitude) {
-    return not_less(magnitude, V{} + (sizeof(element_of<V>) == 4 ? element_of<V>(0x1p127)
-                                                                 : element_of<V>(0x1p1023)));
+    return not_less(magnitude,
+                    V{} + (sizeof(element<V>) == 4 ? element<V>(0x1p127) : element<V>(0x1p1023)));
 }
 
 template <class V>
