@@ -1,6 +1,7 @@
 // ln.cpp - natural logarithms. Negative numbers, zeros, infinities and NaNs are left to the fix-up, and so are
 // subnormal numbers without AVX-512.
 #include "vm/kernels/logarithms.hpp"
+#include "vm/kernels/logarithms_single.hpp"
 #include "vm/kernels/loops.hpp"
 #include "vm/kernels/ranges.hpp"
 
@@ -15,16 +16,20 @@ template <class T, int accuracy>
 struct ln {
     static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
     VOX_VM_FIX(Ln)
-    vec<T> operator()(vec<T> x, const T *place, vm::mask<T> &rare) const {
-        constexpr logs::kind kind = logs::kind_of(accuracy);
-        const auto [k, m] = logs::split<T, kind>(x);
-        const auto entries = logs::lookup<T, kind>(m, place);
-        const vec<T> r = logs::reduced<T, kind>(m, entries.c);
+    vec<T> operator()(vec<T> x, [[maybe_unused]] const T *place, vm::mask<T> &rare) const {
         vec<T> result;
-        if constexpr (accuracy == TQM_HA)
-            result = logs::accurate_ln<T>(k, entries, r);
-        else
-            result = logs::rough_ln<T, accuracy>(k, entries, r);
+        if constexpr (logs::from_table<T>) {
+            constexpr logs::kind kind = logs::kind_of(accuracy);
+            const auto [k, m] = logs::split<T, kind>(x);
+            const auto entries = logs::lookup<T, kind>(m, place);
+            const vec<T> r = logs::reduced<T, kind>(m, entries.c);
+            if constexpr (accuracy == TQM_HA)
+                result = logs::accurate_ln<T>(k, entries, r);
+            else
+                result = logs::rough_ln<T, accuracy>(k, entries, r);
+        } else {
+            result = logs::ln<accuracy>(x);
+        }
 #if defined(__AVX512F__)
         rare = vm::not_finite(result); // exactly where x is one of these
 #else

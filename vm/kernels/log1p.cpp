@@ -3,6 +3,7 @@
 // Of u = 1 + x as rounded come k and c; what the sum lost is added to c m - 1. For small x, c is 1, and c m - 1 and
 // that are x together: nothing is lost.
 #include "vm/kernels/logarithms.hpp"
+#include "vm/kernels/logarithms_single.hpp"
 #include "vm/kernels/loops.hpp"
 #include "vm/kernels/ranges.hpp"
 
@@ -26,18 +27,22 @@ struct log1p {
     static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
     VOX_VM_FIX(Log1p)
     vec<T> operator()(vec<T> x, vm::mask<T> &rare) const {
-        constexpr logs::kind kind = logs::kind_of(accuracy);
-        const vec<T> u = x + 1;
-        const vec<T> lost = x - (u - 1); // exactly, or nearly beside a large u
-        const auto [k, m] = logs::split<T, kind>(u);
-        const auto entries = logs::lookup<T, kind>(u);
-        const vec<T> lost_of_m = lost * logs::scale_back<T>(u);
-        const vec<T> r = logs::reduced<T, kind>(m, entries.c);
         vec<T> result;
-        if constexpr (accuracy == TQM_HA)
-            result = logs::accurate_ln<T>(k, entries, r, lost_of_m * entries.c);
-        else
-            result = logs::rough_ln<T, accuracy>(k, entries, vm::fma(lost_of_m, entries.c, r));
+        if constexpr (logs::from_table<T>) {
+            constexpr logs::kind kind = logs::kind_of(accuracy);
+            const vec<T> u = x + 1;
+            const vec<T> lost = x - (u - 1); // exactly, or nearly beside a large u
+            const auto [k, m] = logs::split<T, kind>(u);
+            const auto entries = logs::lookup<T, kind>(u);
+            const vec<T> lost_of_m = lost * logs::scale_back<T>(u);
+            const vec<T> r = logs::reduced<T, kind>(m, entries.c);
+            if constexpr (accuracy == TQM_HA)
+                result = logs::accurate_ln<T>(k, entries, r, lost_of_m * entries.c);
+            else
+                result = logs::rough_ln<T, accuracy>(k, entries, vm::fma(lost_of_m, entries.c, r));
+        } else {
+            result = logs::ln1p<accuracy>(x);
+        }
         rare = special<T>(x);
         // The sign is that of x, for zeros too.
         constexpr auto sign = logs::word<T>(1) << (8 * sizeof(T) - 1);

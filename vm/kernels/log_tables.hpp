@@ -9,7 +9,7 @@
 //   log_table<T, rough>   -ln c is one number. The error of k ln 2 - ln c is small beside ln x even where the
 //                         two cancel. The sets do this in two ways: see rough_entry.
 //
-// With AVX-512 tables are few and in registers, elsewhere rows in memory.
+// With AVX-512 tables are few and in registers, elsewhere rows in memory, in double precision only.
 #pragma once
 
 #include "vm/kernels/masks.hpp"
@@ -58,6 +58,15 @@ constexpr quad minus_ln(quad c) {
     return 2 * sum;
 }
 
+// Whether T has a table.
+#if defined(__AVX512F__)
+template <class T>
+constexpr bool from_table = true;
+#else
+template <class T>
+constexpr bool from_table = sizeof(T) == 8;
+#endif
+
 enum kind { exact, rough };
 
 template <class T, kind>
@@ -104,7 +113,7 @@ constexpr log_entry<T, rough> rough_entry(int j, int n) {
 }
 #else
 template <class T, kind K>
-constexpr int log_bits = sizeof(T) == 4 || K == exact ? 7 : 8;
+constexpr int log_bits = K == exact ? 7 : 8;
 
 // In the upper half of the intervals k counts one more, and ln 2 is off the entries: nothing cancels.
 constexpr int rough_exponent_carry = 1;
@@ -275,27 +284,11 @@ VOX_INLINED inline log_entries<T, K> entries_of_rows(const Offset &offset) {
         return low;
 #endif
     };
-    if constexpr (sizeof(T) == 8) {
-        const auto column = [&](int i) VOX_INLINED { return vec<T>(rows(constant<0>(), i)); };
-        if constexpr (K == exact)
-            return {column(0), column(1), column(2)};
-        else
-            return {column(0), column(1)};
-    } else {
-        const auto pairs = [&](int i, auto odd) VOX_INLINED {
-            const auto a = rows(constant<0>(), i), b = rows(constant<2>(), i);
-#if defined(__AVX__)
-            return vec<T>(odd ? _mm256_shuffle_ps(a, b, 0xDD) : _mm256_shuffle_ps(a, b, 0x88));
-#else
-            return vec<T>(odd ? _mm_shuffle_ps(a, b, 0xDD) : _mm_shuffle_ps(a, b, 0x88));
-#endif
-        };
-        const vec<T> c = pairs(0, constant<0>()), value = pairs(0, constant<1>());
-        if constexpr (K == exact)
-            return {c, value, pairs(2, constant<0>())};
-        else
-            return {c, value};
-    }
+    const auto column = [&](int i) VOX_INLINED { return vec<T>(rows(constant<0>(), i)); };
+    if constexpr (K == exact)
+        return {column(0), column(1), column(2)};
+    else
+        return {column(0), column(1)};
 }
 
 // Where j is in the bits of a number, times the size of a row.

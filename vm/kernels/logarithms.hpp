@@ -89,22 +89,16 @@ inline vec<double> ln1p_rest(vec<double> r, vec<double> square) {
     }
 #endif
 }
+#if defined(__AVX512F__)
 template <int accuracy>
 inline vec<float> ln1p_rest(vec<float> r, vec<float> square) {
-#if defined(__AVX512F__)
     if constexpr (accuracy == TQM_HA) // -33.1
         return polynomial(r, square,
                           {-0x1p-1, 0x1.555562p-2, -0x1.00031cp-2, 0x1.995758p-3, -0x1.3b5702p-3});
     else // -28.3
         return polynomial(r, square, {-0x1p-1, 0x1.55584p-2, -0x1.0013bep-2, 0x1.825c4ep-3});
-#else
-    if constexpr (accuracy == TQM_HA) { // -33.5
-        return polynomial(r, square, {-0x1p-1, 0x1.55563ep-2, -0x1.fe09cap-3});
-    } else { // -25.7
-        return polynomial(r, square, {-0x1.00007ep-1, 0x1.542364p-2});
-    }
-#endif
 }
+#endif
 
 // ln(1 + r) / r, of the lowest accuracy.
 inline vec<double> ln1p_ratio(vec<double> r) {
@@ -116,14 +110,12 @@ inline vec<double> ln1p_ratio(vec<double> r) {
 #endif
     return polynomial<double>(r, c);
 }
-inline vec<float> ln1p_ratio(vec<float> r) {
-#if defined(__AVX512F__) // -11.4
+#if defined(__AVX512F__)
+inline vec<float> ln1p_ratio(vec<float> r) { // -11.4
     constexpr float c[] = {0x1.001258p0f, -0x1.f5dfeap-2f};
-#else // -17.4
-    constexpr float c[] = {0x1.00004ap0f, -0x1.feac2ep-2f};
-#endif
     return polynomial<float>(r, c);
 }
+#endif
 
 // k ln 2 - ln c + ln(1 + r), where r is to be increased by `more`, small beside it or all there is.
 template <class T>
