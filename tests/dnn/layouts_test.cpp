@@ -215,8 +215,10 @@ TYPED_TEST(Layouts, OfImagesSkipTheBorder) {
 // Small numbers, so that what fits and what does not are both common.
 record any_record(std::mt19937 &random) {
     record l;
-    for (size_t i = 0; i < sizeof l / 8; ++i)
-        reinterpret_cast<uint64_t *>(&l)[i] = random() % 8;
+    uint64_t words[sizeof l / 8];
+    for (uint64_t &word : words)
+        word = random() % 8;
+    memcpy(&l, words, sizeof l);
     for (uint64_t i = 0; i < max_dims; ++i) {
         l.stride[i] <<= random() % 6;
         l.blocked_stride[i].outer <<= random() % 6;
