@@ -14,7 +14,7 @@ namespace logs = vm::logs;
 
 template <class T, int accuracy>
 struct ln {
-    static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
+    static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : logs::from_table<T> ? 2 : 3;
     VOX_VM_FIX(Ln)
     vec<T> operator()(vec<T> x, [[maybe_unused]] const T *place, vm::mask<T> &rare) const {
         vec<T> result;

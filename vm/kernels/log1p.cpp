@@ -24,7 +24,7 @@ vm::mask<T> special(vec<T> x) {
 
 template <class T, int accuracy>
 struct log1p {
-    static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : 2;
+    static constexpr int vectors = sizeof(vec<T>) == 64 ? 4 : logs::from_table<T> ? 2 : 3;
     VOX_VM_FIX(Log1p)
     vec<T> operator()(vec<T> x, vm::mask<T> &rare) const {
         vec<T> result;

@@ -25,44 +25,31 @@ inline octaves octaves_of(vec<float> x) {
     return {(words<float>(x) - first) & -(1 << 23)};
 }
 
+// k ln 2 + ln(1 + r), in HA with r to be increased by `more`, at most a rounding of it. With s = r / (2 + r),
+//
+//   ln(1 + r) = 2 artanh s = 2 s + s^3 P(s^2),  2 s = r - r^2 / 2 + s r^2 / 2
+//
 // The polynomials are minimax for the relative error of ln(1 + r), given as a power of two, with coefficients
 // rounded by lattice reduction (Sollya's fpminimax).
-//
-// ln(1 + r) is r + the rest, for HA and LA.
-template <int accuracy>
-inline vec<float> ln1p_long_rest(vec<float> r) {
-    const vec<float> square = r * r;
-    if constexpr (accuracy == TQM_HA) // -27.7
-        return square * polynomial(r, square,
-                                   {-0x1.fffffcp-2, 0x1.555516p-2, -0x1.00026ap-2, 0x1.99c512p-3,
-                                    -0x1.54abcp-3, 0x1.1fcfc2p-3, -0x1.07171cp-3, 0x1.1849c4p-3,
-                                    -0x1.91c3d4p-4});
-    else // -25.0
-        return square * polynomial(r, square,
-                                   {-0x1.ffffe4p-2, 0x1.55565cp-2, -0x1.000f1ap-2, 0x1.9927d8p-3,
-                                    -0x1.5133ecp-3, 0x1.2a823p-3, -0x1.3471e4p-3, 0x1.c0b818p-4});
-}
-// -11.4
-inline vec<float> ln1p_long_ratio(vec<float> r) {
-    return polynomial(r, r * r, {0x1.ffd3dcp-1, -0x1.006cfp-1, 0x1.6d59e8p-2, -0x1.fd24dep-3});
-}
-
-// k ln 2 + ln(1 + r), in HA with r to be increased by `more`, at most a rounding of it.
 template <int accuracy, class... More>
 inline vec<float> ln_of_parts(octaves k, vec<float> r, More... more) {
-    const vec<float> count = k.count();
-    if constexpr (accuracy == TQM_HA) {
-        const vec<float> a = count * (ln2<float>.head * 0x1p-23f);
-        const vec<float> head = a + r, rounding = r - (head - a);
-        const vec<float> tail =
-            fma(count, all(ln2<float>.tail * 0x1p-23f), (rounding + ... + more));
-        return head + (ln1p_long_rest<TQM_HA>(r) + tail);
-    } else {
-        const vec<float> ln_2 = all(0x1.62e42fefa39efp-24f);
-        if constexpr (accuracy == TQM_EP)
-            return fma(r, ln1p_long_ratio(r), count * ln_2);
-        else
-            return fma(count, ln_2, r + ln1p_long_rest<TQM_LA>(r));
+    const vec<float> count = k.count(), s = r / (r + 2), square = s * s;
+    if constexpr (accuracy == TQM_EP) { // -11.4
+        const vec<float> ratio =
+            polynomial(r, r * r, {0x1.ffd3dcp-1, -0x1.006cfp-1, 0x1.6d59e8p-2, -0x1.fd24dep-3});
+        return fma(r, ratio, count * 0x1.62e42fefa39efp-24f);
+    } else { // -27.6
+        const vec<float> p = polynomial<float>(square, {0x1.55556p-1f, 0x1.9970ap-2f, 0x1.30bc14p-2f});
+        if constexpr (accuracy == TQM_HA) {
+            const vec<float> half = r * 0.5f * r, rest = fma(s, fma(square, p, half), -half);
+            const vec<float> a = count * (ln2<float>.head * 0x1p-23f);
+            const vec<float> head = a + r, rounding = r - (head - a);
+            const vec<float> tail =
+                fma(count, all(ln2<float>.tail * 0x1p-23f), (rounding + ... + more));
+            return head + (rest + tail);
+        } else {
+            return fma(s, fma(square, p, -r), fma(count, all(0x1.62e42fefa39efp-24f), r));
+        }
     }
 }
 
