@@ -1,5 +1,8 @@
-// tanh_single.cpp - hyperbolic tangents in single precision, from a table of polynomials (tanh_table.hpp). LA is
-// computed as HA: fewer terms would save little.
+// tanh_single.cpp - hyperbolic tangents in single precision.
+//
+// HA and, with AVX-512, all accuracies come from a table of polynomials (tanh_table.hpp); there LA is computed as HA:
+// fewer terms would save little. Elsewhere rows of a table are fetched lane by lane, and a quotient of polynomials
+// does for LA and EP.
 #include <bit>
 
 #include "vm/kernels/loops.hpp"
@@ -91,12 +94,36 @@ VOX_INLINED inline void look_up(const lookup_table<N> &table, indices index, V (
 constexpr lookup_table<8> accurate_table(vm::tanh_accurate, vm::tanh_accurate_start);
 constexpr lookup_table<4> rough_table(vm::tanh_rough, vm::tanh_rough_start);
 
+// Of a magnitude, by a quotient of polynomials of x^2 with equal constant terms, which make the largest error of the
+// result up to the limit least, by Remez' algorithm with 50 digits. Their coefficients are positive: nothing cancels.
+//
+// EP: tanh x = x P / Q. LA: tanh x = 2 t / (1 + t^2) with t = tanh(x/2) = (x/2) P / Q, for where P and Q are large,
+// it hardly depends on their roundings, and beside the constant numbers are dense.
+template <int accuracy>
+inline V by_quotient(V x) {
+    constexpr bool rough = accuracy == TQM_EP;
+    const V size = vm::min(V{} + (rough ? 5.0f : 9.0f), x), square = size * size; // NaN stays a NaN
+    if constexpr (rough) { // within 2^-14.1, so that it is less than 1
+        const V p = vm::polynomial<float>(square, {1.0f, 0x1.a4cdbcp-4f, 0x1.6367f2p-11f});
+        const V q = vm::polynomial<float>(square, {1.0f, 0x1.be4ecp-2f, 0x1.a6d3dap-7f});
+        return size * p / q;
+    } else { // within 2^-26.1
+        const V p = vm::polynomial<float>(square, {1.75f, 0x1.a99f78p-5f, 0x1.9ca80ep-13f});
+        const V q =
+            vm::polynomial<float>(square, {1.75f, 0x1.95127ap-3f, 0x1.12b90ap-9f, 0x1.17dfaep-19f});
+        const V numerator = size * p;
+        return vm::min(V{} + 1.0f, numerator * q / fma(numerator * 0.25f, numerator, q * q));
+    }
+}
+
 template <class T, int accuracy>
 struct tanh {
     static constexpr int vectors = 2;
     VOX_VM_FIX(Tanh)
     V operator()(V x, vm::mask<T> &rare) const {
         rare = vm::subnormal(x);
+        if constexpr (accuracy != TQM_HA && sizeof(V) < 64)
+            return vm::with_sign(by_quotient<accuracy>(simd::abs(x)), x);
         // NaN stays a NaN. From the limit on, the result is 1.
         constexpr bool rough = accuracy == TQM_EP;
         constexpr float start = rough ? vm::tanh_rough_start : vm::tanh_accurate_start;
