@@ -1,7 +1,7 @@
 // log1p.cpp - ln(1 + x). Arguments up to -1, infinities, NaNs and the smallest numbers are left to the fix-up.
 //
-// Of u = 1 + x as rounded come k and c; what the sum lost is added to c m - 1. For small x, c is 1, and c m - 1 and
-// that are x together: nothing is lost.
+// With a table: of u = 1 + x as rounded come k and c; what the sum lost is added to c m - 1. For small x, c is 1, and
+// c m - 1 and that are x together: nothing is lost.
 #include "vm/kernels/logarithms.hpp"
 #include "vm/kernels/logarithms_single.hpp"
 #include "vm/kernels/loops.hpp"

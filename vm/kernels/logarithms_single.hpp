@@ -27,7 +27,7 @@ inline octaves octaves_of(vec<float> x) {
 
 // k ln 2 + ln(1 + r), in HA with r to be increased by `more`, at most a rounding of it. With s = r / (2 + r),
 //
-//   ln(1 + r) = 2 artanh s = 2 s + s^3 P(s^2),  2 s = r - r^2 / 2 + s r^2 / 2
+//   ln(1 + r) = 2 artanh s = 2 s + s^3 P(s^2) = r + s (s^2 P(s^2) - r)
 //
 // The polynomials are minimax for the relative error of ln(1 + r), given as a power of two, with coefficients
 // rounded by lattice reduction (Sollya's fpminimax).
@@ -39,9 +39,10 @@ inline vec<float> ln_of_parts(octaves k, vec<float> r, More... more) {
             polynomial(r, r * r, {0x1.ffd3dcp-1, -0x1.006cfp-1, 0x1.6d59e8p-2, -0x1.fd24dep-3});
         return fma(r, ratio, count * 0x1.62e42fefa39efp-24f);
     } else { // -27.6
-        const vec<float> p = polynomial<float>(square, {0x1.55556p-1f, 0x1.9970ap-2f, 0x1.30bc14p-2f});
+        const vec<float> p =
+            polynomial<float>(square, {0x1.55556p-1f, 0x1.9970ap-2f, 0x1.30bc14p-2f});
         if constexpr (accuracy == TQM_HA) {
-            const vec<float> half = r * 0.5f * r, rest = fma(s, fma(square, p, half), -half);
+            const vec<float> rest = s * fma(square, p, -r);
             const vec<float> a = count * (ln2<float>.head * 0x1p-23f);
             const vec<float> head = a + r, rounding = r - (head - a);
             const vec<float> tail =
