@@ -17,12 +17,12 @@ namespace logs {
 
 // 2^23 k as bits and as a number.
 struct octaves {
-    words<float> bits;
-    vec<float> count() const { return __builtin_convertvector(bits, vec<float>); }
+    vec<uint32_t> bits;
+    vec<float> count() const { return __builtin_convertvector(words<float>(bits), vec<float>); }
 };
 inline octaves octaves_of(vec<float> x) {
-    constexpr int first = __builtin_bit_cast(int, 0.6875f);
-    return {(words<float>(x) - first) & -(1 << 23)};
+    constexpr uint32_t first = __builtin_bit_cast(uint32_t, 0.6875f);
+    return {(vec<uint32_t>(x) - first) & -(1u << 23)};
 }
 
 // k ln 2 + ln(1 + r), in HA with r to be increased by `more`, at most a rounding of it. With s = r / (2 + r),
@@ -57,14 +57,14 @@ inline vec<float> ln_of_parts(octaves k, vec<float> r, More... more) {
 template <int accuracy>
 inline vec<float> ln(vec<float> x) {
     const octaves k = octaves_of(x);
-    return ln_of_parts<accuracy>(k, vec<float>(words<float>(x) - k.bits) - 1);
+    return ln_of_parts<accuracy>(k, vec<float>(vec<uint32_t>(x) - k.bits) - 1);
 }
 
 // ln(1 + x), with k from the rounded sum. r is the sum of two exact numbers, times 4 since 2^-k may be below the range.
 template <int accuracy>
 inline vec<float> ln1p(vec<float> x) {
     const octaves k = octaves_of(x + 1);
-    const vec<float> scale = vec<float>(__builtin_bit_cast(int, 4.0f) - k.bits);
+    const vec<float> scale = vec<float>(__builtin_bit_cast(uint32_t, 4.0f) - k.bits);
     const vec<float> scaled = x * scale, one_less = scale - 4, r = fma(x, scale, one_less);
     if constexpr (accuracy == TQM_HA) {
         const vec<float> lost = (scaled - (r - one_less)) * 0.25f, sum = r * 0.25f;
