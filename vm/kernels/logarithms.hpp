@@ -41,7 +41,10 @@ inline log_parts<T> split(vec<T> x) {
     constexpr word<T> one = word<T>(1) << f::mantissa; // the exponent's last bit
     const words<T> bits = words<T>(x);
     // The biased exponent becomes the last bits of the mantissa of 2^52 or 2^23.
-    const words<T> counted = K == rough && rough_exponent_carry ? bits + one / 2 : bits;
+    using unsigned_word = std::make_unsigned_t<word<T>>; // of a NaN the sum may wrap
+    const words<T> counted = K == rough && rough_exponent_carry
+                                 ? words<T>(vec<unsigned_word>(bits) + unsigned_word(one / 2))
+                                 : bits;
     const words<T> exponent = shifted<T, f::mantissa>(counted) | (f::bias + f::mantissa) * one;
     return {vec<T>(exponent) - (T(one) + T(f::bias)), vec<T>((bits & (one - 1)) | f::bias * one)};
 #endif

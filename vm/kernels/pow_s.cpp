@@ -74,14 +74,15 @@ VOX_INLINED inline vm::vec<float> by_floats(vm::vec<float> x, vm::vec<float> y,
     constexpr float shift = 0x1.8p23f;
     constexpr uint32_t least = 0x3F2AAAAB;
     using reals = vm::vec<float>;
+    using bits = vm::vec<uint32_t>;
     using ints = vm::vec<int32_t>;
-    const ints from_least = ints(vm::vec<uint32_t>(x) - least);
+    const ints from_least = ints(bits(x) - least);
     const reals k = __builtin_convertvector(from_least >> 23, reals);
     const reals f = reals((from_least & 0x7FFFFF) + int(least)) - 1.0f;
     const reals z = y * vm::fma(f, vm::polynomial(f, f * f, log2_series), k);
     const reals shifted = z + shift, s = z - (shifted - shift);
     rare = outside(x, too_large(z));
-    return reals(ints(vm::polynomial(s, s * s, exp2_series)) + (ints(shifted) << 23));
+    return reals(bits(vm::polynomial(s, s * s, exp2_series)) + (bits(shifted) << 23));
 }
 
 template <uint32_t accuracy>
