@@ -21,14 +21,16 @@ class Example : public ::testing::Test {
         return directory_ / name;
     }
 
-    static child_result run(std::vector<std::string> arguments) {
+    static child_result run(const std::vector<std::string> &arguments) {
         const char *const type = std::getenv("VOX_DEBUG_CPU_TYPE");
-        return run_with(std::move(arguments),
+        return run_with(arguments,
                         type ? environment{{"VOX_DEBUG_CPU_TYPE", type}} : environment{});
     }
-    static child_result run_with(std::vector<std::string> arguments, const environment &settings) {
-        arguments.insert(arguments.begin(), PROGRAM);
-        return run_program(arguments, settings);
+    static child_result run_with(const std::vector<std::string> &arguments,
+                                 const environment &settings) {
+        std::vector<std::string> command{PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return run_program(command, settings);
     }
 
     // The run ended with the status and one line on standard error: program, file, and what the pattern says.

@@ -1,22 +1,19 @@
 // montecarlo_test.cpp - the example montecarlo as a user runs it.
 #include <algorithm>
-#include <gtest/gtest.h>
 
-#include "tests/support/child.hpp"
-#include "tests/support/matches.hpp"
+#include "tests/examples/example.hpp"
 
 namespace {
 
-test::child_result run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), PROGRAM);
-    return test::run_program(arguments);
-}
+using namespace test;
+
+class Montecarlo : public Example {};
 
 // The program itself compares with the formulas.
-TEST(Montecarlo, PricesAreRightAndTheSameForAnyNumberOfThreads) {
+TEST_F(Montecarlo, PricesAreRightAndTheSameForAnyNumberOfThreads) {
     std::vector<std::string> prices;
     for (const char *split : {"skip", "leapfrog", "family"}) {
-        const test::child_result one = run({"--split", split, "--paths", "50001"});
+        const child_result one = run({"--split", split, "--paths", "50001"});
         EXPECT_EQ(one.status, 0) << split << one.err;
         EXPECT_EQ(std::count(one.out.begin(), one.out.end(), '\n'), 4) << one.out;
         for (const char *threads : {"2", "4", "7"})
@@ -29,11 +26,11 @@ TEST(Montecarlo, PricesAreRightAndTheSameForAnyNumberOfThreads) {
     EXPECT_NE(prices[1], prices[2]);
 }
 
-TEST(Montecarlo, TheSeedMatters) {
+TEST_F(Montecarlo, TheSeedMatters) {
     EXPECT_NE(run({"--paths", "1000", "--seed", "2"}).out, run({"--paths", "1000"}).out);
 }
 
-TEST(Montecarlo, WrongArgumentsAreOneLineAndStatus2) {
+TEST_F(Montecarlo, WrongArgumentsAreOneLineAndStatus2) {
     const struct {
         std::vector<std::string> arguments;
         const char *error;
@@ -50,9 +47,9 @@ TEST(Montecarlo, WrongArgumentsAreOneLineAndStatus2) {
         {{"file"}, "montecarlo: unexpected argument file\n"},
     };
     for (const auto &c : cases) {
-        const test::child_result r = run(c.arguments);
+        const child_result r = run(c.arguments);
         EXPECT_EQ(r.status, 2) << c.error;
-        EXPECT_TRUE(test::matches(r.err, c.error)) << r.err;
+        EXPECT_TRUE(matches(r.err, c.error)) << r.err;
         EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
     }
     EXPECT_EQ(run({"--help"}).status, 0);
