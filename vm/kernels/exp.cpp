@@ -51,10 +51,9 @@ template <class V>
 inline V rough_exp(V x, V t) {
     using T = vm::element<V>;
     const V r = vm::roughly_from_step(x, t);
-    if constexpr (vm::steps<T> == 1) { // within 2^-13.7 of it
+    if constexpr (vm::steps<T> == 1) { // within 2^-11.1 of it, and 1 where r is 0
         return vm::times_two_to(
-            vm::polynomial(r, r * r, {0x1.fff68ap-1, 0x1.000acep+0, 0x1.028bd6p-1, 0x1.5348ecp-3}),
-            t);
+            vm::polynomial(r, r * r, {1.0, 0x1.00f7b2p0, 0x1.01ec2ap-1, 0x1.006f42p-3}), t);
     } else {
         const V power = vm::two_to(t).head;
         if constexpr (sizeof(T) == 4) // within 2^-12

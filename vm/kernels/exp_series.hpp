@@ -31,14 +31,13 @@ inline vec<double> exp_series(vec<double> r, vec<double> square) {
                           {0x1.fffffffffffd4p-2, 0x1.5555571de03b5p-3, 0x1.55555769f93edp-5});
 }
 
-// (e^r - 1) / r within 2^-32.
+// (e^r - 1) / r within 2^-31.5, and 1 where r is 0.
 inline vec<double> rough_growth_series(vec<double> r) {
     if constexpr (steps<double> == 16)
         return polynomial(r, r * r,
-                          {0x1.fffffffe06b72p-1, 0x1.fffffffd5e240p-2, 0x1.555762a59d73dp-3,
-                           0x1.555762b948cf1p-5});
+                          {1.0, 0x1.fffffffdd2c5bp-2, 0x1.5557082b3e47bp-3, 0x1.55574434e532fp-5});
     else
-        return polynomial(r, {0x1.fffffffffffc1p-1, 0x1.000001ec79dc8p-1, 0x1.555557e721aabp-3});
+        return polynomial(r, {1.0, 0x1.000001ec79dc8p-1, 0x1.555557e721aabp-3});
 }
 // The same, r times of it within 2^-29.
 inline vec<double> rough_exp_series(vec<double> r) {

@@ -95,18 +95,20 @@ constexpr lookup_table<8> accurate_table(vm::tanh_accurate, vm::tanh_accurate_st
 constexpr lookup_table<4> rough_table(vm::tanh_rough, vm::tanh_rough_start);
 
 // Of a magnitude, by a quotient of polynomials of x^2 with equal constant terms, which make the largest error of the
-// result up to the limit least, by Remez' algorithm with 50 digits. Their coefficients are positive: nothing cancels.
+// result up to 5 or 9 least, by Remez' algorithm with 50 digits. Their coefficients are positive: nothing cancels. The
+// limits lie where the quotient is 1 or more with all its roundings.
 //
 // EP: tanh x = x P / Q. LA: tanh x = 2 t / (1 + t^2) with t = tanh(x/2) = (x/2) P / Q, for where P and Q are large,
 // it hardly depends on their roundings, and beside the constant numbers are dense.
 template <int accuracy>
 inline V by_quotient(V x) {
     constexpr bool rough = accuracy == TQM_EP;
-    const V size = vm::min(V{} + (rough ? 5.0f : 9.0f), x), square = size * size; // NaN stays a NaN
-    if constexpr (rough) { // within 2^-14.1, so that it is less than 1
+    const V size = vm::min(V{} + (rough ? 5.25f : 9.25f), x); // NaN stays a NaN
+    const V square = size * size;
+    if constexpr (rough) { // within 2^-13.7
         const V p = vm::polynomial<float>(square, {1.0f, 0x1.a4cdbcp-4f, 0x1.6367f2p-11f});
         const V q = vm::polynomial<float>(square, {1.0f, 0x1.be4ecp-2f, 0x1.a6d3dap-7f});
-        return size * p / q;
+        return vm::min(V{} + 1.0f, size * p / q);
     } else { // within 2^-26.1
         const V p = vm::polynomial<float>(square, {1.75f, 0x1.a99f78p-5f, 0x1.9ca80ep-13f});
         const V q =
