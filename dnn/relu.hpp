@@ -7,7 +7,7 @@ namespace vox::dnn {
 
 enum relu_direction : uint32_t { relu_forward = 1, relu_backward = 3 };
 
-// What runs: one loop over flat arrays, or a walk along the strides.
+// What runs: one loop over flat arrays, or a nest of loops over the strides.
 enum relu_kernel : uint32_t { relu_dense, relu_strided };
 
 template <class T>

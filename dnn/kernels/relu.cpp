@@ -6,8 +6,8 @@
 #include "dnn/relu.hpp"
 
 #include "dnn/entries.hpp"
+#include "dnn/kernels/rows.hpp"
 #include "dnn/threads.hpp"
-#include "dnn/walk.hpp"
 #include "serv/simd.hpp"
 
 namespace {
@@ -38,7 +38,7 @@ struct forward_buffers {
     T *out;
     T slope;
 
-    forward_buffers at(uint64_t in, uint64_t to) const { return {x + in, out + to, slope}; }
+    forward_buffers at(index_t in, index_t to) const { return {x + in, out + to, slope}; }
     bool in_place() const { return out == x; }
     template <class Load>
     auto result(Load load) const {
@@ -54,9 +54,7 @@ struct backward_buffers {
     T *out;
     T slope;
 
-    backward_buffers at(uint64_t in, uint64_t to) const {
-        return {x + in, dy + to, out + to, slope};
-    }
+    backward_buffers at(index_t in, index_t to) const { return {x + in, dy + to, out + to, slope}; }
     bool in_place() const { return out == x || out == dy; }
     template <class Load>
     auto result(Load load) const {
@@ -126,7 +124,7 @@ void dense(const B &b, uint64_t count) {
         const part lines = part_of(thread, team, index_t(count + line - 1) / line);
         const index_t begin = lines.begin * line, end = lines.end * line;
         if (begin < end)
-            flat_of(count, b.at(uint64_t(begin), uint64_t(begin)),
+            flat_of(count, b.at(begin, begin),
                     (end < index_t(count) ? end : index_t(count)) - begin);
     });
 }
@@ -136,27 +134,37 @@ void one(const B &b) {
     *b.out = b.result([](auto *p) { return *p; });
 }
 
+// Elements of a row, of so many altogether.
+template <class B>
+void row_of(uint64_t count, const B &b, const loop &row) {
+    if (row.from == 1 && row.to == 1)
+        return flat_of(count, b, row.count);
+    for (index_t i = 0; i < row.count; ++i)
+        one(b.at(i * row.from, i * row.to));
+}
+
 // `in` is the layout of x, `out` that of the result.
 template <class B>
 void strided(const B &b, const layout &in, const layout &out, uint64_t count) {
-    walk both;
-    const bool by_rows = both.follow(in, out);
+    if (count == 0)
+        return;
+    const vox::dnn::axes from(in), to(out);
+    const vox::dnn::nests all(from, to);
+    const B first = b.at(from.first, to.first);
     divide(count * sizeof(typename B::type), [&](int thread, int team) {
-        const part mine = part_of(thread, team, index_t(count));
-        if (!by_rows) {
-            for (uint64_t n = uint64_t(mine.begin); n < uint64_t(mine.end); ++n)
-                one(b.at(in.offset(&in, n), out.offset(&out, n)));
+        if (all.any()) {
+            vox::dnn::nests mine = all;
+            for (nest n; mine.next(n);) {
+                const part some = part_of(thread, team, elements(n));
+                rows(n, some.begin, some.end, [&](index_t i, index_t j, const loop &row) {
+                    row_of(count, first.at(i, j), row);
+                });
+            }
             return;
         }
-        both.rows(
-            uint64_t(mine.begin), uint64_t(mine.end),
-            [&](uint64_t from, uint64_t to, uint64_t n, uint64_t in_stride, uint64_t out_stride) {
-                const B row = b.at(from, to);
-                if (in_stride == 1 && out_stride == 1)
-                    return flat_of(count, row, index_t(n));
-                for (uint64_t i = 0; i < n; ++i)
-                    one(row.at(i * in_stride, i * out_stride));
-            });
+        const part some = part_of(thread, team, index_t(count));
+        for (index_t n = some.begin; n < some.end; ++n)
+            one(b.at(index_t(in.offset(&in, uint64_t(n))), index_t(out.offset(&out, uint64_t(n)))));
     });
 }
 
