@@ -1,7 +1,6 @@
 // log1p.cpp - ln(1 + x). Arguments up to -1, infinities, NaNs and the smallest numbers are left to the fix-up.
 //
-// With a table: of u = 1 + x as rounded come k and c; what the sum lost is added to c m - 1. For small x, c is 1, and
-// c m - 1 and that are x together: nothing is lost.
+// With a table: of u = 1 + x as rounded come k and c, but r is computed from x, so that nothing is lost.
 #include "vm/kernels/logarithms.hpp"
 #include "vm/kernels/logarithms_single.hpp"
 #include "vm/kernels/loops.hpp"
@@ -30,16 +29,13 @@ struct log1p {
         vec<T> result;
         if constexpr (logs::from_table<T>) {
             constexpr logs::kind kind = logs::kind_of(accuracy);
-            const vec<T> u = x + 1;
-            const vec<T> lost = x - (u - 1); // exactly, or nearly beside a large u
-            const auto [k, m] = logs::split<T, kind>(u);
+            const vec<T> u = x + 1, k = logs::split<T, kind>(u).k;
             const auto entries = logs::lookup<T, kind>(u);
-            const vec<T> lost_of_m = lost * logs::scale_back<T>(u);
-            const vec<T> r = logs::reduced<T, kind>(m, entries.c);
+            const logs::reduced_sum<T, accuracy == TQM_HA> sum(x, u, k, entries.c);
             if constexpr (accuracy == TQM_HA)
-                result = logs::accurate_ln<T>(k, entries, r, lost_of_m * entries.c);
+                result = logs::accurate_ln<T>(k, entries, sum.r, sum.lost);
             else
-                result = logs::rough_ln<T, accuracy>(k, entries, vm::fma(lost_of_m, entries.c, r));
+                result = logs::rough_ln<T, accuracy>(k, entries, sum.r);
         } else {
             result = logs::ln1p<accuracy>(x);
         }
@@ -49,21 +45,17 @@ struct log1p {
         using words = logs::words<T>;
         return vec<T>(words(result) | (words(x) & sign));
     }
-    // Of small numbers it is wrong about zeros. With AVX-512 no other argument that is rare has a finite result.
+    // Of small numbers it is wrong about zeros.
     template <int N>
-    static bool suspicious(const vec<T> (&x)[N][1], [[maybe_unused]] const vec<T> (&y)[N]) {
+    static bool suspicious(const vec<T> (&x)[N][1], const vec<T> (&)[N]) {
         vec<T> smallest = simd::abs(x[0][0]);
         simd::unroll<N - 1>([&](auto v) VOX_INLINED {
             smallest = vm::min(smallest, vec<T>(simd::abs(x[v + 1][0])));
         });
         const auto small = vm::too_small(smallest);
-#if defined(__AVX512F__)
-        return vm::any_lane(vm::either(small, vm::not_finite_among(y)));
-#else
         const auto [least, sum] = logs::extent(x);
         return vm::any_lane(vm::either(vm::either(small, vm::not_less(logs::all(T(-1)), least)),
                                        vm::not_finite(sum)));
-#endif
     }
 };
 

@@ -120,20 +120,13 @@ inline vec<float> ln1p_ratio(vec<float> r) { // -11.4
 }
 #endif
 
-// k ln 2 - ln c + ln(1 + r), where r is to be increased by `more`, small beside it or all there is.
-template <class T>
-inline vec<T> accurate_ln(vec<T> k, const log_entries<T, exact> &e, vec<T> r) {
+// k ln 2 - ln c + ln(1 + r), with r to be increased by `more`, at most a rounding of 1/n.
+template <class T, class... More>
+inline vec<T> accurate_ln(vec<T> k, const log_entries<T, exact> &e, vec<T> r, More... more) {
     const vec<T> square = r * r;
     const vec<T> a = fma(k, all(ln2<T>.head), e.head), b = fma(k, all(ln2<T>.tail), e.tail);
     const vec<T> head = a + r, rounding = r - (head - a);
-    return head + fma(square, ln1p_rest<TQM_HA>(r, square), b + rounding);
-}
-template <class T>
-inline vec<T> accurate_ln(vec<T> k, const log_entries<T, exact> &e, vec<T> r, vec<T> more) {
-    const vec<T> sum = r + more, square = sum * sum;
-    const vec<T> a = fma(k, all(ln2<T>.head), e.head), b = fma(k, all(ln2<T>.tail), e.tail);
-    const vec<T> head = a + sum, rounding = (sum - (head - a)) + ((r - sum) + more);
-    return head + fma(square, ln1p_rest<TQM_HA>(sum, square), b + rounding);
+    return head + fma(square, ln1p_rest<TQM_HA>(r, square), b + (rounding + ... + more));
 }
 template <class T, int accuracy>
 inline vec<T> rough_ln(vec<T> k, const log_entries<T, rough> &e, vec<T> r) {
@@ -144,13 +137,44 @@ inline vec<T> rough_ln(vec<T> k, const log_entries<T, rough> &e, vec<T> r) {
     return a + fma(square, ln1p_rest<TQM_LA>(r, square), r);
 }
 
-// 2^-k for u = 2^k m; 0 where that is subnormal, which is for k = 1023 or 127.
-template <class T>
-inline vec<T> scale_back(vec<T> u) {
-    constexpr word<T> one = word<T>(1) << format<T>::mantissa;
-    const words<T> exponent = words<T>(u) & (2 * format<T>::bias + 1) * one;
-    return vec<T>(2 * format<T>::bias * one - exponent);
-}
+// r + lost = c (1 + x) / 2^k - 1, where k and c are those of u = 1 + x as rounded. c / 2^k has few bits, so that it less
+// 1 is exact but for so large a k that ln x is far larger than r. Next to x = 0, r is x. Where 2^-k may be below the
+// range, all is computed times 4.
+template <class T, bool exactly>
+struct reduced_sum {
+    vec<T> r, lost;
+#if defined(__AVX512F__)
+    static constexpr T factor = 1;
+    static vec<T> scaled(vec<T> c, vec<T> k, vec<T>) {
+        if constexpr (sizeof(T) == 8)
+            return _mm512_maskz_scalef_pd(0xFF, c, -k);
+        else
+            return _mm512_maskz_scalef_ps(0xFFFF, c, -k);
+    }
+#else
+    static constexpr T factor = 4;
+    static vec<T> scaled(vec<T> c, vec<T>, vec<T> u) {
+        using unsigned_word = std::make_unsigned_t<word<T>>;
+        constexpr auto one = unsigned_word(1) << format<T>::mantissa;
+        const auto exponent = vec<unsigned_word>(u) & (2 * format<T>::bias + 1) * one;
+        return c * vec<T>((2 * format<T>::bias + 2) * one - exponent);
+    }
+#endif
+    reduced_sum(vec<T> x, vec<T> u, vec<T> k, vec<T> c) {
+        const vec<T> s = scaled(c, k, u), less_one = s - factor;
+        if constexpr (fused && !exactly) {
+            r = fma(s, x, less_one);
+        } else { // the first bits' product is exact, and so is its sum
+            constexpr int bits_of_c = sizeof(T) == 8 ? 12 : 6;
+            const vec<T> first = vec<T>(words<T>(x) & -(word<T>(1) << bits_of_c));
+            const vec<T> sum = fma(s, first, less_one), rest = s * (x - first);
+            r = sum + rest;
+            if constexpr (exactly)
+                lost = ((sum - r) + rest) * (1 / factor);
+        }
+        r = r * (1 / factor);
+    }
+};
 
 // For tests of groups of arguments: in each lane the least and the sum. NaNs appear in the sum.
 template <class V>
