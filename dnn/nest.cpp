@@ -37,6 +37,12 @@ struct digits {
 
 } // namespace
 
+bool has_axes(const layout &l) {
+    return l.kind != orb_data ||
+           ((l.ndims == 4 || l.ndims == 5) && (l.border1 == 0 || ::dnn::inner_width(l) > 0) &&
+            (l.border2 == 0 || ::dnn::inner_height(l) > 0));
+}
+
 void axes::add(uint64_t n, uint64_t block, uint64_t outer, uint64_t inner) {
     const bool whole = block >= n;
     if (n != 1)

@@ -16,6 +16,9 @@ struct axis {
     index_t count, block, outer, inner;
 };
 
+// An image has axes if it has four or five dimensions, and something between its borders.
+bool has_axes(const layout &l);
+
 // A layout's axes in the order of elements, and the first one's place.
 struct axes {
     int count = 0;

@@ -114,15 +114,10 @@ inline bool is_large_enough(const layout &from, const layout &to) {
 // Whether all elements lie in their buffers, and there is something to copy from.
 template <class T>
 bool can_be_walked(const layout &from, const layout &to) {
-    // Images with something between their borders.
-    const auto is_image = [](const layout &l) {
-        return l.kind != vox::dnn::orb_data ||
-               ((l.ndims == 4 || l.ndims == 5) && (l.border1 == 0 || inner_width(l) > 0) &&
-                (l.border2 == 0 || inner_height(l) > 0));
-    };
     const uint64_t from_count = element_count(from), to_count = element_count(to);
-    return is_image(from) && is_image(to) && from_count <= uint64_t(INT64_MAX) &&
-           fits<T>(from, from_count) && takes<T>(to) && (from_count > 0 || to_count == 0);
+    return vox::dnn::has_axes(from) && vox::dnn::has_axes(to) &&
+           from_count <= uint64_t(INT64_MAX) && fits<T>(from, from_count) && takes<T>(to) &&
+           (from_count > 0 || to_count == 0);
 }
 
 inline int execute(const primitive *p, void *const *resources) {

@@ -148,19 +148,20 @@ template <class B>
 void strided(const B &b, const layout &in, const layout &out, uint64_t count) {
     if (count == 0)
         return;
-    const vox::dnn::axes from(in), to(out);
-    const vox::dnn::nests all(from, to);
-    const B first = b.at(from.first, to.first);
     divide(count * sizeof(typename B::type), [&](int thread, int team) {
-        if (all.any()) {
-            vox::dnn::nests mine = all;
-            for (nest n; mine.next(n);) {
-                const part some = part_of(thread, team, elements(n));
-                rows(n, some.begin, some.end, [&](index_t i, index_t j, const loop &row) {
-                    row_of(count, first.at(i, j), row);
-                });
+        if (vox::dnn::has_axes(in) && vox::dnn::has_axes(out)) {
+            const vox::dnn::axes from(in), to(out);
+            vox::dnn::nests all(from, to);
+            const B first = b.at(from.first, to.first);
+            if (all.any()) {
+                for (nest n; all.next(n);) {
+                    const part some = part_of(thread, team, elements(n));
+                    rows(n, some.begin, some.end, [&](index_t i, index_t j, const loop &row) {
+                        row_of(count, first.at(i, j), row);
+                    });
+                }
+                return;
             }
-            return;
         }
         const part some = part_of(thread, team, index_t(count));
         for (index_t n = some.begin; n < some.end; ++n)
