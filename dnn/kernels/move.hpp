@@ -49,14 +49,16 @@ VOX_INLINE void stream_run(T *to, const T *from, index_t n) {
 template <int N, bool Fetch, class T>
 VOX_INLINE void copy_units(index_t count, T *to, index_t to_step, const T *from, index_t from_step,
                            index_t ahead) {
-    constexpr int bytes = N * int(sizeof(T)), v = bytes < vector_bytes ? bytes : vector_bytes;
+    constexpr int bytes = N * int(sizeof(T)), whole = bytes & -16;
+    constexpr int v = whole < vector_bytes ? whole : vector_bytes, w = v / int(sizeof(T));
     for (index_t x = 0; x < count; ++x) {
+        const T *const p = from + x * from_step;
+        T *const q = to + x * to_step;
         if constexpr (Fetch)
-            __builtin_prefetch(from + x * from_step + ahead, 0, 2);
-        unroll<bytes / v>([&](auto l) VOX_INLINED {
-            constexpr int w = v / int(sizeof(T));
-            store(to + x * to_step + l * w, load<v>(from + x * from_step + l * w));
-        });
+            __builtin_prefetch(p + ahead, 0, 2);
+        unroll<whole / v>([&](auto l) VOX_INLINED { store(q + l * w, load<v>(p + l * w)); });
+        unroll<(bytes - whole) / int(sizeof(T))>(
+            [&](auto l) VOX_INLINED { q[whole / v * w + l] = p[whole / v * w + l]; });
     }
 }
 // Fewer elements than a lane has. Zeros are written beyond them, and what is beyond them is read.
@@ -81,6 +83,8 @@ VOX_INLINE void copy_units(index_t n, index_t count, T *to, index_t to_step, con
     switch (n * int(sizeof(T))) {
     case 16:
         return copy_units<k, Fetch>(count, to, to_step, from, from_step, ahead);
+    case 24: // three doubles
+        return copy_units<3 * k / 2, Fetch>(count, to, to_step, from, from_step, ahead);
     case 32:
         return copy_units<2 * k, Fetch>(count, to, to_step, from, from_step, ahead);
     case 64:
