@@ -167,10 +167,10 @@ struct reduced_sum {
         } else { // the first bits' product is exact, and so is its sum
             constexpr int bits_of_c = sizeof(T) == 8 ? 12 : 6;
             const vec<T> first = vec<T>(words<T>(x) & -(word<T>(1) << bits_of_c));
-            const vec<T> sum = fma(s, first, less_one), rest = s * (x - first);
-            r = sum + rest;
+            const vec<T> sum = fma(s, first, less_one), rest = x - first;
+            r = fma(s, rest, sum);
             if constexpr (exactly)
-                lost = ((sum - r) + rest) * (1 / factor);
+                lost = fma(s, rest, sum - r) * (1 / factor);
         }
         r = r * (1 / factor);
     }
