@@ -227,67 +227,60 @@ TYPED_TEST(ReLU, IsTheSameForManyElementsAndCallers) {
 TYPED_TEST(ReLU, AnswersBadArgumentsInOrder) {
     using T = TypeParam;
     using call = api<T>;
-    const auto changed = [](void (*change)(record &)) {
+    const auto changed = [](auto change) {
         record l = plain_record<T>({4, 3, 2, 2}, {1, 4, 12, 24});
         change(l);
         return l;
     };
-    const struct {
-        const char *what;
-        void (*change)(record &);
+    const owned<T> good(changed([](record &) {})),
+        flags(changed([](record &l) { l.flags = 1, l.kind = 2; })),
+        image(changed([](record &l) { l.kind = 1; })),
+        border1(changed([](record &l) { l.kind = 1, l.border1 = 1; })),
+        border2(changed([](record &l) { l.kind = 1, l.border2 = 1; })),
+        filter(changed([](record &l) { l.kind = 2; })),
+        blocked(changed([](record &l) { l.kind = 4; })),
+        other_precision(changed([](record &l) { l.elem_size = 12 - l.elem_size; })),
+        none(changed([](record &l) { l.ndims = 0; })),
+        many(changed([](record &l) { l.ndims = 33; })),
+        overlapping(changed([](record &l) { l.stride[1] = l.stride[2] = l.stride[3] = 0; })),
+        beyond(changed(
+            [](record &l) { l.stride[0] = l.stride[1] = l.stride[2] = 16, l.stride[3] = 1; })),
+        empty(changed([](record &l) { l.size[1] = 0; }));
+    struct {
+        dnnLayout_t layout;
         int status;
-    } cases[] = {
-        {"good", [](record &) {}, 0},
-        {"empty", [](record &l) { l.size[1] = 0; }, 0},
-        {"a primitive's own", [](record &l) { l.flags = 1, l.kind = 2; }, -127},
-        {"border", [](record &l) { l.kind = 1, l.border1 = 1; }, -1},
-        {"another border", [](record &l) { l.kind = 1, l.border2 = 1; }, -1},
-        {"image", [](record &l) { l.kind = 1; }, 0},
-        {"filter", [](record &l) { l.kind = 2; }, -1},
-        {"blocked", [](record &l) { l.kind = 4; }, -1},
-        {"other precision", [](record &l) { l.elem_size = 12 - l.elem_size; }, -1},
-        {"no dimension", [](record &l) { l.ndims = 0; }, -1},
-        {"33 dimensions", [](record &l) { l.ndims = 33; }, -1},
-        {"overlapping", [](record &l) { l.stride[1] = l.stride[2] = l.stride[3] = 0; }, -1},
-        {"beyond the buffer",
-         [](record &l) { l.stride[0] = l.stride[1] = l.stride[2] = 16, l.stride[3] = 1; }, -1},
-    };
-    const owned<T> good(changed(cases[0].change)), empty(changed(cases[1].change)),
-        flags(changed(cases[2].change)), border(changed(cases[3].change));
-    const auto expect = [](int status, auto create) {
-        dnnPrimitive_t out = &out;
-        EXPECT_EQ(create(&out), status);
-        EXPECT_EQ(out == &out, status != 0);
-        if (status == 0)
-            call::Delete(out);
-    };
+    } const cases[] = {{nullptr, -1},         {good, 0},     {flags, -127}, {image, 0},
+                       {border1, -1},         {border2, -1}, {filter, -1},  {blocked, -1},
+                       {other_precision, -1}, {none, -1},    {many, -1},    {overlapping, -1},
+                       {beyond, -1},          {empty, 0}};
     const int before = allocations();
-    const auto expect_of = [&](dnnLayout_t l, int status) {
-        expect(status, [&](auto out) { return call::ReLUCreateForward(out, nullptr, l, 1); });
-        expect(status, [&](auto out) { return call::ReLUCreateBackward(out, nullptr, l, l, 1); });
-        EXPECT_EQ(call::ReLUCreateForward(nullptr, nullptr, l, 1), -1);
-        // The gradients' layout comes before the place of the result.
-        EXPECT_EQ(call::ReLUCreateBackward(nullptr, nullptr, l, good, 1),
-                  status == -127 ? -127 : -1);
-    };
-    expect_of(nullptr, -1);
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        expect_of(owned<T>(changed(c.change)), c.status);
+        SCOPED_TRACE(&c - cases);
+        for (const bool forward : {true, false}) {
+            dnnPrimitive_t out = &out;
+            EXPECT_EQ(forward ? call::ReLUCreateForward(&out, nullptr, c.layout, 1)
+                              : call::ReLUCreateBackward(&out, nullptr, c.layout, c.layout, 1),
+                      c.status);
+            EXPECT_EQ(out == &out, c.status != 0);
+            if (c.status == 0)
+                call::Delete(out);
+        }
+        EXPECT_EQ(call::ReLUCreateForward(nullptr, nullptr, c.layout, 1), -1);
+        // The gradients' layout comes before the place of the result.
+        EXPECT_EQ(call::ReLUCreateBackward(nullptr, nullptr, c.layout, good, 1),
+                  c.layout == flags ? -127 : -1);
         EXPECT_EQ(allocations(), before);
     }
-    const auto expect_backward = [&](int status, dnnLayout_t data) {
-        expect(status,
-               [&](auto out) { return call::ReLUCreateBackward(out, nullptr, good, data, 1); });
-    };
-    expect_backward(-1, nullptr);
-    expect_backward(-127, flags);
-    expect_backward(-1, empty); // nothing to read
-    expect_backward(-1, border);
+    dnnPrimitive_t out = &out;
+    EXPECT_EQ(call::ReLUCreateBackward(&out, nullptr, good, nullptr, 1), -1);
+    EXPECT_EQ(call::ReLUCreateBackward(&out, nullptr, good, flags, 1), -127);
+    EXPECT_EQ(call::ReLUCreateBackward(&out, nullptr, good, empty, 1), -1); // nothing to read
+    EXPECT_EQ(call::ReLUCreateBackward(&out, nullptr, good, border1, 1), -1);
     test::refused_request = test::every_request;
-    expect(-3, [&](auto out) { return call::ReLUCreateForward(out, nullptr, good, 1); });
-    expect_backward(-3, good);
+    EXPECT_EQ(call::ReLUCreateForward(&out, nullptr, good, 1), -3);
+    EXPECT_EQ(call::ReLUCreateBackward(&out, nullptr, good, good, 1), -3);
     test::refused_request = 0;
+    EXPECT_EQ(out, &out);
     EXPECT_EQ(allocations(), before);
 }
 
@@ -296,22 +289,21 @@ TYPED_TEST(ReLU, AnswersForItsOwnResources) {
     const owned<T> data(sizes{6}), diff({6}, {2});
     const operation<T> f(data, T(1)), b(diff, data, T(1));
     T x[12] = {}, y[12] = {};
-    for (int type = -1; type < DNN_RES_COUNT; ++type) {
+    // Null for what a primitive does not have.
+    const auto expect = [](const operation<T> &of, int type, const owned<T> *wanted) {
         dnnLayout_t out = &out;
-        const bool forward = type == DNN_RES_SRC || type == DNN_RES_DST;
-        EXPECT_EQ(api<T>::LayoutCreateFromPrimitive(&out, f.handle, type), forward ? 0 : -1);
-        if (forward) {
-            EXPECT_EQ(api<T>::LayoutCompare(out, data), 1);
+        EXPECT_EQ(api<T>::LayoutCreateFromPrimitive(&out, of.handle, type), wanted ? 0 : -1);
+        EXPECT_EQ(out == &out, !wanted);
+        if (wanted) {
+            EXPECT_EQ(api<T>::LayoutCompare(out, *wanted), 1);
             EXPECT_EQ(api<T>::LayoutDelete(out), 0);
         }
-        out = &out;
-        const bool gradient = type == DNN_RES_DIFF_SRC || type == DNN_RES_DIFF_DST;
-        EXPECT_EQ(api<T>::LayoutCreateFromPrimitive(&out, b.handle, type),
-                  gradient || type == DNN_RES_SRC ? 0 : -1);
-        if (out != &out) {
-            EXPECT_EQ(api<T>::LayoutCompare(out, gradient ? diff : data), 1);
-            EXPECT_EQ(api<T>::LayoutDelete(out), 0);
-        }
+    };
+    for (int type = -1; type < DNN_RES_COUNT; ++type) {
+        const bool source = type == DNN_RES_SRC,
+                   gradient = type == DNN_RES_DIFF_SRC || type == DNN_RES_DIFF_DST;
+        expect(f, type, source || type == DNN_RES_DST ? &data : nullptr);
+        expect(b, type, gradient ? &diff : source ? &data : nullptr);
     }
     dnnLayout_t out = &out;
     test::refused_request = test::every_request;
