@@ -37,6 +37,7 @@ TEST(ElementErrors, AreCountedFromTheCallersVector) {
     in_new_thread([] {
         tqmSetErrorCallBack(listen);
         const thread_counts counts;
+        const double zero = 0;
         for (const int n : {1, 5, 8, 17, 64, 99, 1000, 1003})
             for (const int threads : {1, 2, 3, 4}) {
                 std::vector<double> a(size_t(n), 3), b(a.size(), 2), r(a.size());
@@ -64,6 +65,10 @@ TEST(ElementErrors, AreCountedFromTheCallersVector) {
                     }
                     for (int i = 0; i < n; ++i)
                         EXPECT_NEAR(r[size_t(i)], planted.count(i) ? i : 1.5, 1e-7);
+                    told.clear();
+                    vmdInv(1, &zero, r.data(), accuracy | TQM_ERRMODE_CALLBACK);
+                    EXPECT_EQ(told, (std::map{std::pair(0, int(TQM_STATUS_SING))}))
+                        << "the next call";
                     vmdAdd(n, a.data(), b.data(), r.data(), accuracy);
                     if (threads > 1 && n >= 100) {
                         EXPECT_EQ(tqmGetErrStatus(), 0) << "that of the last call";
