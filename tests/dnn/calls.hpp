@@ -1,25 +1,13 @@
-// calls.hpp - the routines by precision, api<float>::LayoutCreate, and layouts that a test makes as it likes.
+// calls.hpp - layouts that a test makes as it likes.
 #pragma once
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "dnn/entries.hpp"
 #include "dnn/primitive.hpp"
+#include "tests/dnn/api.hpp"
 
 namespace test {
-
-template <class T>
-struct api;
-#define VOX_TEST_CALL(P, T, name, result, parameters, arguments)                                   \
-    static constexpr auto name = dnn##name##_##P;
-#define VOX_TEST_CALLS(P, T)                                                                       \
-    template <>                                                                                    \
-    struct api<T> {                                                                                \
-        VOX_DNN_ENTRIES(VOX_TEST_CALL, P, T)                                                       \
-    };
-VOX_DNN_PRECISIONS(VOX_TEST_CALLS)
 
 using precisions = testing::Types<float, double>;
 using record = vox::dnn::layout;
@@ -41,21 +29,10 @@ record plain_record(const sizes &size, const sizes &stride) {
     return l;
 }
 
-// What the library makes of a record, as if it came from elsewhere.
-template <class T>
-dnnLayout_t from_record(const record &l) {
-    image bytes(vox::dnn::serialized_bytes);
-    std::memcpy(bytes.data(), &vox::dnn::image_size, 4);
-    std::memcpy(bytes.data() + 4, &l, sizeof l);
-    dnnLayout_t out = nullptr;
-    EXPECT_EQ(api<T>::LayoutDeserialize(&out, bytes.data()), 0);
-    return out;
-}
-
 // A layout that is deleted, whatever its flags.
 template <class T>
 struct owned {
-    explicit owned(const record &l) : handle(from_record<T>(l)) {}
+    explicit owned(const record &l) { EXPECT_EQ(read<T>(l, &handle), 0); }
     owned(const sizes &size, const sizes &stride) : owned(plain_record<T>(size, stride)) {}
     explicit owned(const sizes &size) : owned(size, dense_strides(size)) {}
     ~owned() { vox_serv_free(handle); }
@@ -64,7 +41,7 @@ struct owned {
     operator dnnLayout_t() const { return handle; }
     const record &operator*() const { return *static_cast<const record *>(handle); }
 
-    dnnLayout_t handle;
+    dnnLayout_t handle = nullptr;
 };
 
 inline int allocations() {

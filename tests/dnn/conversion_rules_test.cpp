@@ -10,34 +10,25 @@ namespace {
 using namespace test;
 
 template <class T>
-class ConversionRules : public ::testing::Test {
-  protected:
-    // The status, and what is handed out with it.
-    static int create(dnnLayout_t from, dnnLayout_t to) {
-        dnnPrimitive_t p = &p;
-        const int status = api<T>::ConversionCreate(&p, from, to);
-        EXPECT_EQ(p == &p, status != DNN_STATUS_OK);
-        EXPECT_EQ(status == DNN_STATUS_OK ? api<T>::Delete(p) : 0, DNN_STATUS_OK);
-        return status;
-    }
-    static int create(const record &from, const record &to) {
-        return create(owned<T>(from), owned<T>(to));
-    }
-
-    static record image(const image_sizes &s) {
-        record l;
-        EXPECT_EQ(internal<T>::data(&l, &s), DNN_STATUS_OK);
-        return l;
-    }
-};
+class ConversionRules : public ::testing::Test {};
 TYPED_TEST_SUITE(ConversionRules, precisions);
+
+// The status, and whether anything is handed out with it.
+template <class T>
+int status_of(dnnLayout_t from, dnnLayout_t to) {
+    dnnPrimitive_t p = &p;
+    const int status = api<T>::ConversionCreate(&p, from, to);
+    EXPECT_EQ(p == &p, status != DNN_STATUS_OK);
+    EXPECT_EQ(status == DNN_STATUS_OK ? api<T>::Delete(p) : 0, DNN_STATUS_OK);
+    return status;
+}
 
 const sizes small = {3, 4, 16, 2};
 
 TYPED_TEST(ConversionRules, RefuseWhatDoesNotFit) {
     using T = TypeParam;
     const auto create = [](const record &from, const record &to) {
-        return TestFixture::create(from, to);
+        return status_of<T>(owned<T>(from), owned<T>(to));
     };
     const record good = permuted<T>(small, {0, 1, 2, 3});
     const owned<T> layout(good);
@@ -69,13 +60,13 @@ TYPED_TEST(ConversionRules, RefuseWhatDoesNotFit) {
         EXPECT_EQ(create(permuted<T>(other, {0, 1, 2, 3}), good), -1);
     }
     // Of images, without their borders.
-    const record narrow = TestFixture::image({5, 6, 8, 1, 0, 0});
-    EXPECT_EQ(create(narrow, TestFixture::image({5, 6, 8, 1, 2, 1})), 0);
-    EXPECT_EQ(create(TestFixture::image({5, 6, 8, 1, 2, 1}), narrow), 0);
-    EXPECT_EQ(
-        create(TestFixture::image({6, 6, 8, 1, 0, 0}), TestFixture::image({5, 6, 8, 1, 1, 0})), -1);
-    EXPECT_EQ(
-        create(TestFixture::image({5, 7, 8, 1, 0, 0}), TestFixture::image({5, 6, 8, 1, 0, 1})), -1);
+    const record narrow = internal_image<T>({5, 6, 8, 1, 0, 0});
+    EXPECT_EQ(create(narrow, internal_image<T>({5, 6, 8, 1, 2, 1})), 0);
+    EXPECT_EQ(create(internal_image<T>({5, 6, 8, 1, 2, 1}), narrow), 0);
+    EXPECT_EQ(create(internal_image<T>({6, 6, 8, 1, 0, 0}), internal_image<T>({5, 6, 8, 1, 1, 0})),
+              -1);
+    EXPECT_EQ(create(internal_image<T>({5, 7, 8, 1, 0, 0}), internal_image<T>({5, 6, 8, 1, 0, 1})),
+              -1);
     // Of two kinds, anything.
     EXPECT_EQ(create(permuted<T>({5}, {0}), narrow), 0);
     EXPECT_EQ(create(narrow, permuted<T>({5}, {0})), 0);
@@ -110,13 +101,10 @@ TYPED_TEST(ConversionRules, RefuseWhatDoesNotFit) {
 TYPED_TEST(ConversionRules, KeepTheirLayouts) {
     using T = TypeParam;
     const record from = permuted<T>(small, {2, 0, 1, 3}),
-                 to = TestFixture::image({3, 4, 16, 2, 1, 1});
-    dnnPrimitive_t p = nullptr;
-    {
-        const owned<T> f(from), t(to);
-        ASSERT_EQ(api<T>::ConversionCreate(&p, f, t), 0);
-    }
-    const primitive_handle<T> c(p);
+                 to = internal_image<T>({3, 4, 16, 2, 1, 1});
+    const primitive_handle<T> c = conversion<T>(from, to);
+    dnnPrimitive_t const p = c.get();
+    ASSERT_TRUE(p);
     for (int resource = -1; resource < DNN_RES_COUNT; ++resource) {
         dnnLayout_t copy = nullptr;
         const int status = api<T>::LayoutCreateFromPrimitive(&copy, p, resource);
@@ -140,21 +128,19 @@ TYPED_TEST(ConversionRules, KeepTheirLayouts) {
 TYPED_TEST(ConversionRules, LeaveNothingBehindWithoutMemory) {
     using T = TypeParam;
     const owned<T> layout(permuted<T>(small, {0, 1, 2, 3}));
-    ASSERT_EQ(TestFixture::create(layout, layout), 0);
+    ASSERT_EQ(status_of<T>(layout, layout), 0);
     const int before = allocations();
     refused_request = every_request;
-    const int status = TestFixture::create(layout, layout);
+    const int status = status_of<T>(layout, layout);
     refused_request = 0;
     EXPECT_EQ(status, -3);
     EXPECT_EQ(allocations(), before);
-    dnnPrimitive_t p = nullptr;
-    ASSERT_EQ(api<T>::ConversionCreate(&p, layout, layout), 0);
-    const primitive_handle<T> c(p);
+    const primitive_handle<T> c = conversion<T>(layout, layout);
     std::vector<T> x(product(small), T(1)), y(x.size());
     dnnLayout_t copy = &copy;
     refused_request = every_request; // execution needs none
-    const int ran = api<T>::ConversionExecute(p, x.data(), y.data());
-    const int got = api<T>::LayoutCreateFromPrimitive(&copy, p, DNN_RES_DST);
+    const int ran = api<T>::ConversionExecute(c.get(), x.data(), y.data());
+    const int got = api<T>::LayoutCreateFromPrimitive(&copy, c.get(), DNN_RES_DST);
     refused_request = 0;
     EXPECT_EQ(ran, 0);
     EXPECT_EQ(x, y);
@@ -169,11 +155,9 @@ TYPED_TEST(ConversionRules, ChooseARoutineForEachPair) {
     const record nchw = permuted<T>(image, {0, 1, 2, 3}), nhwc = permuted<T>(image, {2, 0, 1, 3});
     const record oihw = permuted<T>(weight, {0, 1, 2, 3}), hwio = permuted<T>(weight, {3, 2, 0, 1});
     const record goihw = permuted<T>(grouped, {0, 1, 2, 3, 4});
-    const record data = TestFixture::image({6, 5, 32, 2, 1, 1});
-    record fwd, bwd;
+    const record data = internal_image<T>({6, 5, 32, 2, 1, 1});
     const filter_sizes f = {3, 3, 32, 48, 1};
-    internal<T>::filter_fwd(&fwd, &f);
-    internal<T>::filter_bwd(&bwd, &f);
+    const record fwd = internal_filter<T>(f, true), bwd = internal_filter<T>(f, false);
     record uneven = image_blocks<T>(image, 16);
     uneven.blocked_stride[3].outer += 16;
     const struct {
@@ -185,7 +169,7 @@ TYPED_TEST(ConversionRules, ChooseARoutineForEachPair) {
         {nhwc, data, "Simple_To_OrbData"},
         {data, nchw, "OrbData_To_Simple"},
         {data, nhwc, "OrbData_To_Simple"},
-        {data, TestFixture::image({6, 5, 32, 2, 0, 0}), "OrbData_To_OrbData"},
+        {data, internal_image<T>({6, 5, 32, 2, 0, 0}), "OrbData_To_OrbData"},
         {oihw, fwd, "Simple_To_OrbFilterFwd"},
         {hwio, fwd, "Simple_To_OrbFilterFwd"},
         {oihw, bwd, "Simple_To_OrbFilterBwd"},
@@ -219,11 +203,10 @@ TYPED_TEST(ConversionRules, ChooseARoutineForEachPair) {
         {data, fwd, "Generic"},
     };
     for (const auto &pair : pairs) {
-        dnnPrimitive_t p = nullptr;
-        ASSERT_EQ(api<T>::ConversionCreate(&p, owned<T>(pair.from), owned<T>(pair.to)), 0)
-            << pair.routine;
-        const primitive_handle<T> c(p);
-        EXPECT_STREQ(internal<T>::routine(static_cast<vox::dnn::conversion *>(p)), pair.routine);
+        const primitive_handle<T> c = conversion<T>(pair.from, pair.to);
+        ASSERT_TRUE(c) << pair.routine;
+        EXPECT_STREQ(internal<T>::routine(static_cast<vox::dnn::conversion *>(c.get())),
+                     pair.routine);
     }
 }
 
@@ -233,9 +216,8 @@ TYPED_TEST(ConversionRules, RunAtTheSameTime) {
     const thread_counts counts;
     const sizes size = {40, 50, 48, 2};
     const record from = permuted<T>(size, {0, 1, 2, 3}), to = permuted<T>(size, {2, 0, 1, 3});
-    dnnPrimitive_t p = nullptr;
-    ASSERT_EQ(api<T>::ConversionCreate(&p, owned<T>(from), owned<T>(to)), 0);
-    const primitive_handle<T> c(p);
+    const primitive_handle<T> c = conversion<T>(from, to);
+    ASSERT_TRUE(c);
     std::vector<T> x(product(size)), want(x.size());
     for (size_t i = 0; i < x.size(); ++i)
         x[i] = T(i);
@@ -248,7 +230,7 @@ TYPED_TEST(ConversionRules, RunAtTheSameTime) {
         callers.emplace_back([&] {
             counts.set(&y == &results[0] ? 3 : 2);
             for (int i = 0; i < 5; ++i)
-                api<T>::ConversionExecute(p, x.data(), y.data());
+                api<T>::ConversionExecute(c.get(), x.data(), y.data());
         });
     for (std::thread &t : callers)
         t.join();
@@ -259,19 +241,17 @@ TYPED_TEST(ConversionRules, RunAtTheSameTime) {
 // Groups of channels, strides and gaps, as the documentation draws them.
 TYPED_TEST(ConversionRules, InternalLayoutsAreAsDocumented) {
     using T = TypeParam;
-    const record whole = TestFixture::image({5, 3, 32, 2, 1, 2});
+    const record whole = internal_image<T>({5, 3, 32, 2, 1, 2});
     const uint64_t g = whole.size[0], row = 7 * g, group = 7 * row;
     EXPECT_TRUE(g == 8 || (g == 16 && sizeof(T) == 4));
     EXPECT_EQ(sizes(whole.size, whole.size + 5), (sizes{g, 7, 7, 32 / g, 2}));
     EXPECT_EQ(sizes(whole.stride, whole.stride + 5), (sizes{1, g, row, group, group * (32 / g)}));
-    const record few = TestFixture::image({5, 3, 3, 2, 0, 0});
+    const record few = internal_image<T>({5, 3, 3, 2, 0, 0});
     EXPECT_EQ(sizes(few.stride, few.stride + 4), (sizes{1, 4, 20, 60}));
-    const record some = TestFixture::image({5, 3, 20, 2, 0, 0});
+    const record some = internal_image<T>({5, 3, 20, 2, 0, 0});
     EXPECT_EQ(some.stride[1], g == 16 ? 32u : 24u);
-    record fwd, bwd, none;
-    const filter_sizes f = {3, 5, 20, 40, 1}, groups = {3, 5, 20, 40, 6};
-    ASSERT_EQ(internal<T>::filter_fwd(&fwd, &f), 0);
-    ASSERT_EQ(internal<T>::filter_bwd(&bwd, &groups), 0);
+    record none, fwd = internal_filter<T>({3, 5, 20, 40, 1}, true),
+                 bwd = internal_filter<T>({3, 5, 20, 40, 6}, false);
     EXPECT_EQ(fwd.ndims, 4u);
     EXPECT_EQ(api<T>::LayoutGetMemorySize(&fwd), 15 * 20 * (g == 16 ? 48 : 40) * sizeof(T));
     EXPECT_EQ(bwd.ndims, 5u);

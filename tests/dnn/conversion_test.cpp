@@ -42,9 +42,8 @@ void expect_exact(const record &from, const record &to, edge where = edge::back)
     using B = bits_of<T>;
     SCOPED_TRACE(describe(from) + " -> " + describe(to));
     const owned<T> f(from), t(to);
-    dnnPrimitive_t made = nullptr;
-    ASSERT_EQ(api<T>::ConversionCreate(&made, f, t), DNN_STATUS_OK);
-    const primitive_handle<T> c(made);
+    const primitive_handle<T> c = conversion<T>(f, t);
+    ASSERT_TRUE(c);
     random_bits bits(1);
     std::vector<B> source(api<T>::LayoutGetMemorySize(f) / sizeof(T)),
         destination(api<T>::LayoutGetMemorySize(t) / sizeof(T));
@@ -63,6 +62,12 @@ void expect_exact(const record &from, const record &to, edge where = edge::back)
 }
 
 template <class T>
+void expect_exact_both_ways(const record &a, const record &b) {
+    expect_exact<T>(a, b);
+    expect_exact<T>(b, a, edge::front);
+}
+
+template <class T>
 class Conversion : public ::testing::Test {};
 TYPED_TEST_SUITE(Conversion, precisions);
 
@@ -77,24 +82,17 @@ const sizes image_orders[] = {{0, 1, 2, 3}, {2, 0, 1, 3}, {3, 1, 0, 2}, {2, 3, 1
 TYPED_TEST(Conversion, OfImagesIsExact) {
     using T = TypeParam;
     for (const image_sizes &s : images) {
-        record orb, bordered;
         image_sizes more = s;
         more.border1 += 2;
-        ASSERT_EQ(internal<T>::data(&orb, &s), DNN_STATUS_OK);
-        ASSERT_EQ(internal<T>::data(&bordered, &more), DNN_STATUS_OK);
-        expect_exact<T>(orb, bordered);
-        expect_exact<T>(bordered, orb);
+        const record orb = internal_image<T>(s);
+        expect_exact_both_ways<T>(orb, internal_image<T>(more));
         const sizes size = {s.width, s.height, s.channels, s.images};
         for (const sizes &order : image_orders) {
             const record user = permuted<T>(size, order);
-            expect_exact<T>(user, orb);
-            expect_exact<T>(orb, user, edge::front);
+            expect_exact_both_ways<T>(user, orb);
             for (const uint64_t b : {8, 16}) {
-                const record blocks = image_blocks<T>(size, b);
-                expect_exact<T>(user, blocks);
-                expect_exact<T>(blocks, user);
-                expect_exact<T>(blocks, orb);
-                expect_exact<T>(orb, blocks);
+                expect_exact_both_ways<T>(user, image_blocks<T>(size, b));
+                expect_exact_both_ways<T>(image_blocks<T>(size, b), orb);
             }
             for (const sizes &other : image_orders)
                 expect_exact<T>(user, permuted<T>(size, other));
@@ -111,11 +109,8 @@ const filter_sizes filters[] = {
 TYPED_TEST(Conversion, OfWeightsIsExact) {
     using T = TypeParam;
     for (const filter_sizes &s : filters) {
-        record fwd, bwd;
-        ASSERT_EQ(internal<T>::filter_fwd(&fwd, &s), DNN_STATUS_OK);
-        ASSERT_EQ(internal<T>::filter_bwd(&bwd, &s), DNN_STATUS_OK);
-        expect_exact<T>(fwd, bwd);
-        expect_exact<T>(bwd, fwd);
+        const record fwd = internal_filter<T>(s, true), bwd = internal_filter<T>(s, false);
+        expect_exact_both_ways<T>(fwd, bwd);
         sizes size = {s.width, s.height, s.inputs, s.outputs}, order = {0, 1, 2, 3},
               exchanged = {3, 2, 0, 1};
         if (s.groups > 1) {
@@ -124,16 +119,13 @@ TYPED_TEST(Conversion, OfWeightsIsExact) {
             exchanged.push_back(4);
         }
         for (const record &user : {permuted<T>(size, order), permuted<T>(size, exchanged)}) {
-            for (const record &orb : {fwd, bwd}) {
-                expect_exact<T>(user, orb);
-                expect_exact<T>(orb, user);
-            }
+            expect_exact_both_ways<T>(user, fwd);
+            expect_exact_both_ways<T>(user, bwd);
             for (const uint64_t b : {8, 16})
                 if (s.inputs % b == 0 && s.outputs % b == 0)
                     for (const bool inputs_last : {false, true}) {
                         const record w = weights<T>(size, b, inputs_last);
-                        expect_exact<T>(user, w);
-                        expect_exact<T>(w, user);
+                        expect_exact_both_ways<T>(user, w);
                         expect_exact<T>(w, weights<T>(size, b, !inputs_last));
                         expect_exact<T>(w, fwd);
                     }
@@ -141,88 +133,70 @@ TYPED_TEST(Conversion, OfWeightsIsExact) {
     }
 }
 
-// Digits of a random layout in a random order with random gaps, or strides that have nothing to do with each other.
+// The strides of digits in a random order with random gaps.
+sizes random_strides(lottery &lots, const sizes &digit) {
+    sizes order(digit.size()), stride(digit.size());
+    std::iota(order.begin(), order.end(), 0);
+    if (lots.number() % 4)
+        for (size_t i = order.size() - 1; i > 0; --i)
+            std::swap(order[i], order[lots.number() % (i + 1)]);
+    uint64_t step = lots.pick<uint64_t>({1, 1, 1, 2});
+    for (const uint64_t d : order) {
+        stride[d] = step;
+        step = step * digit[d] + lots.pick<uint64_t>({0, 0, 0, 1, 5});
+    }
+    return stride;
+}
+
+sizes random_size(lottery &lots) {
+    sizes s(1 + lots.number() % 6);
+    for (uint64_t &x : s)
+        x = lots.pick<uint64_t>({1, 2, 3, 4, 5, 7, 8, 12, 16, 17});
+    while (product(s) > 20000)
+        s.pop_back();
+    return s;
+}
+
+// Kinds 0, 2, 3 and 4, of a size; some with strides that have nothing to do with each other.
 template <class T>
-class random_layouts {
-  public:
-    explicit random_layouts(unsigned seed) : draw_(seed) {}
-
-    sizes size() {
-        sizes s(1 + draw_.number() % 6);
-        for (uint64_t &x : s)
-            x = draw_.pick<uint64_t>({1, 2, 3, 4, 5, 7, 8, 12, 16, 17});
-        while (product(s) > 20000)
-            s.pop_back();
-        return s;
+record random_layout(lottery &lots, const sizes &size) {
+    const bool is_blocked = lots.number() % 2;
+    const size_t n = size.size();
+    sizes block(n, 1), digit;
+    for (size_t i = 0; i < n; ++i) {
+        if (is_blocked)
+            block[i] = lots.pick<uint64_t>({1, 1, 2, 4, 5, 8, 16});
+        digit.insert(digit.end(), {(size[i] + block[i] - 1) / block[i], block[i]});
     }
-
-    // Kinds 0, 2, 3 and 4; null if elements would lie beyond the buffer.
-    record layout(const sizes &size) {
-        const bool is_blocked = draw_.number() % 2;
-        const size_t n = size.size();
-        sizes block(n, 1), digit;
-        for (size_t i = 0; i < n; ++i) {
-            if (is_blocked)
-                block[i] = draw_.pick<uint64_t>({1, 1, 2, 4, 5, 8, 16});
-            digit.push_back((size[i] + block[i] - 1) / block[i]);
-            digit.push_back(block[i]);
-        }
-        sizes order(2 * n), stride(2 * n);
-        std::iota(order.begin(), order.end(), 0);
-        if (draw_.number() % 4)
-            for (size_t i = order.size() - 1; i > 0; --i)
-                std::swap(order[i], order[draw_.number() % (i + 1)]);
-        uint64_t step = draw_.pick<uint64_t>({1, 1, 1, 2});
-        for (const uint64_t d : order) {
-            stride[d] = step;
-            step = step * digit[d] + draw_.pick<uint64_t>({0, 0, 0, 1, 5});
-        }
-        if (draw_.number() % 8 == 0)
-            stride[draw_.number() % (2 * n)] = draw_.number() % 7;
-        record l = plain_record<T>(size, sizes(n));
-        for (size_t i = 0; i < n; ++i)
-            l.stride[i] = stride[2 * i];
-        if (is_blocked) {
-            l = blocked<T>(size, block, stride, draw_.pick<uint64_t>({0, 0, 0, 3}));
-            l.kind = draw_.pick<uint32_t>({2, 3, 4, 4, 4});
-            std::copy(stride.begin(), stride.begin() + long(n), l.stride);
-        }
-        return l;
+    sizes stride = random_strides(lots, digit);
+    if (lots.number() % 8 == 0)
+        stride[lots.number() % (2 * n)] = lots.number() % 7;
+    record l = plain_record<T>(size, sizes(n));
+    if (is_blocked) {
+        l = blocked<T>(size, block, stride, lots.pick<uint64_t>({0, 0, 0, 3}));
+        l.kind = lots.pick<uint32_t>({2, 3, 4, 4, 4});
     }
+    for (size_t i = 0; i < n; ++i)
+        l.stride[i] = stride[is_blocked ? i : 2 * i];
+    return l;
+}
 
-    // An image of any strides.
-    record image(sizes &elements) {
-        const bool five = draw_.number() % 2;
-        sizes s(five ? 5 : 4), order(s.size()), stride(s.size());
-        for (uint64_t &x : s)
-            x = 1 + draw_.number() % 9;
-        const uint64_t bw = draw_.number() % 3, bh = draw_.number() % 3;
-        elements = {s[1], s[2], s[0], s[3]};
-        if (five)
-            elements.push_back(s[4]);
-        s[1] += 2 * bw;
-        s[2] += 2 * bh;
-        std::iota(order.begin(), order.end(), 0);
-        if (draw_.number() % 2)
-            for (size_t i = order.size() - 1; i > 0; --i)
-                std::swap(order[i], order[draw_.number() % (i + 1)]);
-        uint64_t step = 1;
-        for (const uint64_t d : order) {
-            stride[d] = step;
-            step = step * s[d] + draw_.pick<uint64_t>({0, 0, 0, 3});
-        }
-        record l = plain_record<T>(s, stride);
-        l.kind = vox::dnn::orb_data;
-        l.border1 = bw;
-        l.border2 = bh;
-        return l;
-    }
-
-    lottery &draw() { return draw_; }
-
-  private:
-    lottery draw_;
-};
+// An image of any strides, and the size of what it holds.
+template <class T>
+record random_image(lottery &lots, sizes &elements) {
+    sizes s(4 + lots.number() % 2);
+    for (uint64_t &x : s)
+        x = 1 + lots.number() % 9;
+    const uint64_t border1 = lots.number() % 3, border2 = lots.number() % 3;
+    s[1] += 2 * border1;
+    s[2] += 2 * border2;
+    record l = plain_record<T>(s, random_strides(lots, s));
+    l.kind = vox::dnn::orb_data;
+    l.border1 = border1;
+    l.border2 = border2;
+    elements = logical_sizes(l);
+    return l;
+}
 
 // Whether every element lies in the buffer that the library would allocate.
 template <class T>
@@ -234,32 +208,24 @@ bool lies_inside(const record &l) {
 
 TYPED_TEST(Conversion, BetweenRandomLayoutsIsExact) {
     using T = TypeParam;
-    random_layouts<T> random(7);
+    lottery lots(7);
     int converted = 0;
     for (int round = 0; round < 2000; ++round) {
-        sizes elements = random.size();
-        record from = random.layout(elements);
-        if (round % 4 == 0)
-            from = random.image(elements);
+        sizes elements = random_size(lots);
+        record from =
+            round % 4 == 0 ? random_image<T>(lots, elements) : random_layout<T>(lots, elements);
         // The same elements, the same in fewer dimensions, or others.
-        switch (round % 8) {
-        case 1:
+        if (round % 8 == 1) {
             elements = {product(elements)};
-            break;
-        case 2:
-            if (elements.size() > 1) {
-                elements[1] *= elements[0];
-                elements.erase(elements.begin());
-            }
-            break;
-        case 3:
-            elements.back() += random.draw().number() % 3;
-            break;
+        } else if (round % 8 == 2 && elements.size() > 1) {
+            elements[1] *= elements[0];
+            elements.erase(elements.begin());
+        } else if (round % 8 == 3) {
+            elements.back() += lots.number() % 3;
         }
-        record to = random.layout(elements);
-        if (round % 16 == 5)
-            to = random.image(elements);
-        if (random.draw().number() % 2)
+        record to =
+            round % 16 == 5 ? random_image<T>(lots, elements) : random_layout<T>(lots, elements);
+        if (lots.number() % 2)
             std::swap(from, to);
         const owned<T> f(from), t(to);
         dnnPrimitive_t c = nullptr;
@@ -289,16 +255,12 @@ TYPED_TEST(Conversion, OfLargeTensorsIsExact) {
                                  {223, 225, 3, 10 * few, 3, 3},
                                  {14, 14, 256, 27 * few, 0, 0}}) {
         counts.set(s.border1 == 0 ? 2 : 1);
-        record orb;
-        ASSERT_EQ(internal<T>::data(&orb, &s), DNN_STATUS_OK);
+        const record orb = internal_image<T>(s);
         const sizes size = {s.width, s.height, s.channels, s.images};
         const record nchw = permuted<T>(size, {0, 1, 2, 3}), nhwc = permuted<T>(size, {2, 0, 1, 3});
-        expect_exact<T>(nchw, orb);
-        expect_exact<T>(orb, nchw);
-        expect_exact<T>(nhwc, orb);
-        expect_exact<T>(orb, nhwc);
-        expect_exact<T>(nchw, nhwc);
-        expect_exact<T>(nhwc, nchw);
+        expect_exact_both_ways<T>(nchw, orb);
+        expect_exact_both_ways<T>(nhwc, orb);
+        expect_exact_both_ways<T>(nchw, nhwc);
     }
 }
 

@@ -248,24 +248,23 @@ TYPED_TEST(ReLU, AnswersBadArgumentsInOrder) {
         empty(changed([](record &l) { l.size[1] = 0; }));
     struct {
         dnnLayout_t layout;
-        int forward, as_diff;
-    } const cases[] = {{nullptr, -1, -1}, {good, 0, 0},      {flags, -127, -127},
-                       {image, 0, 0},     {border1, -1, -1}, {border2, -1, -1},
-                       {filter, -1, -1},  {blocked, -1, -1}, {other_precision, -1, -1},
-                       {none, -1, -1},    {many, -1, -1},    {overlapping, -1, -1},
-                       {beyond, -1, -1},  {empty, 0, 0}};
+        int status;
+    } const cases[] = {{nullptr, -1},         {good, 0},     {flags, -127}, {image, 0},
+                       {border1, -1},         {border2, -1}, {filter, -1},  {blocked, -1},
+                       {other_precision, -1}, {none, -1},    {many, -1},    {overlapping, -1},
+                       {beyond, -1},          {empty, 0}};
     const int before = allocations();
     for (const auto &c : cases) {
         SCOPED_TRACE(&c - cases);
-        dnnPrimitive_t out = &out;
-        EXPECT_EQ(call::ReLUCreateForward(&out, nullptr, c.layout, 1), c.forward);
-        EXPECT_EQ(out == &out, c.forward != 0);
-        if (c.forward == 0)
-            call::Delete(out);
-        out = &out;
-        EXPECT_EQ(call::ReLUCreateBackward(&out, nullptr, c.layout, c.layout, 1), c.forward);
-        if (c.forward == 0)
-            call::Delete(out);
+        for (const bool forward : {true, false}) {
+            dnnPrimitive_t out = &out;
+            EXPECT_EQ(forward ? call::ReLUCreateForward(&out, nullptr, c.layout, 1)
+                              : call::ReLUCreateBackward(&out, nullptr, c.layout, c.layout, 1),
+                      c.status);
+            EXPECT_EQ(out == &out, c.status != 0);
+            if (c.status == 0)
+                call::Delete(out);
+        }
         EXPECT_EQ(call::ReLUCreateForward(nullptr, nullptr, c.layout, 1), -1);
         // The gradients' layout comes before the place of the result.
         EXPECT_EQ(call::ReLUCreateBackward(nullptr, nullptr, c.layout, good, 1),
@@ -290,22 +289,21 @@ TYPED_TEST(ReLU, AnswersForItsOwnResources) {
     const owned<T> data(sizes{6}), diff({6}, {2});
     const operation<T> f(data, T(1)), b(diff, data, T(1));
     T x[12] = {}, y[12] = {};
-    for (int type = -1; type < DNN_RES_COUNT; ++type) {
+    // Null for what a primitive does not have.
+    const auto expect = [](const operation<T> &of, int type, const owned<T> *wanted) {
         dnnLayout_t out = &out;
-        const bool forward = type == DNN_RES_SRC || type == DNN_RES_DST;
-        EXPECT_EQ(api<T>::LayoutCreateFromPrimitive(&out, f.handle, type), forward ? 0 : -1);
-        if (forward) {
-            EXPECT_EQ(api<T>::LayoutCompare(out, data), 1);
+        EXPECT_EQ(api<T>::LayoutCreateFromPrimitive(&out, of.handle, type), wanted ? 0 : -1);
+        EXPECT_EQ(out == &out, !wanted);
+        if (wanted) {
+            EXPECT_EQ(api<T>::LayoutCompare(out, *wanted), 1);
             EXPECT_EQ(api<T>::LayoutDelete(out), 0);
         }
-        out = &out;
-        const bool gradient = type == DNN_RES_DIFF_SRC || type == DNN_RES_DIFF_DST;
-        EXPECT_EQ(api<T>::LayoutCreateFromPrimitive(&out, b.handle, type),
-                  gradient || type == DNN_RES_SRC ? 0 : -1);
-        if (out != &out) {
-            EXPECT_EQ(api<T>::LayoutCompare(out, gradient ? diff : data), 1);
-            EXPECT_EQ(api<T>::LayoutDelete(out), 0);
-        }
+    };
+    for (int type = -1; type < DNN_RES_COUNT; ++type) {
+        const bool source = type == DNN_RES_SRC,
+                   gradient = type == DNN_RES_DIFF_SRC || type == DNN_RES_DIFF_DST;
+        expect(f, type, source || type == DNN_RES_DST ? &data : nullptr);
+        expect(b, type, gradient ? &diff : source ? &data : nullptr);
     }
     dnnLayout_t out = &out;
     test::refused_request = test::every_request;

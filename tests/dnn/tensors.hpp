@@ -27,6 +27,19 @@ struct internal;
     };
 VOX_DNN_PRECISIONS(VOX_TEST_ORB)
 
+template <class T>
+record internal_image(const image_sizes &s) {
+    record l;
+    EXPECT_EQ(internal<T>::data(&l, &s), DNN_STATUS_OK);
+    return l;
+}
+template <class T>
+record internal_filter(const filter_sizes &s, bool forward) {
+    record l;
+    EXPECT_EQ((forward ? internal<T>::filter_fwd : internal<T>::filter_bwd)(&l, &s), DNN_STATUS_OK);
+    return l;
+}
+
 inline uint64_t product(const sizes &s) {
     return std::accumulate(s.begin(), s.end(), uint64_t(1), std::multiplies<>());
 }
@@ -119,5 +132,16 @@ struct deleted {
 };
 template <class T>
 using primitive_handle = std::unique_ptr<void, deleted<T>>;
+
+template <class T>
+primitive_handle<T> conversion(dnnLayout_t from, dnnLayout_t to) {
+    dnnPrimitive_t p = nullptr;
+    EXPECT_EQ(api<T>::ConversionCreate(&p, from, to), DNN_STATUS_OK);
+    return primitive_handle<T>(p);
+}
+template <class T>
+primitive_handle<T> conversion(const record &from, const record &to) {
+    return conversion<T>(owned<T>(from), owned<T>(to));
+}
 
 } // namespace test

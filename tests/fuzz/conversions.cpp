@@ -23,9 +23,9 @@ void check(const layout &from, const std::vector<T> &a, const layout &to, std::v
 
 template <class T>
 void convert(const handle &from, const handle &to) {
-    using call = calls<T>;
+    using call = api<T>;
     dnnPrimitive_t p = nullptr;
-    if (call::conversion(&p, from.get(), to.get()) != DNN_STATUS_OK) {
+    if (call::ConversionCreate(&p, from.get(), to.get()) != DNN_STATUS_OK) {
         require(!p);
         return;
     }
@@ -35,11 +35,11 @@ void convert(const handle &from, const handle &to) {
         for (size_t i = 0; i < a.size(); ++i)
             x.memory.get()[i] = a[i] = T(i + 1);
         std::copy(b.begin(), b.end(), y.memory.get());
-        require(call::convert(p, x.memory.get(), y.memory.get()) == DNN_STATUS_OK);
+        require(call::ConversionExecute(p, x.memory.get(), y.memory.get()) == DNN_STATUS_OK);
         check(*static_cast<const layout *>(from.get()), a, *static_cast<const layout *>(to.get()),
               b, y.memory.get());
     }
-    require(call::remove(p) == DNN_STATUS_OK);
+    require(call::Delete(p) == DNN_STATUS_OK);
 }
 
 template <class T>

@@ -7,44 +7,44 @@ using namespace fuzz;
 
 template <class T>
 void run_relu(dnnPrimitive_t p, void *x, void *dy, void *out) {
-    using call = calls<T>;
+    using call = api<T>;
     void *resources[DNN_RES_COUNT] = {x, out};
     resources[DNN_RES_DIFF_DST] = dy, resources[DNN_RES_DIFF_SRC] = out;
     if (x && dy && out)
-        require(call::execute(p, resources) == DNN_STATUS_OK);
+        require(call::Execute(p, resources) == DNN_STATUS_OK);
     dnnLayout_t copy = nullptr;
-    require(call::layout_of(&copy, p, DNN_RES_SRC) == DNN_STATUS_OK);
+    require(call::LayoutCreateFromPrimitive(&copy, p, DNN_RES_SRC) == DNN_STATUS_OK);
     vox_serv_free(copy);
-    require(call::remove(p) == DNN_STATUS_OK);
+    require(call::Delete(p) == DNN_STATUS_OK);
 }
 
 template <class T>
 void try_all(input &from) {
-    using call = calls<T>;
+    using call = api<T>;
     const handle a = read<T>(any_layout<T>(from)), b = read<T>(any_layout<T>(from));
     if (!a || !b)
         return;
-    require(call::compare(a.get(), a.get()) == 1);
-    require(call::compare(a.get(), b.get()) == call::compare(b.get(), a.get()));
+    require(call::LayoutCompare(a.get(), a.get()) == 1);
+    require(call::LayoutCompare(a.get(), b.get()) == call::LayoutCompare(b.get(), a.get()));
     unsigned char image[vox::dnn::serialized_bytes];
-    require(call::serialize(a.get(), image) == DNN_STATUS_OK);
+    require(call::LayoutSerialize(a.get(), image) == DNN_STATUS_OK);
     dnnLayout_t again = nullptr;
-    require(call::deserialize(&again, image) == DNN_STATUS_OK);
-    require(call::compare(a.get(), again) == 1);
+    require(call::LayoutDeserialize(&again, image) == DNN_STATUS_OK);
+    require(call::LayoutCompare(a.get(), again) == 1);
     vox_serv_free(again);
 
     const buffer<T> x(a.get()), y(a.get()), dy(b.get()), dx(b.get());
     if (x.memory) {
         void *memory = nullptr;
-        call::allocate(&memory, a.get());
+        call::AllocateBuffer(&memory, a.get());
         if (memory)
             std::memset(memory, 0, x.bytes);
-        call::release(memory);
+        call::ReleaseBuffer(memory);
     }
     dnnPrimitive_t p = nullptr;
-    if (call::relu_forward(&p, nullptr, a.get(), T(0.5)) == DNN_STATUS_OK)
+    if (call::ReLUCreateForward(&p, nullptr, a.get(), T(0.5)) == DNN_STATUS_OK)
         run_relu<T>(p, x.memory.get(), x.memory.get(), y.memory.get());
-    if (call::relu_backward(&p, nullptr, b.get(), a.get(), T(0.5)) == DNN_STATUS_OK)
+    if (call::ReLUCreateBackward(&p, nullptr, b.get(), a.get(), T(0.5)) == DNN_STATUS_OK)
         run_relu<T>(p, x.memory.get(), dy.memory.get(), dx.memory.get());
 }
 

@@ -7,8 +7,11 @@
 #include <memory>
 
 #include "dnn/layout.hpp"
+#include "tests/dnn/api.hpp"
 
 namespace fuzz {
+
+using test::api;
 
 // What was expected does not hold.
 inline void require(bool holds) {
@@ -69,28 +72,6 @@ vox::dnn::layout any_layout(input &from) {
     return l;
 }
 
-template <class T>
-struct calls;
-#define VOX_FUZZ_CALLS(P, T)                                                                       \
-    template <>                                                                                    \
-    struct calls<T> {                                                                              \
-        static constexpr auto deserialize = dnnLayoutDeserialize_##P;                              \
-        static constexpr auto serialize = dnnLayoutSerialize_##P;                                  \
-        static constexpr auto memory_size = dnnLayoutGetMemorySize_##P;                            \
-        static constexpr auto compare = dnnLayoutCompare_##P;                                      \
-        static constexpr auto allocate = dnnAllocateBuffer_##P;                                    \
-        static constexpr auto release = dnnReleaseBuffer_##P;                                      \
-        static constexpr auto execute = dnnExecute_##P;                                            \
-        static constexpr auto remove = dnnDelete_##P;                                              \
-        static constexpr auto layout_of = dnnLayoutCreateFromPrimitive_##P;                        \
-        static constexpr auto conversion = dnnConversionCreate_##P;                                \
-        static constexpr auto convert = dnnConversionExecute_##P;                                  \
-        static constexpr auto relu_forward = dnnReLUCreateForward_##P;                             \
-        static constexpr auto relu_backward = dnnReLUCreateBackward_##P;                           \
-    };
-VOX_FUZZ_CALLS(F32, float)
-VOX_FUZZ_CALLS(F64, double)
-
 // The layout as the library reads it; null if it has no such kind.
 struct freed {
     void operator()(void *p) const { vox_serv_free(p); }
@@ -99,11 +80,8 @@ using handle = std::unique_ptr<void, freed>;
 
 template <class T>
 handle read(const vox::dnn::layout &l) {
-    unsigned char image[vox::dnn::serialized_bytes];
-    std::memcpy(image, &vox::dnn::image_size, 4);
-    std::memcpy(image + 4, &l, sizeof l);
     dnnLayout_t out = nullptr;
-    const int status = calls<T>::deserialize(&out, image);
+    const int status = test::read<T>(l, &out);
     require((status == 0) == (l.kind <= 4) && (status == 0) == (out != nullptr));
     return handle(out);
 }
@@ -111,7 +89,7 @@ handle read(const vox::dnn::layout &l) {
 // A buffer of exactly its layout's bytes, so that a byte beyond is found. None for what takes too long.
 template <class T>
 struct buffer {
-    explicit buffer(dnnLayout_t of) : bytes(calls<T>::memory_size(of)) {
+    explicit buffer(dnnLayout_t of) : bytes(api<T>::LayoutGetMemorySize(of)) {
         if (bytes <= 1 << 18)
             memory.reset(static_cast<T *>(std::calloc(1, bytes)));
     }

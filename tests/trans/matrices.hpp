@@ -155,20 +155,29 @@ bool is_result(const T &got, const T &alpha, const T &x, bool conjugated) {
     return agrees(got, factor * element, 2 * gamma<R>(2) * size(factor) * size(element));
 }
 
-// The first fault of a copy's result, given the array before it; everything outside must be as it was.
+// The first fault of a result, right(row, column, element) or not, given the array before it; everything outside
+// must be as it was.
+template <class T, class Right>
+std::string fault(const layout &in, const std::vector<T> &before, const T *result,
+                  const Right &right) {
+    std::vector<T> rest(result, result + before.size());
+    for (int64_t i = 0; i < in.rows; ++i)
+        for (int64_t j = 0; j < in.cols; ++j) {
+            const auto at = size_t(in.at(i, j));
+            if (!right(i, j, result[at]))
+                return "element " + std::to_string(i) + ", " + std::to_string(j);
+            rest[at] = before[at];
+        }
+    return same_bits(rest.data(), before) ? "" : "outside of the matrix";
+}
 template <class T>
 std::string fault(const copy_call<T> &c, const std::vector<T> &a, const std::vector<T> &before,
                   const T *b) {
-    const layout of_a = c.of_a(), of_b = c.of_b();
-    std::vector<T> rest(b, b + before.size());
-    for (int64_t i = 0; i < c.rows; ++i)
-        for (int64_t j = 0; j < c.cols; ++j) {
-            const int64_t at = is_transposed(c.trans) ? of_b.at(j, i) : of_b.at(i, j);
-            if (!is_result(b[at], c.alpha, a[size_t(of_a.at(i, j))], is_conjugated(c.trans)))
-                return "element " + std::to_string(i) + ", " + std::to_string(j);
-            rest[size_t(at)] = before[size_t(at)];
-        }
-    return same_bits(rest.data(), before) ? "" : "outside of the matrix";
+    const layout of_a = c.of_a();
+    return fault(c.of_b(), before, b, [&](int64_t i, int64_t j, const T &got) {
+        const int64_t at = is_transposed(c.trans) ? of_a.at(j, i) : of_a.at(i, j);
+        return is_result(got, c.alpha, a[size_t(at)], is_conjugated(c.trans));
+    });
 }
 
 // A call on operands that end or begin at a protected page.

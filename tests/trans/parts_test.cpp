@@ -1,5 +1,6 @@
 // parts_test.cpp - which part of a matrix each thread takes.
 #include <gtest/gtest.h>
+#include <sstream>
 #include <vector>
 
 #include "trans/drivers/parts.hpp"
@@ -9,66 +10,41 @@ namespace {
 using vox::trans::part;
 using vox::trans::part_of;
 
+// Rows x columns + first row + first column, of each thread in turn.
 struct division {
     int threads;
     int64_t rows, cols;
-    std::vector<part> parts;
+    const char *parts;
 };
 
 TEST(Parts, AreThoseOfTheTable) {
     const division table[] = {
         // powers of two: halves of the longer side, of the rows where neither is longer
-        {2, 64, 64, {{0, 0, 32, 64}, {32, 0, 32, 64}}},
-        {2, 64, 128, {{0, 0, 64, 64}, {0, 64, 64, 64}}},
-        {4, 64, 64, {{0, 0, 32, 32}, {0, 32, 32, 32}, {32, 0, 32, 32}, {32, 32, 32, 32}}},
-        {4, 128, 32, {{0, 0, 32, 32}, {32, 0, 32, 32}, {64, 0, 32, 32}, {96, 0, 32, 32}}},
-        {4, 32, 256, {{0, 0, 32, 64}, {0, 64, 32, 64}, {0, 128, 32, 64}, {0, 192, 32, 64}}},
-        {8,
-         2,
-         4,
-         {{0, 0, 1, 1},
-          {0, 1, 1, 1},
-          {0, 2, 1, 1},
-          {0, 3, 1, 1},
-          {1, 0, 1, 1},
-          {1, 1, 1, 1},
-          {1, 2, 1, 1},
-          {1, 3, 1, 1}}},
+        {2, 64, 64, "32x64+0+0 32x64+32+0"},
+        {2, 64, 128, "64x64+0+0 64x64+0+64"},
+        {4, 64, 64, "32x32+0+0 32x32+0+32 32x32+32+0 32x32+32+32"},
+        {4, 128, 32, "32x32+0+0 32x32+32+0 32x32+64+0 32x32+96+0"},
+        {4, 32, 256, "32x64+0+0 32x64+0+64 32x64+0+128 32x64+0+192"},
+        {8, 2, 4, "1x1+0+0 1x1+0+1 1x1+0+2 1x1+0+3 1x1+1+0 1x1+1+1 1x1+1+2 1x1+1+3"},
         // otherwise the longer side, the last threads taking one more
-        {3, 64, 64, {{0, 0, 21, 64}, {21, 0, 21, 64}, {42, 0, 22, 64}}},
-        {4, 30, 18, {{0, 0, 7, 18}, {7, 0, 7, 18}, {14, 0, 8, 18}, {22, 0, 8, 18}}},
-        {2, 17, 100, {{0, 0, 17, 50}, {0, 50, 17, 50}}},
-        {2, 64, 65, {{0, 0, 64, 32}, {0, 32, 64, 33}}},
-        {4, 3, 2, {{0, 0, 0, 2}, {0, 0, 1, 2}, {1, 0, 1, 2}, {2, 0, 1, 2}}},
-        {16,
-         2,
-         4,
-         {{0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 0},
-          {0, 0, 2, 1},
-          {0, 1, 2, 1},
-          {0, 2, 2, 1},
-          {0, 3, 2, 1}}},
-        {1, 5, 7, {{0, 0, 5, 7}}},
+        {3, 64, 64, "21x64+0+0 21x64+21+0 22x64+42+0"},
+        {4, 30, 18, "7x18+0+0 7x18+7+0 8x18+14+0 8x18+22+0"},
+        {2, 17, 100, "17x50+0+0 17x50+0+50"},
+        {2, 64, 65, "64x32+0+0 64x33+0+32"},
+        {4, 3, 2, "0x2+0+0 1x2+0+0 1x2+1+0 1x2+2+0"},
+        {16, 2, 4,
+         "2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 2x0+0+0 "
+         "2x0+0+0 2x1+0+0 2x1+0+1 2x1+0+2 2x1+0+3"},
+        {1, 5, 7, "5x7+0+0"},
     };
-    for (const division &d : table)
+    for (const division &d : table) {
+        std::ostringstream parts;
         for (int t = 0; t < d.threads; ++t) {
-            const part got = part_of(t, d.threads, d.rows, d.cols), &wanted = d.parts[size_t(t)];
-            EXPECT_TRUE(got.row == wanted.row && got.col == wanted.col && got.rows == wanted.rows &&
-                        got.cols == wanted.cols)
-                << "thread " << t << " of " << d.threads << ", " << d.rows << " x " << d.cols
-                << ": " << got.row << ", " << got.col << ", " << got.rows << " x " << got.cols;
+            const part p = part_of(t, d.threads, d.rows, d.cols);
+            parts << (t ? " " : "") << p.rows << 'x' << p.cols << '+' << p.row << '+' << p.col;
         }
+        EXPECT_EQ(parts.str(), d.parts) << d.threads << " threads, " << d.rows << " x " << d.cols;
+    }
 }
 
 TEST(Parts, CoverEveryElementOnce) {

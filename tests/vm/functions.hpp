@@ -1,9 +1,8 @@
 // functions.hpp - the vector functions with what their tests know of them: one row each.
 //
 // A row is: how many arguments it has (one, two, or one and a fixed one) | the function in its three spellings |
-// exact where every result is the correctly rounded one in TQM_HA, else near | the function on the numbers of the
-// C library, exact functions in any type, the others in `long double` | the same by MPFR | its strata
-// (strata.hpp).
+// always where every result is the correctly rounded one, exact where it is in TQM_HA, else near | the function on
+// the numbers of the C library, in the type and in a wider one | the same by MPFR | its strata (strata.hpp).
 #pragma once
 
 #include <cmath>
@@ -14,31 +13,35 @@
 
 // clang-format off
 #define VM_FUNCTIONS(X)                                                            \
-    X(one, Abs, abs, ABS, exact, std::abs(a), mpfr_abs(r, a, MPFR_RNDN), anything) \
-    X(two, Add, add, ADD, exact, a + b, mpfr_add(r, a, b, MPFR_RNDN), sums<1>) \
-    X(one, Ceil, ceil, CEIL, exact, std::ceil(a), mpfr_ceil(r, a), anything) \
+    X(one, Abs, abs, ABS, always, std::abs(a), mpfr_abs(r, a, MPFR_RNDN), anything) \
+    X(two, Add, add, ADD, always, a + b, mpfr_add(r, a, b, MPFR_RNDN), sums<1>) \
+    X(one, Ceil, ceil, CEIL, always, std::ceil(a), mpfr_ceil(r, a), anything) \
     X(two, Div, div, DIV, exact, a / b, mpfr_div(r, a, b, MPFR_RNDN), products<-1>) \
     X(one, Exp, exp, EXP, near, std::exp(a), mpfr_exp(r, a, MPFR_RNDN), exponentials) \
-    X(one, Floor, floor, FLOOR, exact, std::floor(a), mpfr_floor(r, a), anything) \
+    X(one, Floor, floor, FLOOR, always, std::floor(a), mpfr_floor(r, a), anything) \
     X(one, Inv, inv, INV, exact, 1 / a, mpfr_ui_div(r, 1, a, MPFR_RNDN), powers<-1>) \
     X(one, InvSqrt, invsqrt, INVSQRT, near, 1 / std::sqrt(a), mpfr_rec_sqrt(r, a, MPFR_RNDN), roots) \
     X(one, Ln, ln, LN, near, std::log(a), mpfr_log(r, a, MPFR_RNDN), logarithms) \
     X(one, Log1p, log1p, LOG1P, near, std::log1p(a), mpfr_log1p(r, a, MPFR_RNDN), logarithms_of_1p) \
-    X(two, Mul, mul, MUL, exact, a * b, mpfr_mul(r, a, b, MPFR_RNDN), products<1>) \
+    X(two, Mul, mul, MUL, always, a * b, mpfr_mul(r, a, b, MPFR_RNDN), products<1>) \
     X(two, Pow, pow, POW, near, std::pow(a, b), mpfr_pow(r, a, b, MPFR_RNDN), general_powers) \
     X(fixed, Powx, powx, POWX, near, std::pow(a, b), mpfr_pow(r, a, b, MPFR_RNDN), fixed_powers) \
-    X(one, Round, round, ROUND, exact, std::round(a), mpfr_round(r, a), anything) \
-    X(one, Sqr, sqr, SQR, exact, a * a, mpfr_sqr(r, a, MPFR_RNDN), powers<2>) \
+    X(one, Round, round, ROUND, always, std::round(a), mpfr_round(r, a), anything) \
+    X(one, Sqr, sqr, SQR, always, a * a, mpfr_sqr(r, a, MPFR_RNDN), powers<2>) \
     X(one, Sqrt, sqrt, SQRT, exact, std::sqrt(a), mpfr_sqrt(r, a, MPFR_RNDN), roots) \
-    X(two, Sub, sub, SUB, exact, a - b, mpfr_sub(r, a, b, MPFR_RNDN), sums<-1>) \
+    X(two, Sub, sub, SUB, always, a - b, mpfr_sub(r, a, b, MPFR_RNDN), sums<-1>) \
     X(one, Tanh, tanh, TANH, near, std::tanh(a), mpfr_tanh(r, a, MPFR_RNDN), hyperbolic_tangents)
 // clang-format on
 
 namespace test {
 
-// How close HA is to the exact value.
-enum class rounding { exact, near };
+// How close results are to the exact value.
+enum class rounding { always, exact, near };
 enum class arguments { one, two, fixed };
+
+// What has 11 bits more, or 29.
+template <class T>
+using wider = std::conditional_t<sizeof(T) == 4, double, long double>;
 
 template <class T>
 struct vector_function {
@@ -51,8 +54,7 @@ struct vector_function {
     rounding ha;
     plain v, v_lower, v_upper;
     moded vm, vm_lower, vm_upper;
-    long double (*wide)(long double a, long double b);
-    double (*in_double)(double a, double b);
+    wider<T> (*wide)(wider<T> a, wider<T> b);
     T (*rounded)(T a, T b); // of exact functions
     int (*mpfr)(mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr b);
     void (*strata)(samples<T> &);
@@ -87,8 +89,7 @@ struct vector_function {
         VM_MODED_##shape(vm##p##Name, T),                                                          \
         VM_FORTRAN_MODED_##shape(vm##p##lower##_, T),                                              \
         VM_FORTRAN_MODED_##shape(VM##P##upper##_, T),                                              \
-        [](long double a, [[maybe_unused]] long double b) -> long double { return value; },        \
-        [](double a, [[maybe_unused]] double b) -> double { return value; },                       \
+        [](wider<T> a, [[maybe_unused]] wider<T> b) -> wider<T> { return value; },                 \
         [](T a, [[maybe_unused]] T b) -> T { return value; },                                      \
         [](mpfr_ptr r, mpfr_srcptr a, [[maybe_unused]] mpfr_srcptr b) { return by_mpfr; },         \
         strata},

@@ -1,5 +1,7 @@
-// kernel_sets.hpp - every kernel set that the processor can run, in one process.
+// kernel_sets.hpp - every kernel set that the processor can run, in one process; and threads with nothing set.
 #pragma once
+
+#include <thread>
 
 #include "serv/cpu.hpp"
 #include "serv/kernel_sets.hpp"
@@ -19,6 +21,12 @@ void in_every_kernel_set(const Body &body) {
                 body(index, accuracy);
         }
     vox::vm::known_index = before;
+}
+
+// A new thread has a mode, a status and a callback of its own.
+template <class Body>
+void in_new_thread(const Body &body) {
+    std::thread(body).join();
 }
 
 } // namespace test

@@ -74,6 +74,9 @@ TEST(KernelTable, IsChosenFromByTheEnvironment) {
                 .out,
             std::to_string(row.place) + "\n")
             << row.path << ' ' << row.mode;
+    const std::string own = run_child(filled_places).out;
+    for (const char *nonsense : {"10", "-1", "avx", "", "1x"})
+        EXPECT_EQ(run_child(filled_places, {{"VOX_TQM_CODE_PATH", nonsense}}).out, own) << nonsense;
     for (int index = 0; index < vox::vm::index_count; ++index)
         if (vox::kernel_index_runs(vox::this_cpu(), index)) {
             EXPECT_EQ(run_child(filled_places, {{"VOX_TQM_CODE_PATH", std::to_string(index)}}).out,
