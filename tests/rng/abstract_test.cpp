@@ -2,22 +2,17 @@
 // of its answers.
 #include "tests/rng/streams.hpp"
 
+#include <array>
 #include <cmath>
 #include <limits>
-#include <type_traits>
+#include <numeric>
 
 namespace {
 
 using namespace test;
 
 // A callback that counts 1, 2, 3, ... into the buffer, as many as `answer` says.
-struct asked {
-    int n, nmin, nmax, idx;
-    bool operator==(const asked &) const = default;
-    friend std::ostream &operator<<(std::ostream &out, const asked &a) {
-        return out << a.n << ' ' << a.nmin << ' ' << a.nmax << ' ' << a.idx;
-    }
-};
+using asked = std::array<vox_int, 4>; // n, nmin, nmax, idx
 std::vector<asked> questions;
 uint32_t last;
 enum answers { everything, least, nothing_said, one_only, too_many, refused } answer;
@@ -53,9 +48,8 @@ struct Abstract : ::testing::Test {
 };
 
 numbers counted(uint32_t from, int n) {
-    numbers v;
-    for (int i = 0; i < n; ++i)
-        v.push_back(from + uint32_t(i));
+    numbers v(static_cast<size_t>(n));
+    std::iota(v.begin(), v.end(), from);
     return v;
 }
 
@@ -106,10 +100,8 @@ TEST_F(Abstract, ARefusalEndsTheRequest) {
 }
 
 // The numbers 1, 2, ... of [0, 16) as u = 1/16, 2/16, ...
-template <class T>
-void check_floating(int id, int (*make)(rskStream *, vox_int, T *, T, T,
-                                        int (*)(rskStream, vox_int *, T *, vox_int *, vox_int *,
-                                                vox_int *))) {
+template <class T, class Make>
+void check_floating(int id, Make *make) {
     T buffer[4];
     generator s, copy;
     ASSERT_EQ(make(&s, 4, buffer, 0, 16, count_on<T>), 0);
@@ -128,12 +120,10 @@ TEST_F(Abstract, FloatingNumbersAreMappedFromTheirInterval) {
 }
 
 template <class T>
-std::vector<T> given; // what the next callbacks hand out
+T given; // what the next callbacks hand out
 template <class T>
-int hand_out(rskStream, vox_int *, T *buffer, vox_int *nmin, vox_int *, vox_int *idx) {
-    EXPECT_LE(size_t(*idx + *nmin), given<T>.size());
-    for (size_t i = 0; i < given<T>.size(); ++i)
-        buffer[i] = given<T>[i];
+int hand_out(rskStream, vox_int *n, T *buffer, vox_int *nmin, vox_int *, vox_int *) {
+    std::fill_n(buffer, *n, given<T>);
     return *nmin;
 }
 
@@ -149,7 +139,7 @@ TEST_F(Abstract, UniformsStayBelowOne) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.value);
-        given<double>.assign(3, c.value);
+        given<double> = c.value;
         double room[3];
         generator s;
         ASSERT_EQ(rskdNewAbstractStream(&s, 3, room, c.a, c.b, hand_out<double>), 0);
@@ -157,7 +147,7 @@ TEST_F(Abstract, UniformsStayBelowOne) {
         EXPECT_EQ(s.uniforms<float>(1)[0], std::fmin(float(c.u), f1));
         EXPECT_EQ(s.integers(1)[0], uint32_t(c.u * 0x1p32));
     }
-    given<uint32_t>.assign(2, 0xFFFFFFFF);
+    given<uint32_t> = 0xFFFFFFFF;
     generator s;
     ASSERT_EQ(rskiNewAbstractStream(&s, 2, buffer, hand_out<uint32_t>), 0);
     EXPECT_EQ(s.uniforms<double>(1)[0], 1 - 0x1p-32);
@@ -176,9 +166,10 @@ TEST_F(Abstract, BadArgumentsAreNotReported) {
         double a, b;
         bool with_callback;
     } cases[] = {
-        {true, 0, 0, 1, true},   {true, -3, 0, 1, true},  {false, 4, 0, 1, true},
-        {true, 4, 0, 1, false},  {true, 4, 1, 1, true},   {true, 4, 2, 1, true},
-        {true, 4, NAN, 1, true}, {true, 4, 0, NAN, true},
+        {true, 0, 0, 1, true},        {true, -3, 0, 1, true},  {false, 4, 0, 1, true},
+        {true, 4, 0, 1, false},       {true, 4, 1, 1, true},   {true, 4, 2, 1, true},
+        {true, 4, NAN, 1, true},      {true, 4, 0, NAN, true}, {true, 4, -INFINITY, 1, true},
+        {true, 4, 0, INFINITY, true},
     };
     for (const auto &c : cases) {
         uint32_t *const w = c.with_buffer ? buffer : nullptr;
@@ -189,7 +180,7 @@ TEST_F(Abstract, BadArgumentsAreNotReported) {
         const auto of_floats = c.with_callback ? count_on<float> : nullptr;
         const float a = float(c.a), b = float(c.b);
         const int bad = RSK_ERROR_BAD_ARGS;
-        if (c.a < c.b) {
+        if (c.a == 0 && c.b == 1) {
             EXPECT_EQ(rskiNewAbstractStream(&s, c.n, w, of_words), bad);
             EXPECT_EQ(rskinewabstractstream_(&s, &c.n, w, of_words), bad);
         }
@@ -198,10 +189,6 @@ TEST_F(Abstract, BadArgumentsAreNotReported) {
         EXPECT_EQ(rsksNewAbstractStream(&s, c.n, f, a, b, of_floats), bad);
         EXPECT_EQ(rsksnewabstractstream_(&s, &c.n, f, &a, &b, of_floats), bad);
     }
-    EXPECT_EQ(rskdNewAbstractStream(&s, 4, doubles, -INFINITY, 1, count_on<double>),
-              RSK_ERROR_BAD_ARGS);
-    EXPECT_EQ(rsksNewAbstractStream(&s, 4, floats, 0, INFINITY, count_on<float>),
-              RSK_ERROR_BAD_ARGS);
     EXPECT_EQ(s, untouched);
     EXPECT_EQ(rskiNewAbstractStream(nullptr, 4, buffer, count_on<uint32_t>), RSK_ERROR_NULL_PTR);
     EXPECT_EQ(reported.take(), "");
@@ -224,8 +211,7 @@ TEST_F(Abstract, NeitherSplitNorSaveNorTakeStates) {
 
 TEST_F(Abstract, WithoutABuffer) {
     generator s = counting(4);
-    memset(reinterpret_cast<char *>(&s.object()) + 32, 0,
-           sizeof(void *)); // behind the three counts
+    memset(&s.object() + 2, 0, sizeof(void *)); // behind the three counts
     uint32_t r[3];
     EXPECT_EQ(s.fill(r, 3), RSK_ERROR_NULL_PTR);
     EXPECT_TRUE(questions.empty());

@@ -26,11 +26,6 @@ struct distribution {
     int draw(int method, rskStream s, int n, void *r) const {
         return call(form::c, method, s, n, r, parameters.data());
     }
-    std::vector<char> bytes(int method, rskStream s, int n) const {
-        std::vector<char> all(size_t(n) * element);
-        EXPECT_EQ(draw(method, s, n, all.data()), 0) << name;
-        return all;
-    }
 };
 
 template <auto C, auto Lower, auto Upper>

@@ -1,8 +1,7 @@
-// nondeterm_test.cpp - NONDETERM: what can be said of numbers that nobody can repeat, and what happens when there are none.
+// nondeterm_test.cpp - NONDETERM: what can be said of numbers that nobody can repeat.
 #include <algorithm>
 #include <set>
 
-#include "rng/brng/instructions.hpp"
 #include "rng/brng/nondeterm.hpp"
 #include "tests/rng/generator.hpp"
 
@@ -53,16 +52,6 @@ TEST(Nondeterm, GivesExactlyAsManyNumbersAsAskedForAndNeverTheSame) {
         seen.insert(r.begin(), r.begin() + n);
     }
     EXPECT_GE(seen.size(), 775u); // of 780; five equal pairs: once in 10^22 runs
-}
-
-TEST(Nondeterm, NeedsTheInstruction) {
-    generator g(id);
-    vox::rng::allowed_features = ~vox::feature_mask(vox::feature::rdrand);
-    EXPECT_EQ(generator(id).status, RSK_ERROR_NO_INSTRUCTIONS);
-    uint32_t word = 77;
-    EXPECT_EQ(g.fill(&word, 1), RSK_ERROR_NO_INSTRUCTIONS);
-    EXPECT_EQ(word, 77u);
-    vox::rng::allowed_features = ~uint64_t(0);
 }
 
 } // namespace

@@ -81,9 +81,8 @@ TEST(Quasi, IsEquidistributedInEveryDimension) {
     for (const auto &[id, d] : {std::pair(sobol, 40u), std::pair(niederr, 318u)}) {
         const words w = generator(int(id), {d}).integers(vectors * int(d));
         for (uint32_t i = 0; i < d; ++i) {
-            const int t = id == sobol ? 0 : iNiederrIrredPolyDeg[i] - 1;
-            EXPECT_TRUE(id == sobol || uNiederrIrredPoly[i] >> t == 2 ||
-                        uNiederrIrredPoly[i] >> t == 3);
+            const int t = id == sobol ? 0 : vox::rng::gf2::degree(uNiederrIrredPoly[i]) - 1;
+            EXPECT_TRUE(id == sobol || iNiederrIrredPolyDeg[i] == t + 1);
             std::vector<int> count(1 << (m - t));
             count[0] = 1; // the origin
             for (uint32_t x : every(w, i, d))
@@ -228,8 +227,9 @@ TEST(QuasiOwnTables, AreRefusedWithoutMemory) {
         generator g(niederr, seeds);
         if (g.status == 0) {
             EXPECT_EQ(g.integers(10), expected);
-        } else if (g)
+        } else if (g) {
             expect_nothing(g);
+        }
         return g.status;
     });
 }

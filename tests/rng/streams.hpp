@@ -14,21 +14,16 @@ namespace test {
 class reports {
   public:
     reports() {
-        text().clear();
+        text.clear();
         previous_ = vox_serv_set_xerbla([](const char *name, const vox_int *position, int length) {
-            text() += std::string(name, size_t(length)) + ' ' + std::to_string(*position) + ';';
+            text += std::string(name, size_t(length)) + ' ' + std::to_string(*position) + ';';
         });
     }
     ~reports() { vox_serv_set_xerbla(previous_); }
-    reports(const reports &) = delete;
-    reports &operator=(const reports &) = delete;
-    std::string take() { return std::exchange(text(), {}); }
+    std::string take() { return std::exchange(text, {}); }
 
   private:
-    static std::string &text() {
-        static std::string reported;
-        return reported;
-    }
+    static inline std::string text;
     vox_xerbla_handler previous_;
 };
 

@@ -2,57 +2,51 @@
 #include "tests/rng/streams.hpp"
 
 #include <functional>
+#include <numeric>
 #include <thread>
 
 namespace {
 
 using namespace test;
 
-// A function's answers to a bad stream: the argument that is reported, in C and in Fortran.
-struct bad_stream_case {
-    const char *report;
-    std::function<int(rskStream)> c, fortran;
-};
-const std::vector<bad_stream_case> &stream_arguments() {
-    static rskStream out, good;
-    static const vox_int one = 1;
-    static const uint64_t many = 1;
-    static generator source(RSK_BRNG_MCG31M1);
-    good = source;
-    static const std::vector<bad_stream_case> all = {
-        {"rskDeleteStream 1;", [](rskStream s) { return rskDeleteStream(&s); },
-         [](rskStream s) { return rskdeletestream_(&s); }},
-        {"rskCopyStream 2;", [](rskStream s) { return rskCopyStream(&out, s); },
-         [](rskStream s) { return RSKCOPYSTREAM_(&out, &s); }},
-        {"rskCopyStreamState 1;", [](rskStream s) { return rskCopyStreamState(s, good); },
-         [](rskStream s) { return rskcopystreamstate_(&s, &good); }},
-        {"rskCopyStreamState 2;", [](rskStream s) { return rskCopyStreamState(good, s); },
-         [](rskStream s) { return RSKCOPYSTREAMSTATE_(&good, &s); }},
-        {"rskCopyStreamState 1;", [](rskStream s) { return rskCopyStreamState(s, s); },
-         [](rskStream s) { return rskcopystreamstate_(&s, &s); }},
-        {"rskLeapfrogStream 1;", [](rskStream s) { return rskLeapfrogStream(s, 0, -1); },
-         [](rskStream s) { return rskleapfrogstream_(&s, &one, &one); }},
-        {"rskSkipAheadStream 1;", [](rskStream s) { return rskSkipAheadStream(s, 1); },
-         [](rskStream s) { return rskskipaheadstream_(&s, &many); }},
-        {"rskGetStreamStateBrng 1;", [](rskStream s) { return rskGetStreamStateBrng(s); },
-         [](rskStream s) { return RSKGETSTREAMSTATEBRNG_(&s); }},
-        {"rskGetStreamSize 1;", [](rskStream s) { return rskGetStreamSize(s); },
-         [](rskStream s) { return rskgetstreamsize_(&s); }},
-        {"rskSaveStreamM 1;", [](rskStream s) { return rskSaveStreamM(s, nullptr); },
-         [](rskStream s) { return rsksavestreamm_(&s, nullptr); }},
-        {"rskSaveStream 1;", [](rskStream s) { return rskSaveStream(s, "/dev/null"); },
-         [](rskStream s) { return rsksavestream_(&s, "/dev/null", 9); }},
-    };
-    return all;
-}
-
 TEST(Streams, NullAndDeadStreamsAreReportedAndLeftAlone) {
     reports reported;
+    const generator good_one(RSK_BRNG_MCG31M1);
+    rskStream out, good = good_one;
+    const vox_int one = 1;
+    const uint64_t many = 1;
+    const struct {
+        const char *report;
+        std::function<int(rskStream)> c, fortran;
+    } cases[] = {
+        {"rskDeleteStream 1;", [&](rskStream s) { return rskDeleteStream(&s); },
+         [&](rskStream s) { return rskdeletestream_(&s); }},
+        {"rskCopyStream 2;", [&](rskStream s) { return rskCopyStream(&out, s); },
+         [&](rskStream s) { return RSKCOPYSTREAM_(&out, &s); }},
+        {"rskCopyStreamState 1;", [&](rskStream s) { return rskCopyStreamState(s, good); },
+         [&](rskStream s) { return rskcopystreamstate_(&s, &good); }},
+        {"rskCopyStreamState 2;", [&](rskStream s) { return rskCopyStreamState(good, s); },
+         [&](rskStream s) { return RSKCOPYSTREAMSTATE_(&good, &s); }},
+        {"rskCopyStreamState 1;", [&](rskStream s) { return rskCopyStreamState(s, s); },
+         [&](rskStream s) { return rskcopystreamstate_(&s, &s); }},
+        {"rskLeapfrogStream 1;", [&](rskStream s) { return rskLeapfrogStream(s, 0, -1); },
+         [&](rskStream s) { return rskleapfrogstream_(&s, &one, &one); }},
+        {"rskSkipAheadStream 1;", [&](rskStream s) { return rskSkipAheadStream(s, 1); },
+         [&](rskStream s) { return rskskipaheadstream_(&s, &many); }},
+        {"rskGetStreamStateBrng 1;", [&](rskStream s) { return rskGetStreamStateBrng(s); },
+         [&](rskStream s) { return RSKGETSTREAMSTATEBRNG_(&s); }},
+        {"rskGetStreamSize 1;", [&](rskStream s) { return rskGetStreamSize(s); },
+         [&](rskStream s) { return rskgetstreamsize_(&s); }},
+        {"rskSaveStreamM 1;", [&](rskStream s) { return rskSaveStreamM(s, nullptr); },
+         [&](rskStream s) { return rsksavestreamm_(&s, nullptr); }},
+        {"rskSaveStream 1;", [&](rskStream s) { return rskSaveStream(s, "/dev/null"); },
+         [&](rskStream s) { return rsksavestream_(&s, "/dev/null", 9); }},
+    };
     generator dead(RSK_BRNG_MCG31M1);
     for (uint8_t marker : {0, 2, 255}) {
         dead.object().marker = marker;
         const std::string before(reinterpret_cast<char *>(&dead.object()), 24);
-        for (const bad_stream_case &c : stream_arguments()) {
+        for (const auto &c : cases) {
             SCOPED_TRACE(c.report);
             for (const auto &call : {c.c, c.fortran}) {
                 EXPECT_EQ(call(nullptr), RSK_ERROR_NULL_PTR);
@@ -104,10 +98,10 @@ TEST(Streams, OfNoGenerator) {
 }
 
 TEST(Streams, KeepTheIdentifierThatTheyWereMadeWith) {
-    std::vector<int> ids = {RSK_BRNG_WH + 272, RSK_BRNG_MT2203 + 6023, RSK_BRNG_SOBOL,
-                            RSK_BRNG_PHILOX4X32X10};
-    for (int legacy = 0; legacy <= 278; ++legacy)
-        ids.push_back(legacy);
+    std::vector<int> ids(279); // of the older numbering, and some of the newer one
+    std::iota(ids.begin(), ids.end(), 0);
+    ids.insert(ids.end(),
+               {RSK_BRNG_WH + 272, RSK_BRNG_MT2203 + 6023, RSK_BRNG_SOBOL, RSK_BRNG_PHILOX4X32X10});
     for (int id : ids) {
         generator s;
         EXPECT_NE(rskNewStream(&s, id, 1), RSK_ERROR_INVALID_BRNG) << id;
@@ -127,7 +121,7 @@ TEST(Streams, NullPointersThatAreNotReported) {
     for (int n : {0, -1}) {
         generator by_default;
         EXPECT_EQ(rskNewStreamEx(&by_default, RSK_BRNG_MCG31M1, n, nullptr), 0);
-        EXPECT_EQ(by_default.integers(5), generator(RSK_BRNG_MCG31M1).integers(5));
+        EXPECT_EQ(by_default.integers(5), generator(RSK_BRNG_MCG31M1, {1}).integers(5));
     }
 }
 
