@@ -218,7 +218,8 @@ TEST(Save, StatesThatCannotBe) {
             EXPECT_EQ(g.call(vox::rng::validate), status);
         };
         for (const auto &[place, value] : row.bad)
-            expect(vox::rng::bad_state, [&](uint32_t *state) { state[place] = value; });
+            expect(vox::rng::bad_state,
+                   [place = place, value = value](uint32_t *state) { state[place] = value; });
         if (row.words) {
             const auto only = [&](uint32_t first, uint32_t last) {
                 return [=](uint32_t *state) {
