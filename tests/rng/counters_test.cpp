@@ -1,7 +1,6 @@
 // counters_test.cpp - PHILOX4X32X10 and ARS5: carries of the counter, skipping far.
-#include "rng/brng/ars5.hpp"
+#include "rng/brng/counter.hpp"
 #include "rng/brng/instructions.hpp"
-#include "rng/brng/philox4x32x10.hpp"
 #include "tests/rng/generator.hpp"
 
 namespace {

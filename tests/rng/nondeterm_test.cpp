@@ -7,17 +7,13 @@
 
 namespace {
 
-using test::generator;
-using vox::rng::draw_with_retries;
-using vox::rng::nondeterm_state;
+using namespace test;
 
 constexpr int id = RSK_BRNG_NONDETERM;
 
 TEST(Nondeterm, TakesTheRetryLimitFromTheSecondSeedWord) {
-    const auto retries = [](const std::vector<uint32_t> &seeds) {
-        generator g(id, seeds);
-        EXPECT_EQ(g.status, 0);
-        return g.object().state<nondeterm_state>().retries;
+    const auto retries = [](const numbers &seeds) {
+        return generator(id, seeds).object().state<vox::rng::nondeterm_state>().retries;
     };
     EXPECT_EQ(retries({}), 10u);
     EXPECT_EQ(retries({5}), 10u);
@@ -35,8 +31,7 @@ TEST(Nondeterm, TriesOnceAndAgainUpToTheLimit) {
                 *out = 42;
                 return ++tries > failures;
             };
-            const bool drawn = draw_with_retries(source, limit, &bits);
-            EXPECT_EQ(drawn, failures <= limit);
+            EXPECT_EQ(vox::rng::draw_with_retries(source, limit, &bits), failures <= limit);
             EXPECT_EQ(tries, std::min(failures, limit) + 1);
         }
 }

@@ -252,8 +252,9 @@ TEST(QuasiPolynomials, ArePrimitiveOrIrreducible) {
 TEST(QuasiPolynomials, OfNiederrAreTheFirstIrreducibleOnes) {
     uint32_t p = 1;
     for (int i = 0; i < 318; ++i) {
-        while (!vox::rng::gf2::is_irreducible(++p)) {
-        }
+        do
+            ++p;
+        while (!vox::rng::gf2::is_irreducible(p));
         EXPECT_EQ(uNiederrIrredPoly[i], p) << i;
         EXPECT_EQ(iNiederrIrredPolyDeg[i], vox::rng::gf2::degree(p)) << i;
     }
