@@ -16,23 +16,18 @@ void add(routine_calls &all, call_size size) {
             if (size == call_size::small && layout == LAPACK_ROW_MAJOR)
                 continue; // copies are its way
             const lapacke::arguments<T> filled = fill(r, layout);
-            routine_call call{letter_of<T> + r.name, {}, {}, 0, r.matrices.size(),
-                              r.name == "geqp3"};
-            for (const auto &m : filled.m) {
-                operand_bytes o = plain_operand(m.memory);
-                o.part = sizeof(real_of<T>);
-                call.operands.push_back(o);
-            }
-            call.operands.push_back(plain_operand(filled.pivots));
-            call.operands.push_back(plain_operand(filled.vector));
-            call.operands.back().part = sizeof(real_of<T>);
-            call.operands.push_back(plain_operand(std::vector<real_of<T>>(1)));
-            call.operands.back().part = sizeof(real_of<T>);
-            call.operands.push_back(plain_operand(std::vector<vox_int>(1)));
+            constexpr size_t part = sizeof(real_of<T>);
+            std::vector<operand_bytes> operands;
+            for (const auto &m : filled.m)
+                operands.push_back(plain_operand(m.memory, part));
+            operands.push_back(plain_operand(filled.pivots));
+            operands.push_back(plain_operand(filled.vector, part));
+            operands.push_back(plain_operand(std::vector<real_of<T>>(1), part));
+            operands.push_back(plain_operand(std::vector<vox_int>(1)));
             lapacke::arguments<T> bare = filled;
             for (auto &m : bare.m)
                 m.memory.clear(), m.values.clear();
-            call.make = [r, layout, bare](char *const *at) {
+            const auto make = [r, layout, bare](char *const *at) {
                 lapacke::arguments<T> now = bare;
                 const size_t matrices = now.m.size();
                 for (size_t i = 0; i < matrices; ++i)
@@ -44,15 +39,13 @@ void add(routine_calls &all, call_size size) {
                 std::memcpy(at[matrices + 1], now.vector.data(), now.vector.size() * sizeof(T));
                 *as<real_of<T>>(at[matrices + 2]) = now.number;
             };
-            all.push_back(call);
+            all.push_back(
+                {letter_of<T> + r.name, operands, make, 0, r.matrices.size(), r.name == "geqp3"});
         }
 }
 
 } // namespace
 
 void test::add_lapack_calls(routine_calls &all, call_size size) {
-    add<float>(all, size);
-    add<double>(all, size);
-    add<vox_complex_float>(all, size);
-    add<vox_complex_double>(all, size);
+    for_each_type([&](auto zero) { add<decltype(zero)>(all, size); });
 }

@@ -17,13 +17,12 @@ void add(routine_calls &all, call_size size) {
     std::iota(backwards.rbegin(), backwards.rend(), 0);
     const T a = vox::make<T>(R(0.75), R(-0.5));
     const auto row = [&](const char *name, auto body) {
-        routine_call call{letter_of<T> + std::string(name), {}, {}};
-        call.operands = {numbers_operand<T>(size_t(n), 1), numbers_operand<T>(size_t(n), 2),
-                         plain_operand(backwards), numbers_operand<T>(1, 3)};
-        call.make = [=](char *const *at) {
-            body(as<T>(at[0]), as<T>(at[1]), as<vox_int>(at[2]), as<T>(at[3]));
-        };
-        all.push_back(call);
+        all.push_back({letter_of<T> + std::string(name),
+                       {numbers_operand<T>(size_t(n), 1), numbers_operand<T>(size_t(n), 2),
+                        plain_operand(backwards), numbers_operand<T>(1, 3)},
+                       [=](char *const *at) {
+                           body(as<T>(at[0]), as<T>(at[1]), as<vox_int>(at[2]), as<T>(at[3]));
+                       }});
     };
     row("copy", [=](T *x, T *y, vox_int *, T *) { copy(c, n, x, 1, y, 1); });
     row("swap", [=](T *x, T *y, vox_int *, T *) { test::swap(c, n, x, 1, y, -1); });
@@ -57,8 +56,5 @@ void add(routine_calls &all, call_size size) {
 } // namespace
 
 void test::add_level1_calls(routine_calls &all, call_size size) {
-    add<float>(all, size);
-    add<double>(all, size);
-    add<vox_complex_float>(all, size);
-    add<vox_complex_double>(all, size);
+    for_each_type([&](auto zero) { add<decltype(zero)>(all, size); });
 }

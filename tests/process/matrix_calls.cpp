@@ -42,15 +42,15 @@ void add_routine(routine_calls &all, const routine<T> &r, vox_int n) {
         const bool level3 = r.has('M') || r.has('N');
         const size_t cells = size_t(std::max(a.lda, n)) * size_t(n);
         const size_t others = level3 ? size_t(n + 1) * size_t(n) : size_t(n) * size_t(inc);
-        routine_call call{r.name + (other ? "'" : ""), {}, {}};
-        call.operands = {numbers_operand<T>(cells, 1, 1.0 / n), numbers_operand<T>(others, 2),
-                         numbers_operand<T>(others, 3)};
-        call.make = [r, a](char *const *at) {
+        const auto make = [r, a](char *const *at) {
             arguments<T> now = a;
             now.a = as<T>(at[0]), now.x = as<T>(at[1]), now.y = as<T>(at[2]);
             r.fortran(now);
         };
-        all.push_back(call);
+        all.push_back({r.name + (other ? "'" : ""),
+                       {numbers_operand<T>(cells, 1, 1.0 / n), numbers_operand<T>(others, 2),
+                        numbers_operand<T>(others, 3)},
+                       make});
     }
 }
 
@@ -58,10 +58,7 @@ template <class T, class F>
 void add_batch(routine_calls &all, const char *name, F *batch, vox_int n) {
     constexpr vox_int products = 5, groups = 1;
     const size_t cells = size_t(n) * size_t(n);
-    routine_call call{name, {}, {}};
-    for (unsigned i = 0; i < 3; ++i)
-        call.operands.push_back(numbers_operand<T>(cells * products, i));
-    call.make = [=](char *const *at) {
+    const auto make = [=](char *const *at) {
         const T *a[products], *b[products];
         T *c[products];
         for (size_t p = 0; p < products; ++p) {
@@ -72,18 +69,16 @@ void add_batch(routine_calls &all, const char *name, F *batch, vox_int n) {
         const T one = vox::one<T>;
         batch("N", "T", &n, &n, &n, &one, a, &n, b, &n, &one, c, &n, &groups, &products);
     };
-    all.push_back(call);
+    all.push_back({name, numbers_operands<T>(3, cells * products), make});
 }
 
 template <class T, class Alloc, class Pack, class Compute, class Free>
 void add_packed(routine_calls &all, const char *name, vox_int n, Alloc *alloc, Pack *pack,
                 Compute *compute, Free *release) {
     const size_t cells = size_t(n) * size_t(n);
-    routine_call call{name, {}, {}, 1, 3};
-    for (unsigned i = 0; i < 3; ++i)
-        call.operands.push_back(numbers_operand<T>(cells, i));
-    call.operands.push_back(plain_operand(std::vector<vox_int>(1)));
-    call.make = [=](char *const *at) {
+    std::vector<operand_bytes> operands = numbers_operands<T>(3, cells);
+    operands.push_back(plain_operand(std::vector<vox_int>(1)));
+    const auto make = [=](char *const *at) {
         T *const packed = alloc("A", &n, &n, &n);
         if (!packed) {
             *as<vox_int>(at[3]) = -1;
@@ -94,7 +89,7 @@ void add_packed(routine_calls &all, const char *name, vox_int n, Alloc *alloc, P
         compute("P", "N", &n, &n, &n, packed, &n, as<T>(at[1]), &n, &one, as<T>(at[2]), &n);
         release(packed);
     };
-    all.push_back(call);
+    all.push_back({name, operands, make, 1, 3});
 }
 
 template <class A, class B, class F>
@@ -105,10 +100,7 @@ void add_integer(routine_calls &all, const char *name, F *gemm, vox_int n) {
     std::vector<B> b(cells);
     for (size_t i = 0; i < cells; ++i)
         a[i] = A(lots.number() % 100), b[i] = B(lots.number() % 100);
-    routine_call call{name, {}, {}};
-    call.operands = {plain_operand(a), plain_operand(b),
-                     plain_operand(std::vector<int32_t>(cells, 5))};
-    call.make = [=](char *const *at) {
+    const auto make = [=](char *const *at) {
         const float one = 1;
         const A ao = 1;
         const B bo = 2;
@@ -116,7 +108,10 @@ void add_integer(routine_calls &all, const char *name, F *gemm, vox_int n) {
         gemm("N", "T", "F", &n, &n, &n, &one, as<A>(at[0]), &n, &ao, as<B>(at[1]), &n, &bo, &one,
              as<int32_t>(at[2]), &n, &co);
     };
-    all.push_back(call);
+    all.push_back(
+        {name,
+         {plain_operand(a), plain_operand(b), plain_operand(std::vector<int32_t>(cells, 5))},
+         make});
 }
 
 template <class T>
@@ -132,10 +127,7 @@ void add(routine_calls &all, call_size size) {
 } // namespace
 
 void test::add_matrix_calls(routine_calls &all, call_size size) {
-    add<float>(all, size);
-    add<double>(all, size);
-    add<vox_complex_float>(all, size);
-    add<vox_complex_double>(all, size);
+    for_each_type([&](auto zero) { add<decltype(zero)>(all, size); });
     const vox_int n = size == call_size::small ? 5 : 131;
     add_batch<float>(all, "sgemm_batch", sgemm_batch_, n);
     add_batch<double>(all, "dgemm_batch", dgemm_batch_, n);

@@ -32,13 +32,18 @@ struct routine_call {
 using routine_calls = std::vector<routine_call>;
 
 void add_level1_calls(routine_calls &, call_size);
-void add_matrix_calls(routine_calls &,
-                      call_size); // levels 2 and 3, batches, packed factors, integers
+void add_matrix_calls(routine_calls &, call_size);
 void add_trans_calls(routine_calls &, call_size);
 void add_dnn_calls(routine_calls &, call_size);
 void add_lapack_calls(routine_calls &, call_size);
 void add_vm_calls(routine_calls &, call_size);
 
+template <class T>
+operand_bytes plain_operand(const std::vector<T> &values, size_t part = 0) {
+    operand_bytes o{byte_array(values.size() * sizeof(T)), part};
+    std::memcpy(o.initial.data(), values.data(), o.initial.size());
+    return o;
+}
 // Numbers of the size of `scale`.
 template <class T>
 operand_bytes numbers_operand(size_t count, unsigned seed, double scale = 1) {
@@ -46,15 +51,15 @@ operand_bytes numbers_operand(size_t count, unsigned seed, double scale = 1) {
     std::vector<R> parts = random_vector<R>(count * (sizeof(T) / sizeof(R)), seed);
     for (R &x : parts)
         x *= R(scale);
-    operand_bytes o{byte_array(count * sizeof(T)), sizeof(R)};
-    std::memcpy(o.initial.data(), parts.data(), o.initial.size());
-    return o;
+    return plain_operand(parts, sizeof(R));
 }
+// So many, each of so many numbers.
 template <class T>
-operand_bytes plain_operand(const std::vector<T> &values) {
-    operand_bytes o{byte_array(values.size() * sizeof(T)), 0};
-    std::memcpy(o.initial.data(), values.data(), o.initial.size());
-    return o;
+std::vector<operand_bytes> numbers_operands(unsigned operands, size_t count) {
+    std::vector<operand_bytes> all;
+    for (unsigned i = 0; i < operands; ++i)
+        all.push_back(numbers_operand<T>(count, i));
+    return all;
 }
 template <class T>
 T *as(char *operand) {
@@ -65,5 +70,11 @@ constexpr char letter_of = std::is_same_v<T, float>               ? 's'
                            : std::is_same_v<T, double>            ? 'd'
                            : std::is_same_v<T, vox_complex_float> ? 'c'
                                                                   : 'z';
+
+// What adds rows gets a number of each type.
+template <class Add>
+void for_each_type(const Add &add) {
+    add(float()), add(double()), add(vox_complex_float()), add(vox_complex_double());
+}
 
 } // namespace test

@@ -11,16 +11,13 @@ using namespace test;
 template <class T>
 void add(routine_calls &all, call_size size) {
     constexpr form c = form::c;
-    const int64_t rows = size == call_size::small ? 5 : 211,
-                  cols = size == call_size::small ? 7 : 307;
+    const bool small = size == call_size::small;
+    const int64_t rows = small ? 5 : 211, cols = small ? 7 : 307;
     const size_t cells = size_t(rows * cols);
     const T a = number<T>(0.75, -0.5);
     const auto row = [&](const char *name, auto body) {
-        routine_call call{letter_of<T> + std::string(name), {}, {}};
-        for (unsigned i = 0; i < 3; ++i)
-            call.operands.push_back(numbers_operand<T>(2 * cells, i));
-        call.make = [=](char *const *at) { body(as<T>(at[0]), as<T>(at[1]), as<T>(at[2])); };
-        all.push_back(call);
+        all.push_back({letter_of<T> + std::string(name), numbers_operands<T>(3, 2 * cells),
+                       [=](char *const *at) { body(as<T>(at[0]), as<T>(at[1]), as<T>(at[2])); }});
     };
     const copy_call<T> transposed{'R', 'T', rows, cols, a, cols, 1, rows, 1};
     const copy_call<T> plain{'R', 'N', rows, cols, a, cols, 1, cols + 2, 1};
@@ -40,8 +37,5 @@ void add(routine_calls &all, call_size size) {
 } // namespace
 
 void test::add_trans_calls(routine_calls &all, call_size size) {
-    add<float>(all, size);
-    add<double>(all, size);
-    add<vox_complex_float>(all, size);
-    add<vox_complex_double>(all, size);
+    for_each_type([&](auto zero) { add<decltype(zero)>(all, size); });
 }

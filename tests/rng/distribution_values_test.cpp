@@ -6,8 +6,9 @@
 
 namespace {
 
-using test::a_stream;
-using test::script;
+using namespace test;
+
+constexpr long double pi = 3.14159265358979323846264338327950288L;
 
 // Uniforms everywhere: even steps, both ends down to the last bit, borders of approximations.
 void fill_script() {
@@ -16,11 +17,11 @@ void fill_script() {
     for (int i = 0; i < 40000; ++i)
         u.push_back((i + 0.37) / 40000);
     for (int e = 1; e <= 59; ++e)
-        for (const double m : {1.0, 1.234567, 1.41421356, 1.7654321})
-            for (const double p : {m * std::ldexp(1, -e)}) {
-                u.push_back(p < 1 ? p : 0.5);
-                u.push_back(p < 1 && e <= 52 ? 1 - p : 0.5);
-            }
+        for (const double m : {1.0, 1.234567, 1.41421356, 1.7654321}) {
+            const double p = std::ldexp(m, -e); // below 1
+            u.push_back(p);
+            u.push_back(e <= 52 ? 1 - p : 0.5);
+        }
     for (const double border : {0.05, 0.95, 0.25, 0.75, 0.5, 1 - M_SQRT1_2, 0.125})
         for (const double step : {-1e-9, -0x1p-54, 0.0, 0x1p-53, 1e-9})
             u.push_back(border + step);
@@ -39,33 +40,28 @@ double ulps(double x, long double exact) {
 // How far a result may be off is what docs/rng.md promises.
 TEST(DistributionValues, ExponentialIsTheLogarithm) {
     fill_script();
-    const int n = int(script::uniforms.size());
-    std::vector<double> r(script::uniforms.size());
-    EXPECT_EQ(vdRngExponential(0, a_stream(script::id()), n, r.data(), 0, 1), 0);
+    const std::vector<double> &u = script::uniforms,
+                              r = scripted(vdRngExponential, 0, u.size(), 0, 1);
     double worst = 0;
     for (size_t i = 0; i < r.size(); ++i)
-        worst = std::max(worst, ulps(r[i], -std::log1p(-(long double)(script::uniforms[i]))));
+        worst = std::max(worst, ulps(r[i], -std::log1p(-(long double)(u[i]))));
     EXPECT_LT(worst, 3);
 }
 
 TEST(DistributionValues, BoxMullerIsItsFormula) {
     fill_script();
     std::vector<double> &u = script::uniforms;
-    for (size_t i = 0; i < u.size();
-         i += 2) // firsts and seconds that have nothing to do with each other
+    for (size_t i = 0; i < u.size(); i += 2) // pairs that have nothing to do with each other
         std::swap(u[i], u[(i * 7919) % u.size() & ~size_t(1)]);
-    const int n = int(u.size());
-    std::vector<double> pairs(u.size()), singles(u.size() / 2);
-    EXPECT_EQ(vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, a_stream(script::id()), n, pairs.data(), 0, 1),
-              0);
-    EXPECT_EQ(
-        vdRngGaussian(RSK_GAUSSIAN_BOXMULLER, a_stream(script::id()), n / 2, singles.data(), 0, 1),
-        0);
+    const std::vector<double> pairs =
+                                  scripted(vdRngGaussian, RSK_GAUSSIAN_BOXMULLER2, u.size(), 0, 1),
+                              singles = scripted(vdRngGaussian, RSK_GAUSSIAN_BOXMULLER,
+                                                 u.size() / 2, 0, 1);
     double worst = 0;
     for (size_t i = 0; i < u.size(); i += 2) {
         const long double radius = std::sqrt(-2 * std::log1p(-(long double)(u[i])));
         // reduced by hand, since the argument's error would be the result's near zeros
-        const long double turns = u[i + 1], pi = 3.14159265358979323846264338327950288L;
+        const long double turns = u[i + 1];
         const long double half = turns < 0.25L ? turns : turns < 0.75L ? 0.5L - turns : turns - 1;
         const long double quarter = turns < 0.5L ? 0.25L - turns : turns - 0.75L;
         worst = std::max(worst, ulps(pairs[i], radius * std::sin(2 * pi * half)));
@@ -79,16 +75,12 @@ TEST(DistributionValues, BoxMullerIsItsFormula) {
 TEST(DistributionValues, TheNormalInverse) {
     fill_script();
     const std::vector<double> &u = script::uniforms;
-    std::vector<double> z(u.size());
-    EXPECT_EQ(
-        vdRngGaussian(RSK_GAUSSIAN_INVERSE, a_stream(script::id()), int(u.size()), z.data(), 0, 1),
-        0);
+    const std::vector<double> z = scripted(vdRngGaussian, RSK_GAUSSIAN_INVERSE, u.size(), 0, 1);
     double worst = 0;
     for (size_t i = 0; i < u.size(); ++i) {
         const long double x = std::fabs((long double)(z[i]));
         const long double p = u[i] < 0.5 ? u[i] : 1 - (long double)(u[i]);
-        const long double density =
-            std::exp(-x * x / 2) / std::sqrt(2 * 3.14159265358979323846264338327950288L);
+        const long double density = std::exp(-x * x / 2) / std::sqrt(2 * pi);
         const long double error = (std::erfc(x / std::sqrt(2.0L)) / 2 - p) / density;
         worst = std::max(worst, ulps(double(x), x + error));
         if (z[i] != 0) {
@@ -100,52 +92,39 @@ TEST(DistributionValues, TheNormalInverse) {
 
 TEST(DistributionValues, AZeroIsHalfTheSmallestOf32Bits) {
     script::uniforms = {0, 0x1p-33, 0, 0x1p-33};
-    double z[2], e[1];
-    EXPECT_EQ(vdRngGaussian(RSK_GAUSSIAN_INVERSE, a_stream(script::id()), 2, z, 0, 1), 0);
+    const std::vector<double> z = scripted(vdRngGaussian, RSK_GAUSSIAN_INVERSE, 2, 0, 1);
     EXPECT_EQ(z[0], z[1]);
-    EXPECT_EQ(vdRngExponential(0, a_stream(script::id()), 1, e, 3, 2), 0);
-    EXPECT_EQ(e[0], 3);
+    EXPECT_EQ(scripted(vdRngExponential, 0, 1, 3, 2)[0], 3);
 }
 
 // Mean, scale and precision come after.
+template <class S, class D>
+void expect_applied(const S &single, const D &wide, int method, size_t uniforms_each) {
+    const size_t n = script::uniforms.size() / uniforms_each;
+    const std::vector<double> standard = scripted(wide, method, n, 0, 1),
+                              moved = scripted(wide, method, n, 0.3, 1.7),
+                              other = scripted(wide, method, n, 0.5, 1.75);
+    const std::vector<float> narrow = scripted(single, method, n, 0.5, 1.75);
+    for (size_t i = 0; i < n; ++i) {
+        ASSERT_EQ(moved[i], 0.3 + 1.7 * standard[i]) << method;
+        ASSERT_EQ(narrow[i], float(other[i])) << method;
+    }
+}
 TEST(DistributionValues, ParametersAreAppliedToTheStandardForm) {
     fill_script();
-    const int n = int(script::uniforms.size());
-    std::vector<double> standard(script::uniforms.size()), moved(standard), wide(standard);
-    std::vector<float> single(standard.size());
-    for (const test::distribution &d : test::distributions()) {
-        const std::string name = d.name;
-        if (name.find("Gaussian") == std::string::npos &&
-            name.find("Exponential") == std::string::npos)
-            continue;
-        for (int method = 0; method < d.methods; ++method) {
-            const int m = d.methods == 3 && method == RSK_GAUSSIAN_BOXMULLER ? n / 2 : n;
-            if (d.element == 8) {
-                const double zero_one[] = {0, 1}, other[] = {0.3, 1.7};
-                d.call(test::form::c, method, a_stream(script::id()), m, standard.data(), zero_one);
-                d.call(test::form::c, method, a_stream(script::id()), m, moved.data(), other);
-                for (size_t i = 0; i < size_t(m); ++i)
-                    ASSERT_EQ(moved[i], 0.3 + 1.7 * standard[i]) << name << method;
-            } else {
-                const double other[] = {0.5, 1.75};
-                d.call(test::form::c, method, a_stream(script::id()), m, single.data(), other);
-                (&d + 1)->call(test::form::c, method, a_stream(script::id()), m, wide.data(),
-                               other);
-                for (size_t i = 0; i < size_t(m); ++i)
-                    ASSERT_EQ(single[i], float(wide[i])) << name << method;
-            }
-        }
-    }
+    expect_applied(vsRngExponential, vdRngExponential, 0, 1);
+    for (int method = 0; method < 3; ++method)
+        expect_applied(vsRngGaussian, vdRngGaussian, method,
+                       method == RSK_GAUSSIAN_BOXMULLER ? 2 : 1);
 }
 
 TEST(DistributionValues, IntegersAreTheWholePart) {
     fill_script();
     const std::vector<double> &u = script::uniforms;
-    std::vector<vox_int> r(u.size());
     const vox_int least = INT32_MIN, most = INT32_MAX;
     const vox_int ranges[][2] = {{0, 1}, {-3, 4}, {5, 1005}, {least, most}, {least, 0}, {-1, most}};
     for (const auto &[a, b] : ranges) {
-        EXPECT_EQ(viRngUniform(0, a_stream(script::id()), int(u.size()), r.data(), a, b), 0);
+        const std::vector<vox_int> r = scripted(viRngUniform, 0, u.size(), a, b);
         for (size_t i = 0; i < u.size(); ++i)
             ASSERT_EQ(r[i], vox_int(a + std::floor((double(b) - a) * u[i]))) << a << ' ' << u[i];
     }
@@ -185,11 +164,10 @@ struct poisson {
 TEST(DistributionValues, PoissonIsTheInverse) {
     fill_script();
     const std::vector<double> &u = script::uniforms;
-    std::vector<vox_int> r(u.size());
     for (const double mean : {1e-300, 1e-3, 0.5, 1.0, 7.3, 42.0, 99.99, 100.0, 101.5, 317.0, 1e4,
                               1234567.8, 1e8, 2e9}) {
         const poisson exact(mean);
-        EXPECT_EQ(viRngPoisson(0, a_stream(script::id()), int(u.size()), r.data(), mean), 0);
+        const std::vector<vox_int> r = scripted(viRngPoisson, 0, u.size(), mean);
         for (size_t i = 0; i < u.size(); ++i) {
             const size_t k = size_t(r[i] - exact.first);
             ASSERT_LT(k, exact.p.size()) << mean << ' ' << u[i];

@@ -2,17 +2,15 @@
 // test chooses.
 #pragma once
 
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
+#include <type_traits>
 
-#include "rng/registry.hpp"
-#include "vox/rsk.h"
+#include "tests/rng/generator.hpp"
 
 namespace test {
+
+// Parameters of which one is wrong, and its place.
+using bad_parameters = std::vector<std::pair<std::vector<double>, int>>;
 
 enum class form { c, lower, upper };
 
@@ -21,18 +19,12 @@ struct distribution {
     const char *name;
     int methods;
     size_t element; // bytes
-    std::vector<double> parameters;
-    // What is wrong, and with which parameter.
-    std::vector<std::pair<std::vector<double>, int>> bad;
     int (*call)(form, int method, rskStream, int n, void *r, const double *parameters);
+    std::vector<double> parameters;
+    bad_parameters bad;
 
     int draw(int method, rskStream s, int n, void *r) const {
         return call(form::c, method, s, n, r, parameters.data());
-    }
-    std::vector<char> bytes(int method, rskStream s, int n) const {
-        std::vector<char> all(size_t(n) * element);
-        EXPECT_EQ(draw(method, s, n, all.data()), 0) << name;
-        return all;
     }
 };
 
@@ -57,101 +49,47 @@ struct forms_of<C, Lower, Upper> {
     }
 };
 
+template <class Forms>
+distribution row(const char *name, int methods, const std::vector<double> &parameters = {},
+                 const bad_parameters &bad = {}) {
+    return {name, methods, sizeof(typename Forms::result), Forms::call, parameters, bad};
+}
+
 inline const std::vector<distribution> &distributions() {
-#define FORMS(name, lower, UPPER) forms_of<name, lower##_, UPPER##_>
-    using bad = std::vector<std::pair<std::vector<double>, int>>;
-    static const bad no_width = {{{2, 2}, 6}, {{3, -3}, 6}}, no_scale = {{{1, 0}, 6}, {{1, -2}, 6}};
+#define ROW(name, lower, UPPER, ...) row<forms_of<name, lower##_, UPPER##_>>(#name, __VA_ARGS__)
+    static const bad_parameters no_width = {{{2, 2}, 6}, {{3, -3}, 6}},
+                                no_scale = {{{1, 0}, 6}, {{1, -2}, 6}};
     static const std::vector<distribution> all = {
-        {"vsRngUniform",
-         1,
-         4,
-         {-1, 3},
-         no_width,
-         FORMS(vsRngUniform, vsrnguniform, VSRNGUNIFORM)::call},
-        {"vdRngUniform",
-         1,
-         8,
-         {-1, 3},
-         no_width,
-         FORMS(vdRngUniform, vdrnguniform, VDRNGUNIFORM)::call},
-        {"viRngUniform",
-         1,
-         4,
-         {-10, 1000},
-         no_width,
-         FORMS(viRngUniform, virnguniform, VIRNGUNIFORM)::call},
-        {"viRngUniformBits",
-         1,
-         4,
-         {},
-         {},
-         FORMS(viRngUniformBits, virnguniformbits, VIRNGUNIFORMBITS)::call},
-        {"viRngUniformBits32",
-         1,
-         4,
-         {},
-         {},
-         FORMS(viRngUniformBits32, virnguniformbits32, VIRNGUNIFORMBITS32)::call},
-        {"viRngUniformBits64",
-         1,
-         8,
-         {},
-         {},
-         FORMS(viRngUniformBits64, virnguniformbits64, VIRNGUNIFORMBITS64)::call},
-        {"viRngBernoulli",
-         1,
-         4,
-         {0.3},
-         {{{-0.01}, 5}, {{1.01}, 5}},
-         FORMS(viRngBernoulli, virngbernoulli, VIRNGBERNOULLI)::call},
-        {"vsRngGaussian",
-         3,
-         4,
-         {1, 2},
-         no_scale,
-         FORMS(vsRngGaussian, vsrnggaussian, VSRNGGAUSSIAN)::call},
-        {"vdRngGaussian",
-         3,
-         8,
-         {1, 2},
-         no_scale,
-         FORMS(vdRngGaussian, vdrnggaussian, VDRNGGAUSSIAN)::call},
-        {"vsRngExponential",
-         1,
-         4,
-         {1, 2},
-         no_scale,
-         FORMS(vsRngExponential, vsrngexponential, VSRNGEXPONENTIAL)::call},
-        {"vdRngExponential",
-         1,
-         8,
-         {1, 2},
-         no_scale,
-         FORMS(vdRngExponential, vdrngexponential, VDRNGEXPONENTIAL)::call},
-        {"viRngPoisson",
-         1,
-         4,
-         {20},
-         {{{0}, 5}, {{-1}, 5}, {{2.1e9}, 5}},
-         FORMS(viRngPoisson, virngpoisson, VIRNGPOISSON)::call},
+        ROW(vsRngUniform, vsrnguniform, VSRNGUNIFORM, 1, {-1, 3}, no_width),
+        ROW(vdRngUniform, vdrnguniform, VDRNGUNIFORM, 1, {-1, 3}, no_width),
+        ROW(viRngUniform, virnguniform, VIRNGUNIFORM, 1, {-10, 1000}, no_width),
+        ROW(viRngUniformBits, virnguniformbits, VIRNGUNIFORMBITS, 1),
+        ROW(viRngUniformBits32, virnguniformbits32, VIRNGUNIFORMBITS32, 1),
+        ROW(viRngUniformBits64, virnguniformbits64, VIRNGUNIFORMBITS64, 1),
+        ROW(viRngBernoulli, virngbernoulli, VIRNGBERNOULLI, 1, {0.3}, {{{-0.01}, 5}, {{1.01}, 5}}),
+        ROW(vsRngGaussian, vsrnggaussian, VSRNGGAUSSIAN, 3, {1, 2}, no_scale),
+        ROW(vdRngGaussian, vdrnggaussian, VDRNGGAUSSIAN, 3, {1, 2}, no_scale),
+        ROW(vsRngExponential, vsrngexponential, VSRNGEXPONENTIAL, 1, {1, 2}, no_scale),
+        ROW(vdRngExponential, vdrngexponential, VDRNGEXPONENTIAL, 1, {1, 2}, no_scale),
+        ROW(viRngPoisson, virngpoisson, VIRNGPOISSON, 1, {20}, {{{0}, 5}, {{-1}, 5}, {{2.1e9}, 5}}),
     };
-#undef FORMS
+#undef ROW
     return all;
 }
 
 // A generator of words of 32 bits that come from a list, and uniforms from another; at the end of its list
-// a request fails and has written nothing. Seed word: how many numbers are behind it.
+// a request fails and has written nothing.
 struct script {
     static inline std::vector<double> uniforms;
-    static inline std::vector<uint32_t> words;
+    static inline numbers words;
     struct state {
         uint32_t next;
     };
 
-    static int init(int method, vox::rng::stream *s, int, const uint32_t *params) {
+    static int init(int method, vox::rng::stream *s, int, const uint32_t *) {
         if (method != vox::rng::seed)
             return vox::rng::unknown_method;
-        s->state<state>() = {params[0]};
+        s->state<state>() = {0};
         return 0;
     }
     template <class T, class List, class Value>
@@ -163,41 +101,35 @@ struct script {
             r[i] = value(list[next++]);
         return 0;
     }
-    static const vox::rng::brng_properties &properties() {
-        static const vox::rng::brng_properties row = {
-            24,
-            1,
-            1,
-            4,
-            32,
-            init,
-            [](vox::rng::stream *s, int n, float *r, float a, float b) {
-                return give(s, n, r, uniforms, [&](double u) { return a + (b - a) * float(u); });
-            },
-            [](vox::rng::stream *s, int n, double *r, double a, double b) {
-                return give(s, n, r, uniforms, [&](double u) { return a + (b - a) * u; });
-            },
-            [](vox::rng::stream *s, int n, uint32_t *r) {
-                return give(s, n, r, words, [](uint32_t w) { return w; });
-            }};
-        return row;
+    template <class T>
+    static int between(vox::rng::stream *s, int n, T *r, T a, T b) {
+        return give(s, n, r, uniforms, [&](double u) { return a + (b - a) * T(u); });
     }
-    static int id() {
-        static const int registered = vox::rng::rskRegisterBrng(&properties());
-        return registered;
+    static int integers(vox::rng::stream *s, int n, uint32_t *r) {
+        return give(s, n, r, words, [](uint32_t w) { return w; });
+    }
+    static constexpr vox::rng::brng_properties properties() {
+        return {24, 1, 1, 4, 32, init, between<float>, between<double>, integers};
+    }
+    static generator stream() {
+        static const vox::rng::brng_properties row = properties();
+        static const int id = vox::rng::rskRegisterBrng(&row);
+        return generator(id);
     }
 };
 
-class a_stream {
-  public:
-    explicit a_stream(int id, uint32_t seed = 0) { EXPECT_EQ(rskNewStream(&s_, id, seed), 0); }
-    ~a_stream() { rskDeleteStream(&s_); }
-    a_stream(const a_stream &) = delete;
-    a_stream &operator=(const a_stream &) = delete;
-    operator rskStream() const { return s_; }
-
-  private:
-    rskStream s_ = nullptr;
-};
+// n variates, of the numbers of a stream or those of the script.
+template <class R, class... P>
+std::vector<R> variates(int (*f)(vox_int, rskStream, vox_int, R *, P...), int method, rskStream s,
+                        size_t n, std::type_identity_t<P>... parameters) {
+    std::vector<R> r(n);
+    EXPECT_EQ(f(method, s, vox_int(n), r.data(), parameters...), 0);
+    return r;
+}
+template <class R, class... P>
+std::vector<R> scripted(int (*f)(vox_int, rskStream, vox_int, R *, P...), int method, size_t n,
+                        std::type_identity_t<P>... parameters) {
+    return variates(f, method, script::stream(), n, parameters...);
+}
 
 } // namespace test

@@ -1,45 +1,37 @@
 // distributions_test.cpp - calls of distributions: checks, forms, requests that are split, generators that
 // fail, the same bits everywhere.
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <limits>
+#include <string_view>
 
 #include "tests/rng/distributions.hpp"
+#include "tests/rng/streams.hpp"
 #include "tests/support/child.hpp"
-#include "vox/service.h"
+#include "tests/support/numbers.hpp"
 
 namespace {
 
-using test::a_stream;
-using test::distribution;
-using test::distributions;
-using test::form;
-using test::script;
-
-std::string reported;
-void record(const char *name, const vox_int *position, int length) {
-    reported += std::string(name, size_t(length)) + ' ' + std::to_string(*position);
-}
+using namespace test;
 
 // Numbers for every distribution: words and uniforms with no pattern.
 void fill_script(int n) {
     script::words.clear();
     script::uniforms.clear();
-    uint64_t x = 88172645463325252u;
+    random_bits bits(1);
     for (int i = 0; i < n; ++i) {
-        x ^= x << 13, x ^= x >> 7, x ^= x << 17;
-        script::words.push_back(uint32_t(x >> 32));
-        script::uniforms.push_back(double(x >> 11) * 0x1p-53);
+        script::words.push_back(uint32_t(bits()));
+        script::uniforms.push_back(double(bits() >> 11) * 0x1p-53);
     }
 }
 
 // Arguments of which some are wrong, and what is reported: the first in the order of the checks.
 TEST(Distributions, WrongArgumentsAreReportedInOrderAndNothingIsWritten) {
     fill_script(100);
-    const a_stream good(script::id());
-    std::vector<char> dead(128, 0);
-    const rskStream no_stream = reinterpret_cast<rskStream>(dead.data());
-    vox_set_xerbla(record);
+    const generator good = script::stream();
+    generator dead = script::stream();
+    dead.object().marker = 0;
+    reports reported;
     for (const distribution &d : distributions())
         for (const form f : {form::c, form::lower, form::upper}) {
             std::vector<char> r(10 * d.element, 'x');
@@ -56,7 +48,7 @@ TEST(Distributions, WrongArgumentsAreReportedInOrderAndNothingIsWritten) {
             } calls[] = {
                 {-1, nullptr, -1, nullptr, bad.data(), -3, 1},
                 {d.methods, nullptr, -1, nullptr, bad.data(), -5, 2},
-                {d.methods, no_stream, -1, nullptr, bad.data(), -1006, 2},
+                {d.methods, dead, -1, nullptr, bad.data(), -1006, 2},
                 {d.methods, good, -1, nullptr, bad.data(), -3, 3},
                 {d.methods, good, 0, nullptr, bad.data(), 0, 0},
                 {d.methods, good, 10, nullptr, bad.data(), -3, 4},
@@ -65,9 +57,9 @@ TEST(Distributions, WrongArgumentsAreReportedInOrderAndNothingIsWritten) {
             };
             const auto expect = [&](int status, int expected_status, int position) {
                 EXPECT_EQ(status, expected_status) << d.name << ' ' << position;
-                EXPECT_EQ(reported,
-                          position ? d.name + (' ' + std::to_string(position)) : std::string());
-                reported.clear();
+                const std::string report =
+                    std::string(d.name) + ' ' + std::to_string(position) + ';';
+                EXPECT_EQ(reported.take(), position ? report : "");
             };
             for (const auto &c : calls)
                 expect(d.call(f, c.method, c.s, c.n, c.r, c.parameters), c.status, c.position);
@@ -76,42 +68,27 @@ TEST(Distributions, WrongArgumentsAreReportedInOrderAndNothingIsWritten) {
             EXPECT_EQ(r, untouched) << d.name;
             if (d.name[1] == 'i' && d.parameters.size() == 2)
                 continue; // integers are always numbers
-            expect(d.call(f, 0, a_stream(script::id()), 10, r.data(), none.data()), 0, 0);
+            expect(d.call(f, 0, script::stream(), 10, r.data(), none.data()), 0, 0);
         }
-    vox_set_xerbla(nullptr);
+    dead.object().marker = vox::rng::live;
 }
 
-TEST(Distributions, AllFormsGiveTheSame) {
-    fill_script(100);
-    for (const distribution &d : distributions())
-        for (int method = 0; method < d.methods; ++method) {
-            std::vector<char> r[3];
-            for (const form f : {form::c, form::lower, form::upper}) {
-                std::vector<char> &mine = r[int(f)];
-                mine.resize(50 * d.element);
-                EXPECT_EQ(
-                    d.call(f, method, a_stream(script::id()), 50, mine.data(), d.parameters.data()),
-                    0);
-            }
-            EXPECT_EQ(r[0], r[1]) << d.name;
-            EXPECT_EQ(r[0], r[2]) << d.name;
-        }
-}
-
-// Sizes around vectors and blocks. Pairs are split at even places.
+// Sizes around vectors and blocks, asked for by all forms. Pairs are split at even places.
 TEST(Distributions, SplitRequestsGiveTheSameNumbers) {
     constexpr int n = 8000;
     fill_script(2 * n);
     for (const distribution &d : distributions())
         for (int method = 0; method < d.methods; ++method) {
             const bool pairs = d.methods == 3 && method == RSK_GAUSSIAN_BOXMULLER2;
-            const std::vector<char> whole = d.bytes(method, a_stream(script::id()), n);
-            const a_stream s(script::id());
-            std::vector<char> parts(whole.size());
+            std::vector<char> whole(n * d.element), parts(whole.size());
+            EXPECT_EQ(d.draw(method, script::stream(), n, whole.data()), 0);
+            const generator s = script::stream();
             const int sizes[] = {1, 3, 7, 8, 17, 64, 1000, 1025, 511, 2};
             for (int at = 0, i = 0; at < n; ++i) {
                 const int m = std::min(n - at, sizes[i % 10] * (pairs ? 2 : 1));
-                EXPECT_EQ(d.draw(method, s, m, parts.data() + size_t(at) * d.element), 0);
+                EXPECT_EQ(d.call(form(i % 3), method, s, m, parts.data() + size_t(at) * d.element,
+                                 d.parameters.data()),
+                          0);
                 at += m;
             }
             EXPECT_EQ(whole, parts) << d.name << ' ' << method;
@@ -120,13 +97,14 @@ TEST(Distributions, SplitRequestsGiveTheSameNumbers) {
 
 TEST(Distributions, AnOddRequestOfPairsLosesTheOther) {
     fill_script(10);
-    const a_stream s(script::id());
-    double odd[5], whole[10];
-    vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, a_stream(script::id()), 10, whole, 0, 1);
-    EXPECT_EQ(vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, s, 3, odd, 0, 1), 0);
-    EXPECT_EQ(vdRngGaussian(RSK_GAUSSIAN_BOXMULLER2, s, 2, odd + 3, 0, 1), 0);
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(odd[i], whole[i < 3 ? i : i + 1]) << i;
+    const generator s = script::stream();
+    const auto pairs = [](rskStream from, size_t n) {
+        return variates(vdRngGaussian, RSK_GAUSSIAN_BOXMULLER2, from, n, 0, 1);
+    };
+    const std::vector<double> whole = pairs(script::stream(), 10), odd = pairs(s, 3),
+                              next = pairs(s, 2);
+    EXPECT_TRUE(std::equal(odd.begin(), odd.end(), whole.begin()));
+    EXPECT_TRUE(std::equal(next.begin(), next.end(), whole.begin() + 4));
 }
 
 // The generator's error comes back, and the elements that it has not made are as they were.
@@ -135,30 +113,15 @@ TEST(Distributions, AFailingGeneratorEndsTheRequest) {
     for (const distribution &d : distributions())
         for (int method = 0; method < d.methods; ++method) {
             std::vector<char> r(8000 * d.element, 'x');
-            EXPECT_EQ(d.draw(method, a_stream(script::id()), 8000, r.data()), RSK_ERROR_CALLBACK)
+            EXPECT_EQ(d.draw(method, script::stream(), 8000, r.data()), RSK_ERROR_CALLBACK)
                 << d.name;
-            for (size_t i = 6000 * d.element; i < r.size(); ++i)
-                ASSERT_EQ(r[i], 'x') << d.name << ' ' << i;
+            const auto made = r.begin() + long(6000 * d.element);
+            EXPECT_EQ(std::count(made, r.end(), 'x'), r.end() - made) << d.name;
         }
 }
 
-TEST(UniformBits, WordsComeFromThoseThatAreUniform) {
-    fill_script(20);
-    uint32_t words[10];
-    uint64_t wide[10];
-    EXPECT_EQ(viRngUniformBits32(0, a_stream(script::id()), 10, words), 0);
-    EXPECT_EQ(viRngUniformBits64(0, a_stream(script::id()), 10, wide), 0);
-    for (int i = 0; i < 10; ++i) {
-        EXPECT_EQ(words[i], script::words[size_t(i)]);
-        EXPECT_EQ(wide[i], script::words[size_t(2 * i)] | uint64_t(script::words[size_t(2 * i + 1)])
-                                                              << 32);
-    }
-    const a_stream few(RSK_BRNG_MCG31M1, 5);
-    EXPECT_EQ(viRngUniformBits(0, few, 2, words), 0);
-    EXPECT_EQ(words[0], 5u);
-}
-
-TEST(UniformBits, GeneratorsWithoutThemSaySo) {
+// Words of 32 bits that are uniform, or the upper bits of larger ones; two of the former, the lower one first.
+TEST(UniformBits, ComeFromWordsThatHaveThem) {
     constexpr int none = RSK_ERROR_NO_UNIFORM_BITS;
     const struct {
         int id, status32, status64;
@@ -167,48 +130,31 @@ TEST(UniformBits, GeneratorsWithoutThemSaySo) {
                  {RSK_BRNG_WH, none, none},       {RSK_BRNG_MT19937, 0, 0},
                  {RSK_BRNG_MT2203, 0, 0},         {RSK_BRNG_SFMT19937, 0, 0},
                  {RSK_BRNG_PHILOX4X32X10, 0, 0},  {RSK_BRNG_SOBOL, 0, 0}};
+    constexpr int n = 1300; // more than a block
     for (const auto &c : cases) {
-        const a_stream s(c.id, 1);
-        uint32_t words[10];
-        uint64_t wide[10];
-        EXPECT_EQ(viRngUniformBits32(0, s, 10, words), c.status32) << std::hex << c.id;
-        EXPECT_EQ(viRngUniformBits64(0, s, 10, wide), c.status64) << std::hex << c.id;
+        SCOPED_TRACE(testing::Message() << std::hex << c.id);
+        const numbers all = generator(c.id).integers(n);
+        numbers same(all.size()), words(n);
+        std::vector<uint64_t> wide(n / 2);
+        EXPECT_EQ(viRngUniformBits(0, generator(c.id), n, same.data()), 0);
+        EXPECT_EQ(same, all);
+        EXPECT_EQ(viRngUniformBits32(0, generator(c.id), n, words.data()), c.status32);
+        EXPECT_EQ(viRngUniformBits64(0, generator(c.id), n / 2, wide.data()), c.status64);
+        for (size_t i = 0; i < n && c.status32 == 0; ++i)
+            ASSERT_EQ(words[i],
+                      c.id == RSK_BRNG_MCG59 ? all[2 * i] >> 27 | all[2 * i + 1] << 5 : all[i]);
+        for (size_t i = 0; i < n / 2 && c.status64 == 0; ++i)
+            ASSERT_EQ(wide[i], all[2 * i] | uint64_t(all[2 * i + 1]) << 32);
     }
-}
-
-TEST(UniformBits, TheUpperBitsOfWideWordsAreUniform) {
-    static const vox::rng::brng_properties wide = [] {
-        vox::rng::brng_properties row = script::properties();
-        row.word_size = 8;
-        row.bits = 59;
-        row.integers = [](vox::rng::stream *, int n, uint32_t *r) {
-            for (uint64_t i = 0; i < uint64_t(n); ++i) {
-                const uint64_t word = (0x12345678u + i) << 27 | 0x7FFFFFF;
-                memcpy(r + 2 * i, &word, 8);
-            }
-            return 0;
-        };
-        return row;
-    }();
-    const a_stream s(vox::rng::rskRegisterBrng(&wide));
-    uint32_t r[3];
-    EXPECT_EQ(viRngUniformBits32(0, s, 3, r), 0);
-    EXPECT_EQ(r[0], 0x12345678u);
-    EXPECT_EQ(r[2], 0x1234567Au);
-    uint64_t none[3];
-    EXPECT_EQ(viRngUniformBits64(0, s, 3, none), RSK_ERROR_NO_UNIFORM_BITS);
 }
 
 // Of every size that vectors and rests make.
 template <class T>
 void expect_clamped(int (*draw)(vox_int, rskStream, vox_int, T *, T, T)) {
     const T a = T(-0.9), b = T(0.2); // a + (b - a) is above b
-    for (int n = 1; n < 40; ++n) {
-        std::vector<T> plain(size_t(n), 0), clamped(size_t(n), 0);
-        EXPECT_EQ(draw(0, a_stream(script::id()), n, plain.data(), a, b), 0);
-        EXPECT_EQ(draw(RSK_UNIFORM_CLAMP_BIT, a_stream(script::id()), n, clamped.data(), a, b), 0);
-        EXPECT_GT(plain.back(), b);
-        EXPECT_EQ(clamped, std::vector<T>(size_t(n), b));
+    for (size_t n = 1; n < 40; ++n) {
+        EXPECT_GT(scripted(draw, 0, n, a, b).back(), b);
+        EXPECT_EQ(scripted(draw, RSK_UNIFORM_CLAMP_BIT, n, a, b), std::vector<T>(n, b));
     }
 }
 TEST(Uniform, TheClampBitKeepsResultsInside) {
@@ -223,27 +169,26 @@ TEST(Bernoulli, ComparesWithTheUniforms) {
     script::uniforms.clear();
     for (int i = 0; i < n; ++i)
         script::uniforms.push_back(i == 0 ? 0.3f : i == 1 ? 0 : i == 2 ? 1 - 0x1p-24 : i / 300.0);
-    float u[n];
-    vsRngUniform(0, a_stream(script::id()), n, u, 0, 1);
+    const std::vector<float> u = scripted(vsRngUniform, 0, n, 0, 1);
     std::vector<vox_int> r(n + 4);
-    const double nan = std::nan("");
-    for (const double p : {0.0, -0.0, 0.3, 0.5, 1 - 0x1p-24, 1 - 0x1p-26, 1.0, nan, -nan})
+    for (const double p :
+         {0.0, -0.0, 0.3, 0.5, 1 - 0x1p-24, 1 - 0x1p-26, 1.0, double(NAN), -double(NAN)})
         for (int offset = 0; offset < 4; ++offset) {
-            EXPECT_EQ(viRngBernoulli(0, a_stream(script::id()), n, r.data() + offset, p), 0);
+            EXPECT_EQ(viRngBernoulli(0, script::stream(), n, r.data() + offset, p), 0);
             for (int i = 0; i < n; ++i) {
-                const bool one =
-                    std::isnan(p) ? !std::signbit(p) : u[i] < float(p); // by the bits of a NaN
+                const bool one = std::isnan(p) ? !std::signbit(p)
+                                               : u[size_t(i)] < float(p); // by the bits of a NaN
                 ASSERT_EQ(r[size_t(i + offset)], one) << p << ' ' << i << ' ' << offset;
             }
         }
 #if !defined(__SANITIZE_ADDRESS__) // at an odd address, which no array of integers has
     std::vector<char> bytes(4 * n + 1);
     vox_int *const odd = reinterpret_cast<vox_int *>(bytes.data() + 1);
-    EXPECT_EQ(viRngBernoulli(0, a_stream(script::id()), n, odd, 0.5), 0);
+    EXPECT_EQ(viRngBernoulli(0, script::stream(), n, odd, 0.5), 0);
     for (int i = 0; i < n; ++i) {
         vox_int x;
         memcpy(&x, bytes.data() + 1 + 4 * i, 4);
-        EXPECT_EQ(x, u[i] < 0.5f);
+        EXPECT_EQ(x, u[size_t(i)] < 0.5f);
     }
 #endif
 }
@@ -254,16 +199,14 @@ CHILD(digest) {
         for (int method = 0; method < d.methods; ++method) {
             fill_script(6000);
             std::vector<char> r(3000 * d.element);
-            d.draw(method, a_stream(script::id()), 3000, r.data());
+            d.draw(method, script::stream(), 3000, r.data());
             std::vector<double> large(d.parameters);
             if (large.size() == 1 && large[0] > 1) { // the other way to Poisson's
                 large[0] = 12345.678;
-                d.call(form::c, method, a_stream(script::id()), 1500, r.data(), large.data());
+                d.call(form::c, method, script::stream(), 1500, r.data(), large.data());
             }
-            uint64_t hash = 0xCBF29CE484222325u;
-            for (const char c : r)
-                hash = (hash ^ uint8_t(c)) * 0x100000001B3u;
-            std::printf("%s %d %016llx\n", d.name, method, static_cast<unsigned long long>(hash));
+            std::printf("%s %d %zx\n", d.name, method,
+                        std::hash<std::string_view>()({r.data(), r.size()}));
         }
 }
 TEST(Distributions, AllKernelSetsGiveTheSameBits) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,69 +13,69 @@ namespace test {
 
 using numbers = std::vector<uint32_t>;
 
+inline vox::rng::brng_properties properties_of(int id) {
+    vox::rng::brng_properties row{};
+    EXPECT_EQ(vox::rng::rskGetBrngProperties(id, &row), 0) << std::hex << id;
+    return row;
+}
+
+// The identifier of a generator, or of the first member of a family.
+inline int id_of(const std::string &name) {
+#define IS_IT(row, NAME, ...)                                                                      \
+    if (name == #NAME)                                                                             \
+        return (row + 1) << 20;
+    VOX_BRNGS(IS_IT)
+#undef IS_IT
+    ADD_FAILURE() << name;
+    return -1;
+}
+
+// Deleted at the end. Without arguments, no stream yet.
 class generator {
+    rskStream stream_ = nullptr;
+
   public:
-    explicit generator(int id, const numbers &seed = {}) {
-        EXPECT_EQ(vox::rng::rskGetBrngProperties(id, &row), 0) << std::hex << id;
-        status = rskNewStreamEx(&handle, id, int(seed.size()), seed.data());
-    }
-    ~generator() {
-        if (handle)
-            rskDeleteStream(&handle);
-    }
+    int status = 0; // of the seeding
+
+    generator() = default;
+    explicit generator(int id, const numbers &seed = {})
+        : status(rskNewStreamEx(&stream_, id, int(seed.size()), seed.data())) {}
     generator(generator &&other)
-        : row(other.row), handle(std::exchange(other.handle, nullptr)), status(other.status) {}
+        : stream_(std::exchange(other.stream_, nullptr)), status(other.status) {}
+    ~generator() {
+        if (stream_)
+            rskDeleteStream(&stream_);
+    }
 
-    vox::rng::stream *object() const { return reinterpret_cast<vox::rng::stream *>(handle); }
-    int words() const { return row.word_size / 4; } // of one integer output
+    operator rskStream() const { return stream_; }
+    rskStream *operator&() { return &stream_; }
+    vox::rng::stream &object() const { return *reinterpret_cast<vox::rng::stream *>(stream_); }
+    vox::rng::brng_properties row() const { return properties_of(rskGetStreamStateBrng(stream_)); }
+    int words() const { return row().word_size / 4; } // of one integer output
 
-    int fill(uint32_t *r, int n) { return row.integers(object(), n, r); }
+    int fill(uint32_t *r, int n) { return row().integers(&object(), n, r); }
     int fill(float *r, int n, float a = 0, float b = 1) {
-        return row.singles(object(), n, r, a, b);
+        return row().singles(&object(), n, r, a, b);
     }
     int fill(double *r, int n, double a = 0, double b = 1) {
-        return row.doubles(object(), n, r, a, b);
+        return row().doubles(&object(), n, r, a, b);
     }
     numbers integers(int n) {
         numbers r(size_t(n * words()));
         EXPECT_EQ(fill(r.data(), n), 0);
         return r;
     }
-    std::vector<double> doubles(int n, double a = 0, double b = 1) {
-        std::vector<double> r(static_cast<size_t>(n));
+    template <class T>
+    std::vector<T> uniforms(int n, T a = 0, T b = 1) {
+        std::vector<T> r(static_cast<size_t>(n));
         EXPECT_EQ(fill(r.data(), n, a, b), 0);
         return r;
     }
-    std::vector<float> singles(int n, float a = 0, float b = 1) {
-        std::vector<float> r(static_cast<size_t>(n));
-        EXPECT_EQ(fill(r.data(), n, a, b), 0);
-        return r;
+    int call(int method, int n = 0, const numbers &params = {}) {
+        return row().init(method, &object(), n, params.data());
     }
-    int call(int method, int n, const numbers &params) {
-        return row.init(method, object(), n, params.data());
-    }
-    int skip(uint64_t n) { return rskSkipAheadStream(handle, n); }
-    int leapfrog(int k, int streams) { return rskLeapfrogStream(handle, k, streams); }
-
-    vox::rng::brng_properties row{};
-    rskStream handle = nullptr;
-    int status = 0; // of the seeding
+    int skip(uint64_t n) { return rskSkipAheadStream(stream_, n); }
+    int leapfrog(int k, int streams) { return rskLeapfrogStream(stream_, k, streams); }
 };
-
-// Words as the uniforms on [a, b) that are made of them.
-inline std::vector<double> as_doubles(const numbers &words, double a, double b) {
-    std::vector<double> u;
-    for (uint32_t w : words)
-        u.push_back(a + (b - a) * (w * 0x1p-32));
-    return u;
-}
-inline std::vector<float> as_floats(const numbers &words, float a, float b) {
-    std::vector<float> u;
-    for (uint32_t w : words) {
-        const float product = (b - a) * (float(w >> 8) * 0x1p-24f);
-        u.push_back(a + product);
-    }
-    return u;
-}
 
 } // namespace test

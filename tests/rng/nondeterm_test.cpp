@@ -1,27 +1,19 @@
-// NONDETERM: what can be said of numbers that nobody can repeat, and what happens when there are none.
+// nondeterm_test.cpp - NONDETERM: what can be said of numbers that nobody can repeat.
 #include <algorithm>
-#include <cmath>
 #include <set>
 
-#include <gtest/gtest.h>
-
-#include "rng/brng/instructions.hpp"
 #include "rng/brng/nondeterm.hpp"
 #include "tests/rng/generator.hpp"
 
 namespace {
 
-using test::generator;
-using vox::rng::draw_with_retries;
-using vox::rng::nondeterm_state;
+using namespace test;
 
 constexpr int id = RSK_BRNG_NONDETERM;
 
 TEST(Nondeterm, TakesTheRetryLimitFromTheSecondSeedWord) {
-    const auto retries = [](const std::vector<uint32_t> &seeds) {
-        generator g(id, seeds);
-        EXPECT_EQ(g.status, 0);
-        return g.object()->state<nondeterm_state>().retries;
+    const auto retries = [](const numbers &seeds) {
+        return generator(id, seeds).object().state<vox::rng::nondeterm_state>().retries;
     };
     EXPECT_EQ(retries({}), 10u);
     EXPECT_EQ(retries({5}), 10u);
@@ -39,14 +31,13 @@ TEST(Nondeterm, TriesOnceAndAgainUpToTheLimit) {
                 *out = 42;
                 return ++tries > failures;
             };
-            const bool drawn = draw_with_retries(source, limit, &bits);
-            EXPECT_EQ(drawn, failures <= limit);
+            EXPECT_EQ(vox::rng::draw_with_retries(source, limit, &bits), failures <= limit);
             EXPECT_EQ(tries, std::min(failures, limit) + 1);
         }
 }
 
 TEST(Nondeterm, GivesExactlyAsManyNumbersAsAskedForAndNeverTheSame) {
-    generator g(id, {});
+    generator g(id);
     std::set<uint32_t> seen;
     for (int n = 0; n < 40; ++n) {
         std::vector<uint32_t> r(41, 0);
@@ -56,40 +47,6 @@ TEST(Nondeterm, GivesExactlyAsManyNumbersAsAskedForAndNeverTheSame) {
         seen.insert(r.begin(), r.begin() + n);
     }
     EXPECT_GE(seen.size(), 775u); // of 780; five equal pairs: once in 10^22 runs
-}
-
-TEST(Nondeterm, FillsIntervals) {
-    generator g(id, {});
-    double sum = 0, sum_of_floats = 0;
-    for (double x : g.doubles(4000, -2, 6)) {
-        EXPECT_TRUE(x >= -2 && x < 6);
-        sum += x / 4000;
-    }
-    for (float x : g.singles(4000, -2, 6)) {
-        EXPECT_TRUE(x >= -2 && x < 6);
-        sum_of_floats += x / 4000;
-    }
-    // Seven standard errors: once in 10^11 runs.
-    const double error = 7 * 8 / std::sqrt(12.0 * 4000);
-    EXPECT_NEAR(sum, 2, error);
-    EXPECT_NEAR(sum_of_floats, 2, error);
-}
-
-TEST(Nondeterm, CannotLeapOrSkip) {
-    generator g(id, {});
-    EXPECT_EQ(rskLeapfrogStream(g.handle, 0, 2), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(rskSkipAheadStream(g.handle, 2), RSK_ERROR_NO_SKIPAHEAD);
-    EXPECT_EQ(g.call(5, 0, {}), RSK_ERROR_UNKNOWN_METHOD);
-}
-
-TEST(Nondeterm, NeedsTheInstruction) {
-    generator g(id, {});
-    vox::rng::allowed_features = ~vox::feature_mask(vox::feature::rdrand);
-    EXPECT_EQ(generator(id, {}).status, RSK_ERROR_NO_INSTRUCTIONS);
-    uint32_t word = 77;
-    EXPECT_EQ(g.fill(&word, 1), RSK_ERROR_NO_INSTRUCTIONS);
-    EXPECT_EQ(word, 77u);
-    vox::rng::allowed_features = ~uint64_t(0);
 }
 
 } // namespace

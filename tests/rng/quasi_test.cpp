@@ -1,19 +1,16 @@
-// SOBOL and NIEDERR: against GSL, users' own dimensions, coordinates, skipping ahead, the end.
+// quasi_test.cpp - SOBOL and NIEDERR: against GSL, users' own dimensions, coordinates, skipping ahead, the end.
 #include <algorithm>
-
-#include <gsl/gsl_qrng.h>
-#include <gtest/gtest.h>
 
 #include "rng/brng/polynomials.hpp"
 #include "rng/brng/quasi.hpp"
-#include "tests/rng/csv.hpp"
-#include "tests/rng/generator.hpp"
+#include "tests/rng/streams.hpp"
+#include <gsl/gsl_qrng.h>
 
 namespace {
 
-using test::generator;
+using namespace test;
 using vox::rng::quasi_state;
-using words = std::vector<uint32_t>;
+using words = numbers;
 
 constexpr uint32_t sobol = RSK_BRNG_SOBOL, niederr = RSK_BRNG_NIEDERR;
 constexpr uint32_t polynomials = RSK_QUASI_POLYNOMIALS, direction_numbers = RSK_QUASI_DIRECTIONS;
@@ -29,59 +26,51 @@ words every(const words &w, size_t first, size_t stride) {
     return picked;
 }
 
-// The vectors of GSL from number 1 on, in units of 2^-30.
-words gsl_vectors(const gsl_qrng_type *type, uint32_t dimension, int vectors) {
-    gsl_qrng *q = gsl_qrng_alloc(type, dimension);
+// Of its vectors from number 1 on the upper 30 bits are those of GSL's.
+void expect_gsl(uint32_t id, const gsl_qrng_type *type, uint32_t dimension) {
+    constexpr int vectors = 5000;
+    words got = generator(int(id), {dimension}).integers(vectors * int(dimension)), expected;
+    for (uint32_t &x : got)
+        x >>= 2;
+    gsl_qrng *const q = gsl_qrng_alloc(type, dimension);
     std::vector<double> point(dimension);
-    if (type == gsl_qrng_niederreiter_2)
+    if (id == niederr)
         gsl_qrng_get(q, point.data()); // begins with the origin
-    words all;
     for (int i = 0; i < vectors; ++i) {
         gsl_qrng_get(q, point.data());
         for (double x : point)
-            all.push_back(uint32_t(x * 0x1p30));
+            expected.push_back(uint32_t(x * 0x1p30));
     }
     gsl_qrng_free(q);
-    return all;
-}
-
-words upper_30_bits(words w) {
-    for (uint32_t &x : w)
-        x >>= 2;
-    return w;
+    EXPECT_EQ(got, expected) << dimension;
 }
 
 TEST(Quasi, EqualsGsl) {
     for (uint32_t d : {1, 2, 3, 7, 10, 12, 13, 16, 31, 32, 40}) {
-        const int vectors = 5000, n = vectors * int(d);
-        EXPECT_EQ(upper_30_bits(generator(sobol, {d}).integers(n)),
-                  gsl_vectors(gsl_qrng_sobol, d, vectors))
-            << d;
-        if (d <= 12) {
-            EXPECT_EQ(upper_30_bits(generator(niederr, {d}).integers(n)),
-                      gsl_vectors(gsl_qrng_niederreiter_2, d, vectors))
-                << d;
-        }
+        expect_gsl(sobol, gsl_qrng_sobol, d);
+        if (d <= 12)
+            expect_gsl(niederr, gsl_qrng_niederreiter_2, d);
     }
 }
 
-TEST(Quasi, GivesTheSameSequenceHoweverItIsAskedFor) {
-    for (uint32_t d : {1, 3, 10, 40, 64, 100, 318}) {
+// Rows of one vector or many, with a rest or without.
+TEST(Quasi, MayBeSplitAnywhereInAnyDimension) {
+    for (uint32_t d : {1, 3, 40, 64, 100}) {
         const words all = generator(niederr, {d}).integers(9000);
         generator g(niederr, {d});
         words got;
         for (int n : {1, 3, 7, 1, 1, 64, 1000, 2, 333, 80, 4000})
             append(got, g.integers(n));
-        EXPECT_EQ(got, words(all.begin(), all.begin() + long(got.size()))) << d;
-    }
-}
-
-TEST(Quasi, MakesUniformsOfTheSameWords) {
-    for (uint32_t d : {1, 10, 33}) {
-        const words w = generator(sobol, {d}).integers(2000);
-        EXPECT_EQ(generator(sobol, {d}).doubles(2000), test::as_doubles(w, 0, 1));
-        EXPECT_EQ(generator(sobol, {d}).doubles(2000, -3, 1e5), test::as_doubles(w, -3, 1e5));
-        EXPECT_EQ(generator(sobol, {d}).singles(2000, 2, 7), test::as_floats(w, 2, 7));
+        EXPECT_TRUE(std::equal(got.begin(), got.end(), all.begin())) << d;
+        for (int drawn : {0, 1, 25})
+            for (int skipped : {0, 1, 2, 9, 10, 640, 7654}) {
+                generator skipping(niederr, {d});
+                skipping.integers(drawn);
+                ASSERT_EQ(skipping.skip(uint64_t(skipped)), 0);
+                got = skipping.integers(700);
+                EXPECT_TRUE(std::equal(got.begin(), got.end(), all.begin() + drawn + skipped))
+                    << d << ' ' << skipped;
+            }
     }
 }
 
@@ -100,25 +89,6 @@ TEST(Quasi, IsEquidistributedInEveryDimension) {
             EXPECT_EQ(count, std::vector<int>(count.size(), 1 << t)) << i;
         }
     }
-}
-
-TEST(Quasi, ExportsItsTables) {
-    int i = 0;
-    for (const test::csv_row &row : test::read_csv("../../../rng/tables/sobol.csv")) {
-        EXPECT_EQ(iSobolIrredPolyDeg[i], int(row.number("degree")));
-        EXPECT_EQ(uSobolIrredPoly[i], row.number("poly"));
-        for (int k = 0; k < 8; ++k)
-            EXPECT_EQ(uSobolMInit[8 * i + k], row.number("m" + std::to_string(k + 1)));
-        ++i;
-    }
-    EXPECT_EQ(i, 39);
-    i = 0;
-    for (const test::csv_row &row : test::read_csv("../../../rng/tables/niederreiter.csv")) {
-        EXPECT_EQ(iNiederrIrredPolyDeg[i], int(row.number("degree")));
-        EXPECT_EQ(uNiederrIrredPoly[i], row.number("poly"));
-        ++i;
-    }
-    EXPECT_EQ(i, 318);
 }
 
 TEST(Quasi, TakesDimensionOneForWhatItsTablesLack) {
@@ -193,14 +163,23 @@ TEST(QuasiOwnTables, ReachBeyondTheStandardDimensions) {
     EXPECT_EQ(every(w, 2895, 2896), every(w, 0, 2896));
 }
 
+// The caller has the stream, but nothing can be drawn from it.
+void expect_nothing(generator &g) {
+    words r(10, 77);
+    EXPECT_EQ(g.fill(r.data(), 10), vox::rng::bad_state);
+    EXPECT_EQ(r, words(10, 77));
+    EXPECT_EQ(g.skip(1), RSK_ERROR_NO_SKIPAHEAD);
+    EXPECT_EQ(g.leapfrog(0, any_stream), RSK_ERROR_NO_LEAPFROG);
+}
+
 TEST(QuasiOwnTables, AreRefusedWhereTheyAreWrong) {
     const words good = own_sobol(8, 2);
     const auto changed = [](words seeds, size_t i, uint32_t word) {
         seeds[i] = word;
         return seeds;
     };
-    words shorter = good, longer = good;
-    shorter.pop_back();
+    const words shorter(good.begin(), good.end() - 1);
+    words longer = good;
     longer.push_back(1);
     words dependent = {1, direction_numbers, 1};
     for (uint32_t i = 0; i < 31; ++i)
@@ -233,14 +212,25 @@ TEST(QuasiOwnTables, AreRefusedWhereTheyAreWrong) {
         {"direction number 0", niederr, changed(dependent, 34, 0)},
     };
     for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
         generator g(int(c.id), c.seeds);
-        EXPECT_EQ(g.status, RSK_ERROR_BAD_ARGS) << c.what;
-        words r(10, 77); // the caller has the stream, but nothing can be drawn from it
-        EXPECT_EQ(g.fill(r.data(), 10), vox::rng::bad_state) << c.what;
-        EXPECT_EQ(r, words(10, 77)) << c.what;
-        EXPECT_EQ(rskSkipAheadStream(g.handle, 1), RSK_ERROR_NO_SKIPAHEAD);
-        EXPECT_EQ(rskLeapfrogStream(g.handle, 0, any_stream), RSK_ERROR_NO_LEAPFROG);
+        EXPECT_EQ(g.status, RSK_ERROR_BAD_ARGS);
+        expect_nothing(g);
     }
+}
+
+TEST(QuasiOwnTables, AreRefusedWithoutMemory) {
+    const words seeds = {2, polynomials, 1, 2, 3};
+    const words expected = generator(niederr, seeds).integers(10);
+    refuse_in_turn([&] {
+        generator g(niederr, seeds);
+        if (g.status == 0) {
+            EXPECT_EQ(g.integers(10), expected);
+        } else if (g) {
+            expect_nothing(g);
+        }
+        return g.status;
+    });
 }
 
 TEST(QuasiPolynomials, ArePrimitiveOrIrreducible) {
@@ -259,61 +249,52 @@ TEST(QuasiPolynomials, ArePrimitiveOrIrreducible) {
     EXPECT_TRUE(is_primitive(0x80000009) && is_irreducible(0x80000009)); // x^31 + x^3 + 1
 }
 
-TEST(QuasiLeapfrog, SelectsACoordinate) {
-    for (uint32_t d : {1, 3, 40, 100})
-        for (uint32_t k : {0u, 1u, d / 2, d - 1}) {
-            if (k >= d)
-                continue;
-            const words all = generator(niederr, {d}).integers(int(d) * 3000);
-            generator g(niederr, {d});
-            g.integers(int(3 * d));
-            ASSERT_EQ(rskLeapfrogStream(g.handle, int(k), any_stream), 0);
-            words got;
-            for (int n : {1, 100, 63, 2000})
-                append(got, g.integers(n));
-            words expected = every(all, 3 * d + k, d);
-            expected.resize(got.size());
-            EXPECT_EQ(got, expected) << d << " " << k;
-            ASSERT_EQ(rskSkipAheadStream(g.handle, 7), 0); // counts this stream's numbers
-            EXPECT_EQ(g.integers(1)[0], all[(3 + got.size() + 7) * d + k]);
-        }
+TEST(QuasiPolynomials, OfNiederrAreTheFirstIrreducibleOnes) {
+    uint32_t p = 1;
+    for (int i = 0; i < 318; ++i) {
+        do
+            ++p;
+        while (!vox::rng::gf2::is_irreducible(p));
+        EXPECT_EQ(uNiederrIrredPoly[i], p) << i;
+        EXPECT_EQ(iNiederrIrredPolyDeg[i], vox::rng::gf2::degree(p)) << i;
+    }
 }
 
-TEST(QuasiLeapfrog, GoesOnWithTheFirstVectorWhoseCoordinateIsLeft) {
-    const words all = generator(sobol, {5}).integers(100);
-    for (int k = 0; k < 5; ++k) {
-        generator g(sobol, {5});
-        g.integers(12); // coordinates 0 and 1 of vector 2
-        ASSERT_EQ(rskLeapfrogStream(g.handle, k, any_stream), 0);
-        EXPECT_EQ(g.integers(1)[0], all[size_t(k < 2 ? 15 + k : 10 + k)]) << k;
-    }
+// It goes on with the first vector whose coordinate is left, after a vector's end or in its middle.
+TEST(QuasiLeapfrog, SelectsACoordinate) {
+    for (uint32_t d : {1, 3, 40, 100})
+        for (uint32_t k : {0u, 1u, d / 2, d - 1})
+            for (uint32_t drawn : {3 * d, 3 * d - d / 2}) {
+                if (k >= d)
+                    continue;
+                const words left = every(generator(niederr, {d}).integers(int(d) * 3000),
+                                         drawn % d > k ? 3 * d + k : drawn / d * d + k, d);
+                generator g(niederr, {d});
+                g.integers(int(drawn));
+                ASSERT_EQ(g.leapfrog(int(k), any_stream), 0);
+                words got;
+                for (int n : {1, 100, 63, 2000})
+                    append(got, g.integers(n));
+                EXPECT_TRUE(std::equal(got.begin(), got.end(), left.begin())) << d << " " << k;
+                ASSERT_EQ(g.skip(7), 0); // counts this stream's numbers
+                EXPECT_EQ(g.integers(1)[0], left[got.size() + 7]);
+            }
 }
 
 TEST(QuasiLeapfrog, RefusesAnythingElse) {
     generator g(sobol, {5}), same(sobol, {5});
-    EXPECT_EQ(rskLeapfrogStream(g.handle, 0, 2), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(rskLeapfrogStream(g.handle, 5, any_stream), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(rskLeapfrogStream(g.handle, -1, any_stream), RSK_ERROR_NO_LEAPFROG);
-    EXPECT_EQ(g.call(9, 0, {}), RSK_ERROR_UNKNOWN_METHOD);
+    for (int k : {5, -1})
+        EXPECT_EQ(g.leapfrog(k, any_stream), RSK_ERROR_NO_LEAPFROG);
+    refused_request = every_request;
+    EXPECT_EQ(g.leapfrog(3, any_stream), RSK_ERROR_NO_MEMORY);
+    refused_request = 0;
     EXPECT_EQ(g.integers(99), same.integers(99));
-}
-
-TEST(QuasiSkip, EqualsDiscarding) {
-    for (uint32_t d : {1, 3, 10, 100})
-        for (int drawn : {0, 1, 25})
-            for (int skipped : {0, 1, 2, 9, 10, 640, 12345}) {
-                generator g(niederr, {d}), discarding(niederr, {d});
-                g.integers(drawn);
-                ASSERT_EQ(rskSkipAheadStream(g.handle, uint64_t(skipped)), 0);
-                discarding.integers(drawn + skipped);
-                EXPECT_EQ(g.integers(700), discarding.integers(700)) << d << " " << skipped;
-            }
 }
 
 TEST(QuasiSkip, ReachesVectorsFarAway) {
     // Number 2^31 + 2^10 is in Gray code bits 31, 30, 10 and 9; in dimension 1 v_i is 2^(31-i).
     generator g(sobol, {1});
-    ASSERT_EQ(rskSkipAheadStream(g.handle, (1u << 31) + (1 << 10) - 1), 0);
+    ASSERT_EQ(g.skip((1u << 31) + (1 << 10) - 1), 0);
     EXPECT_EQ(g.integers(1)[0], 0x00600003u);
 }
 
@@ -323,14 +304,14 @@ TEST(QuasiSkip, StopsBeforeTheEnd) {
         generator g(niederr, {d}), same(niederr, {d});
         g.integers(int(2 * d)), same.integers(int(2 * d));
         for (uint64_t count : {(end - 2) * d, (end - 2) * d + 1, ~uint64_t(0)})
-            EXPECT_EQ(rskSkipAheadStream(g.handle, count), RSK_ERROR_NO_SKIPAHEAD);
+            EXPECT_EQ(g.skip(count), RSK_ERROR_NO_SKIPAHEAD);
         EXPECT_EQ(g.call(vox::rng::skip, 0, {1}), RSK_ERROR_NO_SKIPAHEAD);
         EXPECT_EQ(g.integers(300), same.integers(300));
 
         // The last vector but two, and no number more than there are.
         generator last(niederr, {d});
         last.integers(1);
-        ASSERT_EQ(rskSkipAheadStream(last.handle, (end - 1) * d - 1 - 2 * d), 0);
+        ASSERT_EQ(last.skip((end - 1) * d - 1 - 2 * d), 0);
         words r(3 * d + 1, 77);
         EXPECT_EQ(last.fill(r.data(), int(3 * d + 1)), RSK_ERROR_SEQUENCE_END);
         EXPECT_EQ(r, words(3 * d + 1, 77));
@@ -342,57 +323,17 @@ TEST(QuasiSkip, StopsBeforeTheEnd) {
         EXPECT_EQ(got[2 * d], 0x00000001u);
         EXPECT_EQ(last.fill(r.data(), 1), RSK_ERROR_SEQUENCE_END);
         EXPECT_EQ(last.fill(r.data(), 0), 0);
-        EXPECT_EQ(last.call(vox::rng::validate, 0, {}), 0);
+        EXPECT_EQ(last.call(vox::rng::validate), 0);
     }
 }
 
-TEST(QuasiState, IsCheckedAndItsRowMadeAgain) {
+// A row that came from outside is not trusted.
+TEST(QuasiState, IsValidatedByMakingItsRowAgain) {
     generator g(niederr, {10}), same(niederr, {10});
     g.integers(33), same.integers(33);
-    auto &state = g.object()->state<quasi_state>();
-    const quasi_state saved = state;
-    state.row()[5] ^= 1;
-    EXPECT_EQ(g.call(vox::rng::validate, 0, {}), 0);
+    g.object().state<quasi_state>().row()[5] ^= 1;
+    EXPECT_EQ(g.call(vox::rng::validate), 0);
     EXPECT_EQ(g.integers(99), same.integers(99));
-    const auto broken = [&](auto change) {
-        state = saved;
-        change();
-        return g.call(vox::rng::validate, 0, {});
-    };
-    const int bad = vox::rng::bad_state;
-    EXPECT_EQ(broken([&] { state.dimension = 0; }), bad);
-    EXPECT_EQ(broken([&] { state.dimension = 11; }), bad); // more than its rows
-    EXPECT_EQ(broken([&] { state.dimension = ~0u; }), bad);
-    EXPECT_EQ(broken([&] { state.position = 10; }), bad);
-    EXPECT_EQ(broken([&] { state.vectors = ~0u; }), bad); // at the end, but not quite
-}
-
-TEST(QuasiState, GoesAlongWithCopiesAndSavedStreams) {
-    const std::vector<words> cases = {{7}, {2, polynomials, 1, 7, 11}};
-    for (const words &seeds : cases) {
-        rskStream copy, loaded;
-        generator other(niederr, {300});
-        words expected;
-        {
-            generator g(niederr, seeds);
-            g.integers(33);
-            ASSERT_EQ(rskCopyStream(&copy, g.handle), 0);
-            ASSERT_EQ(rskCopyStreamState(other.handle, g.handle), 0);
-            std::vector<char> saved(size_t(rskGetStreamSize(g.handle)));
-            ASSERT_EQ(rskSaveStreamM(g.handle, saved.data()), 0);
-            ASSERT_EQ(rskLoadStreamM(&loaded, saved.data()), 0);
-            expected = g.integers(500);
-        } // the others keep the rows
-        EXPECT_EQ(other.integers(500), expected);
-        for (rskStream s : {copy, loaded}) {
-            words r(500);
-            EXPECT_EQ(
-                vox::rng::vox_rng_niederr_i(reinterpret_cast<vox::rng::stream *>(s), 500, r.data()),
-                0);
-            EXPECT_EQ(r, expected);
-            rskDeleteStream(&s);
-        }
-    }
 }
 
 } // namespace

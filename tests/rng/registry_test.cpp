@@ -85,7 +85,7 @@ TEST(Registry, HasRoomFor512Generators) {
     }
     EXPECT_EQ(rskRegisterBrng(&walker_properties), RSK_ERROR_NO_MEMORY);
     EXPECT_EQ(last, 0x20000000);
-    EXPECT_EQ(draw(owned_stream(last), 100), draw(owned_stream(walker()), 100));
+    EXPECT_EQ(generator(last).integers(100), generator(walker()).integers(100));
     rskStream s;
     EXPECT_EQ(rskNewStream(&s, last + 0x100000, 1), RSK_ERROR_INVALID_BRNG);
     EXPECT_EQ(rskNewStream(&s, last + 1, 1), RSK_ERROR_INVALID_BRNG);

@@ -1,18 +1,19 @@
-// What holds for every generator: requests may be split and mixed, all kernel sets give the same bits, skipping
+// sequences_test.cpp - what holds for every generator: requests may be split and mixed, all kernel sets give the same bits, skipping
 // is discarding, leapfrogging is sub-sampling, uniform numbers stay in their interval.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "rng/brng/instructions.hpp"
 #include "serv/kernel_sets.hpp"
-#include "tests/rng/csv.hpp"
 #include "tests/rng/generator.hpp"
 #include "tests/support/guarded.hpp"
+#include "tests/support/temporary.hpp"
 
 namespace {
 
-using test::generator;
-using test::numbers;
+using namespace test;
 
 enum ability { no, yes, by_coordinate };
 
@@ -54,26 +55,16 @@ const sequence sequences[] = {
 template <class T>
 struct output {
     output(const sequence &s, int n)
-        : per_number(std::is_same_v<T, uint32_t> ? s.start().words() : 1) {
-        all.resize(size_t(n * per_number));
+        : per_number(std::is_same_v<T, uint32_t> ? s.start().words() : 1),
+          all(size_t(n * per_number)) {
         EXPECT_EQ(s.start().fill(all.data(), n), 0);
     }
-    testing::AssertionResult gives(generator &g, int from, int n) const {
-        constexpr size_t before = 16;
-        const size_t count = size_t(n * per_number), first = size_t(from * per_number);
-        std::vector<T> expected(before, T(7));
-        const test::guarded<T> r(std::vector<T>(before + count, T(7)), test::edge::back);
-        expected.insert(expected.end(), all.begin() + long(first),
-                        all.begin() + long(first + count));
-        const int status = g.fill(r.data() + before, n);
-        if (status)
-            return testing::AssertionFailure() << "status " << status;
-        for (size_t i = 0; i < expected.size(); ++i)
-            if (std::memcmp(r.data() + i, &expected[i], sizeof(T)))
-                return testing::AssertionFailure()
-                       << "word " << i << " of " << n << " numbers from " << from << ": "
-                       << r.data()[i] << ", not " << expected[i];
-        return testing::AssertionSuccess();
+    bool gives(generator &g, int from, int n) const {
+        const int before = 16, count = n * per_number;
+        const guarded<T> r(std::vector<T>(size_t(before + count), T(7)), edge::back);
+        T *const first = r.data() + before;
+        return g.fill(first, n) == 0 && std::count(r.data(), first, T(7)) == before &&
+               std::equal(first, first + count, all.begin() + from * per_number);
     }
 
     int per_number;
@@ -82,7 +73,7 @@ struct output {
 
 struct outputs {
     outputs(const sequence &s, int n) : integers(s, n), singles(s, n), doubles(s, n) {}
-    testing::AssertionResult gives(int type, generator &g, int from, int n) const {
+    bool gives(int type, generator &g, int from, int n) const {
         return type == 0   ? integers.gives(g, from, n)
                : type == 1 ? singles.gives(g, from, n)
                            : doubles.gives(g, from, n);
@@ -130,24 +121,50 @@ TEST(Sequences, Splits) {
                 const int end = pattern.size() > 1 || pattern[0] > 100 ? n : 2500;
                 for (int from = 0, i = 0; from < end; ++i) {
                     const int piece = std::min(pattern[size_t(i) % pattern.size()], end - from);
-                    ASSERT_TRUE(reference.gives(type == mixed ? i % types : type, g, from, piece));
+                    ASSERT_TRUE(reference.gives(type == mixed ? i % types : type, g, from, piece))
+                        << piece << " from " << from;
                     from += piece;
                 }
             }
     });
 }
 
-TEST(Sequences, NothingIsNothing) {
-    for_each(true, [](const sequence &s) {
-        const numbers expected = s.start().integers(50);
+TEST(Sequences, NothingAndRefusalsChangeNothing) {
+    for_each(false, [](const sequence &s) {
         generator g = s.start();
         for (int n : {0, -1, -2147483647 - 1}) {
             EXPECT_EQ(g.fill(static_cast<uint32_t *>(nullptr), n), 0);
             EXPECT_EQ(g.fill(static_cast<float *>(nullptr), n), 0);
             EXPECT_EQ(g.fill(static_cast<double *>(nullptr), n), 0);
         }
-        EXPECT_EQ(g.integers(50), expected);
+        EXPECT_EQ(g.call(17), RSK_ERROR_UNKNOWN_METHOD);
+        if (s.skip == no) {
+            EXPECT_EQ(g.skip(5), RSK_ERROR_NO_SKIPAHEAD);
+        }
+        if (s.leapfrog != yes) {
+            EXPECT_EQ(g.leapfrog(1, 3), RSK_ERROR_NO_LEAPFROG);
+        }
+        if (s.repeats) {
+            EXPECT_EQ(g.integers(200), s.start().integers(200));
+        }
     });
+}
+
+TEST(Sequences, NeedTheirInstructions) {
+    for (const auto &[id, needed] : {std::pair(RSK_BRNG_ARS5, vox::feature::aes),
+                                     std::pair(RSK_BRNG_NONDETERM, vox::feature::rdrand)}) {
+        generator g(id), same(id);
+        vox::rng::allowed_features = ~vox::feature_mask(needed);
+        EXPECT_EQ(generator(id).status, RSK_ERROR_NO_INSTRUCTIONS);
+        uint32_t word = 77;
+        EXPECT_EQ(g.fill(&word, 1), RSK_ERROR_NO_INSTRUCTIONS);
+        EXPECT_EQ(word, 77u);
+        if (id == RSK_BRNG_ARS5) {
+            EXPECT_EQ(g.skip(5), RSK_ERROR_NO_INSTRUCTIONS);
+        }
+        vox::rng::allowed_features = ~uint64_t(0);
+        EXPECT_EQ(g.integers(10) == same.integers(10), id == RSK_BRNG_ARS5);
+    }
 }
 
 uint64_t hash(const void *data, size_t bytes) { // FNV-1a
@@ -160,39 +177,26 @@ uint64_t hash(const void *data, size_t bytes) { // FNV-1a
 // The same bits in every set, on every machine and from one version to the next.
 TEST(Sequences, SameBits) {
     constexpr int n = 10007;
-    const std::vector<test::csv_row> rows = test::read_csv("sequences.csv");
+    const std::string known = contents_of(RNG_TEST_DATA "sequences.csv");
     for_each(true, [&](const sequence &s) {
         const auto expect = [&](const char *type, const auto &values) {
-            char text[20];
-            std::snprintf(text, sizeof text, "%016llx",
+            char row[100];
+            std::snprintf(row, sizeof row, "\n%s,%s,%016llx\n", s.name, type,
                           static_cast<unsigned long long>(
                               hash(values.data(), values.size() * sizeof values[0])));
-            for (const test::csv_row &row : rows)
-                if (row["generator"] == s.name && row["output"] == type) {
-                    EXPECT_EQ(row["hash"], text) << type;
-                    return;
-                }
-            ADD_FAILURE() << "no row; it would be " << s.name << ',' << type << ',' << text;
+            EXPECT_NE(known.find(row), known.npos) << "no such row: " << row;
         };
         expect("integers", s.start().integers(n));
-        std::vector<float> singles(n);
-        std::vector<double> doubles(n);
-        EXPECT_EQ(s.start().fill(singles.data(), n, -1, 3), 0);
-        EXPECT_EQ(s.start().fill(doubles.data(), n, -1, 3), 0);
-        expect("singles", singles);
-        expect("doubles", doubles);
+        expect("singles", s.start().uniforms<float>(n, -1, 3));
+        expect("doubles", s.start().uniforms<double>(n, -1, 3));
     });
 }
 
 TEST(Sequences, SkippingIsDiscarding) {
     constexpr int n = 100;
     for_each(true, [&](const sequence &s) {
-        if (s.skip == no) {
-            generator g = s.start();
-            EXPECT_EQ(g.skip(5), RSK_ERROR_NO_SKIPAHEAD);
-            EXPECT_EQ(g.integers(n), s.start().integers(n));
+        if (s.skip == no)
             return;
-        }
         const int counts[] = {0, 1, 2, 3, 4, 5, 63, 64, 624, 1000, 4097};
         const outputs reference(s, 10 + 5000 * s.skip_unit);
         for (const int count : counts)
@@ -219,12 +223,8 @@ TEST(Sequences, SkippingIsDiscarding) {
 TEST(Sequences, LeapfrogIsSubsampling) {
     constexpr int n = 200;
     for_each(true, [&](const sequence &s) {
-        if (s.leapfrog != yes) {
-            generator g = s.start();
-            EXPECT_EQ(g.leapfrog(1, 3), RSK_ERROR_NO_LEAPFROG);
-            EXPECT_EQ(g.integers(n), s.start().integers(n));
+        if (s.leapfrog != yes)
             return;
-        }
         const output<uint32_t> reference(s, 10000);
         const auto every = [&](int step, int from) {
             numbers r;
@@ -254,28 +254,44 @@ TEST(Sequences, LeapfrogIsSubsampling) {
 template <class T>
 void check_interval(const sequence &s, T a, T b) {
     constexpr int n = 100000;
-    std::vector<T> u(n), r(n);
-    generator g = s.start(), h = s.start();
-    EXPECT_EQ(g.fill(u.data(), n), 0);
-    EXPECT_EQ(h.fill(r.data(), n, a, b), 0);
-    T least = 1, most = 0;
+    const std::vector<T> u = s.start().uniforms<T>(n), r = s.start().uniforms<T>(n, a, b);
     for (size_t i = 0; i < n; ++i) {
         ASSERT_TRUE(u[i] >= 0 && u[i] < 1) << u[i];
         ASSERT_TRUE(r[i] >= a && r[i] < b) << r[i];
         if (s.repeats) {
             ASSERT_EQ(r[i], a + (b - a) * u[i]);
         }
-        least = std::min(least, u[i]);
-        most = std::max(most, u[i]);
     }
-    EXPECT_LT(least, T(0.001)); // missed with a probability of 1e-43
-    EXPECT_GT(most, T(0.999));
+    EXPECT_LT(*std::ranges::min_element(u), T(0.001)); // missed with a probability of 1e-43
+    EXPECT_GT(*std::ranges::max_element(u), T(0.999));
 }
 
 TEST(Sequences, UniformOnTheInterval) {
     for_each(false, [](const sequence &s) {
         check_interval<float>(s, -1, 3);
         check_interval<double>(s, -1, 3);
+    });
+}
+
+// The upper bits of the integers, or all of them over the modulus.
+TEST(Sequences, UniformsAreMadeOfIntegers) {
+    for_each(true, [](const sequence &s) {
+        if (s.name[0] == 'w') // sums, see linear_test.cpp
+            return;
+        const outputs all(s, 3000);
+        for (size_t i = 0; i < 3000; ++i) {
+            const uint32_t *const x = &all.integers.all[i * size_t(all.integers.per_number)];
+            double u = *x / 0x1p32;
+            uint32_t upper = *x >> 8;
+            if (s.id == RSK_BRNG_MCG31M1)
+                u = *x * (1.0 / 0x7FFFFFFF), upper = *x >> 7;
+            else if (s.id == RSK_BRNG_MRG32K3A)
+                u = *x * 2.328306549295728e-10;
+            else if (s.id == RSK_BRNG_MCG59)
+                u = double((x[0] | uint64_t(x[1]) << 32) >> 6) / 0x1p53, upper = x[1] >> 3;
+            ASSERT_EQ(all.doubles.all[i], u) << i;
+            ASSERT_EQ(all.singles.all[i], float(upper) / 0x1p24f) << i;
+        }
     });
 }
 

@@ -1,78 +1,48 @@
-// streams.hpp - what tests of streams share: streams that are deleted, numbers, reports, a generator of the
-// tests' own.
+// streams.hpp - what tests of streams share: reports, memory that is refused, a generator of the tests' own.
 #pragma once
 
 #include <cstring>
-#include <gtest/gtest.h>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "rng/chunks.hpp"
-#include "rng/registry.hpp"
-#include "vox/rsk.h"
+#include "tests/rng/generator.hpp"
+#include "tests/support/failing_memory.hpp"
 #include "vox/service.h"
 
 namespace test {
-
-class owned_stream {
-  public:
-    owned_stream() = default;
-    explicit owned_stream(int id, const std::vector<uint32_t> &seed = {1}) {
-        EXPECT_EQ(rskNewStreamEx(&s, id, int(seed.size()), seed.data()), 0) << std::hex << id;
-    }
-    owned_stream(owned_stream &&other) : s(std::exchange(other.s, nullptr)) {}
-    ~owned_stream() {
-        if (s)
-            rskDeleteStream(&s);
-    }
-    operator rskStream() const { return s; }
-    rskStream *operator&() { return &s; }
-    vox::rng::stream &object() const { return *reinterpret_cast<vox::rng::stream *>(s); }
-
-    rskStream s = nullptr;
-};
-
-inline vox::rng::brng_properties properties_of(int id) {
-    vox::rng::brng_properties row{};
-    EXPECT_EQ(vox::rng::rskGetBrngProperties(id, &row), 0) << std::hex << id;
-    return row;
-}
-
-// The next n numbers of a stream, and the status of the request.
-struct drawn {
-    int status;
-    std::vector<uint32_t> words;
-    bool operator==(const drawn &) const = default;
-};
-inline drawn draw(rskStream s, int n) {
-    const vox::rng::brng_properties row = properties_of(rskGetStreamStateBrng(s));
-    drawn d{0, std::vector<uint32_t>(size_t(n * row.word_size / 4))};
-    d.status = row.integers(reinterpret_cast<vox::rng::stream *>(s), n, d.words.data());
-    return d;
-}
 
 // Reports through xerbla while it lives, as in "rskDeleteStream 1;".
 class reports {
   public:
     reports() {
-        text().clear();
+        text.clear();
         previous_ = vox_serv_set_xerbla([](const char *name, const vox_int *position, int length) {
-            text() += std::string(name, size_t(length)) + ' ' + std::to_string(*position) + ';';
+            text += std::string(name, size_t(length)) + ' ' + std::to_string(*position) + ';';
         });
     }
     ~reports() { vox_serv_set_xerbla(previous_); }
-    reports(const reports &) = delete;
-    reports &operator=(const reports &) = delete;
-    std::string take() { return std::exchange(text(), {}); }
+    std::string take() { return std::exchange(text, {}); }
 
   private:
-    static std::string &text() {
-        static std::string reported;
-        return reported;
-    }
+    static inline std::string text;
     vox_xerbla_handler previous_;
 };
+
+// What gives a status may be refused any of its requests for memory, and ends well when it makes no more.
+template <class Attempt>
+void refuse_in_turn(const Attempt &attempt) {
+    for (int request = 1;; ++request) {
+        ASSERT_LT(request, 20);
+        refused_request = memory_requests + request;
+        const int status = attempt();
+        const bool used = memory_requests >= refused_request;
+        refused_request = 0;
+        EXPECT_EQ(status, used ? RSK_ERROR_NO_MEMORY : 0);
+        if (!used) {
+            EXPECT_GT(request, 1);
+            return;
+        }
+    }
+}
 
 // A generator that reads 64 words of a chunk round and round. Seed words: where it starts, and what becomes
 // of the chunk. It neither leapfrogs nor skips.
@@ -89,12 +59,13 @@ inline int walker_init(int method, vox::rng::stream *s, int n, const uint32_t *p
     const vox::rng::chunk *table = find_chunk(*s, walker_chunk);
     switch (method) {
     case seed: {
-        state = {params[0] % walker_words, n > 1 ? params[1] : private_chunk};
+        const uint32_t first = n > 0 ? params[0] : 1;
+        state = {first % walker_words, n > 1 ? params[1] : private_chunk};
         auto *data = static_cast<uint32_t *>(new_chunk_data(walker_words * 4));
         if (!data)
             return RSK_ERROR_NO_MEMORY;
         for (uint32_t i = 0; i < walker_words; ++i)
-            data[i] = (i + (state.kind == standard_chunk ? 0 : params[0])) * 2654435761u;
+            data[i] = (i + (state.kind == standard_chunk ? 0 : first)) * 2654435761u;
         const chunk_key keys[] = {{}, walker_key, fresh_key(walker_key.second)};
         return add_chunk(*s, walker_chunk, keys[state.kind], data, walker_words * 4);
     }
@@ -119,6 +90,10 @@ int walk(vox::rng::stream *s, int n, T *r, T a = 0, T width = 1) {
         r[i] = a + width * T(data[state.next]);
     return 0;
 }
+template <class T>
+int walk_between(vox::rng::stream *s, int n, T *r, T a, T b) {
+    return walk(s, n, r, a, (b - a) * T(0x1p-32));
+}
 inline constexpr vox::rng::brng_properties walker_properties = {
     24,
     2,
@@ -126,12 +101,8 @@ inline constexpr vox::rng::brng_properties walker_properties = {
     4,
     32,
     walker_init,
-    [](vox::rng::stream *s, int n, float *r, float a, float b) {
-        return walk(s, n, r, a, (b - a) * 0x1p-32f);
-    },
-    [](vox::rng::stream *s, int n, double *r, double a, double b) {
-        return walk(s, n, r, a, (b - a) * 0x1p-32);
-    },
+    walk_between<float>,
+    walk_between<double>,
     [](vox::rng::stream *s, int n, uint32_t *r) { return walk(s, n, r); }};
 
 inline int walker() {
@@ -140,21 +111,19 @@ inline int walker() {
 }
 
 // A stream of each generator that gives the same numbers whenever it is asked, at some place of its sequence.
-inline std::vector<owned_stream> one_of_each() {
+inline std::vector<generator> one_of_each() {
     using namespace vox::rng;
-    std::vector<owned_stream> all;
+    std::vector<generator> all;
     for (uint32_t kind : {private_chunk, standard_chunk, chunk_of_copies})
-        all.emplace_back(walker(), std::vector<uint32_t>{5, kind});
+        all.emplace_back(walker(), numbers{5, kind});
     for (int row = 0; row < built_in_rows; ++row) {
         if (row == NONDETERM || row == IABSTRACT || row == DABSTRACT || row == SABSTRACT)
             continue;
         const int member = row == WH ? 272 : row == MT2203 ? 6023 : 0;
-        owned_stream s;
-        EXPECT_EQ(rskNewStream(&s, (row + 1) << 20 | member, 5), 0) << row;
-        all.push_back(std::move(s));
+        all.emplace_back((row + 1) << 20 | member, numbers{5});
     }
-    for (const owned_stream &s : all)
-        EXPECT_EQ(draw(s, 1001).status, 0);
+    for (generator &g : all)
+        g.integers(1001);
     return all;
 }
 

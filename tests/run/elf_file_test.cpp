@@ -1,4 +1,5 @@
 // Files of programs as vox-run reads them: this one, and damaged copies of it.
+#include <algorithm>
 #include <cstring>
 #include <elf.h>
 #include <gtest/gtest.h>
@@ -17,13 +18,6 @@ elf_file read_as_file(const std::string &contents) {
     const std::string path = directory / "copy";
     std::ofstream(path, std::ios::binary) << contents;
     return read_elf(path.c_str());
-}
-
-bool within(const std::set<std::string> &part, const std::set<std::string> &whole) {
-    for (const std::string &name : part)
-        if (!name.empty() && !whole.count(name))
-            return false;
-    return true;
 }
 
 TEST(ElfFile, ShowsWhatAProgramDefines) {
@@ -45,9 +39,11 @@ TEST(ElfFile, KnowsOtherFiles) {
 TEST(ElfFile, SurvivesCutFiles) {
     const std::string whole = test::contents_of("/proc/self/exe");
     const elf_file program = read_as_file(whole);
-    for (size_t size = 1; size < whole.size(); size += 1 + size / 7)
-        EXPECT_TRUE(within(read_as_file(whole.substr(0, size)).functions, program.functions))
-            << size;
+    for (size_t size = 1; size < whole.size(); size += 1 + size / 7) {
+        elf_file cut = read_as_file(whole.substr(0, size));
+        cut.functions.erase("");
+        EXPECT_TRUE(std::ranges::includes(program.functions, cut.functions)) << size;
+    }
 }
 
 // Every 64-bit and 32-bit field of the header and of the section headers, with values at the ends of its range.
