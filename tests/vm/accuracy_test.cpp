@@ -1,13 +1,15 @@
 // accuracy_test.cpp - a million arguments for each function, precision and accuracy on every kernel set, and all
 // special values: the error of each result, and what is reported about it.
 //
-// With VM_ACCURACY_TABLE in the environment, the largest errors are printed as a table. VM_EVERY_FLOAT=1 takes all
-// floats through the functions of one argument, ten minutes or so per function and set.
+// With VM_ACCURACY_TABLE in the environment, the largest errors are printed as a table. VM_EVERY_FLOAT=7,9 takes all
+// floats through the functions of one argument on these kernel sets, ten minutes or so per function.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <map>
+#include <set>
+#include <sstream>
 #include <string>
 
 #include "serv/cpu.hpp"
@@ -89,8 +91,13 @@ class checker {
   public:
     // The first ones are special values.
     checker(const vector_function<T> &f, const std::vector<T> &first, const std::vector<T> &second,
-            size_t special)
-        : f_(f), a_(first), b_(second), special_(special), r_(chunk) {}
+            size_t special, std::set<int> sets = {})
+        : f_(f), a_(first), b_(second), special_(special), sets_(std::move(sets)), r_(chunk) {
+        if (sets_.empty())
+            for (int index = 0; index < vox::vm::index_count; ++index)
+                sets_.insert(index);
+        std::erase_if(sets_, [](int i) { return !vox::kernel_index_runs(vox::this_cpu(), i); });
+    }
 
     void run() {
         for (size_t begin = 0; begin < a_.size(); begin += count_) {
@@ -100,11 +107,10 @@ class checker {
                 ++count_;
             a = &a_[begin], b = &b_[begin];
             exact_.compute(f_, count_, a, b);
-            for (int index = 0; index < vox::vm::index_count; ++index)
-                if (vox::kernel_index_runs(vox::this_cpu(), index))
-                    for (int accuracy = TQM_LA; accuracy <= TQM_EP; ++accuracy)
-                        if (index >= 2 || accuracy == TQM_HA)
-                            try_kernel(index, accuracy);
+            for (const int index : sets_)
+                for (int accuracy = TQM_LA; accuracy <= TQM_EP; ++accuracy)
+                    if (index >= 2 || accuracy == TQM_HA)
+                        try_kernel(index, accuracy);
         }
         EXPECT_LT(exact_.worst, reference_error<T>);
         for (const auto &[key, e] : errors[f_.name])
@@ -187,6 +193,7 @@ class checker {
     const vector_function<T> &f_;
     const std::vector<T> &a_, &b_;
     const size_t special_;
+    std::set<int> sets_; // all that run, if there were none
     std::vector<T> r_;
     const T *a = nullptr, *b = nullptr;
     size_t begin_ = 0, count_ = 0;
@@ -221,11 +228,17 @@ void check(const vector_function<T> &f) {
     checker<T>(f, s.a, s.b, count).run();
 }
 
-// Every n-th slice of them, or all.
+// Every n-th slice of them; all on the sets that the environment names.
 void check_floats(const vector_function<float> &f) {
+    std::set<int> sets;
+    if (const char *const named = std::getenv("VM_EVERY_FLOAT")) {
+        std::istringstream words(named);
+        for (std::string set; std::getline(words, set, ',');)
+            sets.insert(std::stoi(set));
+    }
     std::vector<float> a(1 << 12), b(a.size());
-    checker<float> of(f, a, b, 0);
-    const size_t step = std::getenv("VM_EVERY_FLOAT") ? 1 : slices;
+    const size_t step = sets.empty() ? slices : 1;
+    checker<float> of(f, a, b, 0, sets);
     for (size_t slice = step / 2; slice < (uint64_t(1) << 32) / a.size(); slice += step) {
         for (size_t i = 0; i < a.size(); ++i)
             a[i] = std::bit_cast<float>(uint32_t(slice * a.size() + i));
