@@ -1,98 +1,88 @@
 // openmp_host.cpp - a program on GNU's OpenMP runtime that calls the library from inside and
 // outside of its own parallel regions.
 //
-//     openmp_host linked|PROBE|late PROBE
+//     openmp_host linked|LIBRARY|late LIBRARY
 //
-// linked: the probe library is one of the program's own; PROBE: it is opened now; late: GNU's
-// runtime is not loaded before the library has been used. The regions are what a compiler makes of
+// linked: the library is one of the program's own; LIBRARY: it is opened now; late: GNU's runtime is
+// not loaded before the library has been used. The regions are what a compiler makes of
 // "#pragma omp parallel", so that any compiler builds the program. Prints which file serves the
 // program's regions and one line of counts; anything wrong is an exit status.
+#include <algorithm>
 #include <atomic>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <string>
+
+#include "tests/hosts/check.h"
+#include "vox/vox.h"
 
 extern "C" void GOMP_parallel(void (*body)(void *), void *data, unsigned threads, unsigned flags)
     __attribute__((weak));
 
 namespace {
 
-using region_fn = void(void (*)(void *), void *, unsigned, unsigned);
-
-[[noreturn]] void fail(const char *what) {
-    std::fprintf(stderr, "%s\n", what);
-    std::exit(1);
-}
-
 template <class F>
 F *find(void *where, const char *name) {
     void *const symbol = dlsym(where, name);
-    if (!symbol)
-        fail(name);
+    CHECK(symbol);
     return reinterpret_cast<F *>(symbol);
 }
 
-int (*max_threads)();
-long (*probe_sum)(int, long);
+decltype(vox_get_max_threads) *max_threads;
+decltype(vox_set_num_threads_local) *set_threads;
+decltype(cblas_ddot) *dot;
 
-constexpr long n = 1000, expected = n * (n + 1) / 2;
+constexpr int length = 100000; // large enough for threads
+double ones[length];
+bool sum_is_right() { return dot(length, ones, 1, ones, 1) == length; }
 
-struct counts {
-    std::atomic<int> callers = 0, highest = 0, wrong = 0;
-};
+std::atomic<int> callers = 0, highest = 0;
 
-void call_from_inside(void *data) {
-    counts &c = *static_cast<counts *>(data);
-    ++c.callers;
+void call_from_inside(void *) {
+    ++callers;
     for (int repeat = 0; repeat < 20; ++repeat) {
         const int threads = max_threads();
-        for (int seen = c.highest;
-             seen < threads && !c.highest.compare_exchange_weak(seen, threads);)
+        for (int seen = highest; seen < threads && !highest.compare_exchange_weak(seen, threads);)
             ;
-        c.wrong += probe_sum(threads, n) != expected;
-        c.wrong += probe_sum(3, n) != expected; // against the advice
+        CHECK(sum_is_right());
+        set_threads(3); // against the advice
+        CHECK(sum_is_right());
+        set_threads(0);
     }
-}
-
-void run(region_fn *parallel, bool late) {
-    const int before = max_threads();
-    counts c;
-    if (late) { // a new runtime is noticed when the first of its workers calls
-        parallel(call_from_inside, &c, 3, 0);
-        c.callers = c.highest = 0;
-    }
-    for (int repeat = 0; repeat < 3; ++repeat) {
-        if (probe_sum(max_threads(), n) != expected)
-            fail("wrong sum outside");
-        parallel(call_from_inside, &c, 3, 0);
-    }
-    if (c.wrong)
-        fail("wrong sum inside");
-    std::printf("outside %d %d, callers %d, inside %d", before, max_threads(), c.callers.load(),
-                c.highest.load());
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
+    std::fill_n(ones, length, 1);
     const std::string mode = argc > 1 ? argv[1] : "";
     const bool late = mode == "late";
     const char *const path = late ? argv[2] : argv[1];
-    void *const probe = mode == "linked" ? RTLD_DEFAULT : dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    max_threads = find<int()>(probe, "vox_get_max_threads");
-    probe_sum = find<long(int, long)>(probe, "probe_sum");
-    if (late && probe_sum(max_threads(), n) != expected)
-        fail("wrong sum before the runtime is loaded");
-    void *const gomp = late ? dlopen("libgomp.so.1", RTLD_NOW | RTLD_LOCAL) : nullptr;
-    region_fn *const parallel = late ? find<region_fn>(gomp, "GOMP_parallel") : GOMP_parallel;
-    if (!parallel)
-        fail("no GNU runtime");
+    void *const library = mode == "linked" ? RTLD_DEFAULT : dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    max_threads = find<decltype(vox_get_max_threads)>(library, "vox_get_max_threads");
+    set_threads = find<decltype(vox_set_num_threads_local)>(library, "vox_set_num_threads_local");
+    dot = find<decltype(cblas_ddot)>(library, "cblas_ddot");
+    auto *parallel = GOMP_parallel;
+    if (late) {
+        CHECK(sum_is_right());
+        void *const runtime = dlopen("libgomp.so.1", RTLD_NOW | RTLD_LOCAL);
+        parallel = find<decltype(GOMP_parallel)>(runtime, "GOMP_parallel");
+    }
+    CHECK(parallel);
     Dl_info info;
-    if (!dladdr(reinterpret_cast<void *>(parallel), &info))
-        fail("dladdr");
+    CHECK(dladdr(reinterpret_cast<void *>(parallel), &info));
     const char *const file = std::strrchr(info.dli_fname, '/');
     std::printf("%.7s: ", file ? file + 1 : info.dli_fname);
-    run(parallel, late);
+
+    const int before = max_threads();
+    if (late) { // a new runtime is noticed when the first of its workers calls
+        parallel(call_from_inside, nullptr, 3, 0);
+        callers = highest = 0;
+    }
+    for (int repeat = 0; repeat < 3; ++repeat) {
+        CHECK(sum_is_right());
+        parallel(call_from_inside, nullptr, 3, 0);
+    }
+    std::printf("outside %d %d, callers %d, inside %d", before, max_threads(), callers.load(),
+                highest.load());
 }

@@ -12,7 +12,6 @@
 #include <sched.h>
 #include <string>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -56,18 +55,13 @@ TEST(Parallel, EachThreadOfTheTeamTakesPartOnce) {
 }
 
 TEST(Parallel, CallersFromManyThreadsHaveTeamsOfTheirOwn) {
-    std::vector<int> wrong(12, 0);
-    for (int generation = 0; generation < 3; ++generation) {
-        std::vector<std::thread> callers;
-        for (size_t c = 0; c < wrong.size(); ++c)
-            callers.emplace_back([c, &wrong] {
-                for (int repeat = 0; repeat < 20; ++repeat)
-                    wrong[c] += run_team(int(c % 4) + 1) != int(c % 4) + 1;
-            });
-        for (std::thread &t : callers)
-            t.join();
-    }
-    EXPECT_EQ(wrong, std::vector<int>(wrong.size(), 0));
+    std::atomic<int> wrong = 0;
+    for (int generation = 0; generation < 3; ++generation)
+        on_threads(12, [&](int caller) {
+            for (int repeat = 0; repeat < 20; ++repeat)
+                wrong += run_team(caller % 4 + 1) != caller % 4 + 1;
+        });
+    EXPECT_EQ(wrong, 0);
 }
 
 CHILD(nested) {
@@ -81,9 +75,8 @@ CHILD(nested) {
         inside += vox_serv_omp_in_parallel();
         parallel(count, [&](int, int team) { teams += team; });
     });
-    std::printf("%d %d %d, %d more", counts.load(), teams.load(), inside.load(), tasks() - before);
-    std::printf(", %d proven", int(proven_workers()));
-    std::printf(", then %d", vox_serv_omp_in_parallel());
+    std::printf("%d %d %d, %d more, %d proven, then %d", counts.load(), teams.load(), inside.load(),
+                tasks() - before, int(proven_workers()), vox_serv_omp_in_parallel());
 }
 TEST(Parallel, NestedCallsStayOnTheirThread) {
     // Four callers with one thread each; told to use more, the runtime nests no further.
@@ -111,14 +104,18 @@ CHILD(count_tasks) {
 }
 TEST(Parallel, NoThreadIsMadeBeforeItIsNeeded) { EXPECT_EQ(run_child(count_tasks).out, "0 2"); }
 
+// The child says this and nothing else, and lives to its end.
+void expect_output(const child_entry &child, const char *expected) {
+    const child_result got = run_child(child);
+    EXPECT_EQ(got.out + got.err, expected);
+    EXPECT_EQ(got.status, 0);
+}
+
 // --- affinity ---------------------------------------------------------------------------------
 
 processor_mask bind_to_one_processor() {
-    processor_mask process, one;
-    read_affinity(0, process);
-    for (int p = 0; p < max_processors && one.count() == 0; ++p)
-        if (process.has(p))
-            one.add(p);
+    processor_mask one;
+    one.add(sched_getcpu());
     set_affinity(one);
     return one;
 }
@@ -154,21 +151,8 @@ TEST(Parallel, ABoundCallerStaysBoundAndAFreeOneFree) {
 // In a forked child ThreadSanitizer takes a new thread in a dead one's place for an error.
 #if !defined(__SANITIZE_THREAD__)
 
-// The exit status of a forked child, the number of things that are wrong in it.
-template <class Body>
-int in_child(const Body &body) {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        alarm(30);
-        _exit(body());
-    }
-    int status = -1;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000;
-}
-
 int teams_in_child(int threads) {
-    return in_child([threads] {
+    return in_forked_child([threads] {
         return (run_team(threads) != threads) + (vox_get_max_threads() < 1) +
                (run_team(threads + 1) != threads + 1);
     });
@@ -196,29 +180,25 @@ CHILD(forks) {
     std::thread([&] { wrong += teams_in_child(4); }).join();
     stop = true;
     busy.join();
-    wrong += in_child([] { return (run_team(2) != 2) + teams_in_child(3); }); // a grandchild
+    wrong += in_forked_child([] { return (run_team(2) != 2) + teams_in_child(3); }); // a grandchild
     std::printf("%d", wrong);
 }
 
 CHILD(bound_fork) {
     run_team(2);
-    int wrong = in_child([] { // bound in the child
+    int wrong = in_forked_child([] { // bound in the child
         const processor_mask one = bind_to_one_processor();
         return (run_team(2) != 2) + !is_bound_to(one);
     });
     const processor_mask one = bind_to_one_processor(); // and before the fork
-    wrong += in_child([&] {
+    wrong += in_forked_child([&] {
         const int at_once = !is_bound_to(one);
         return at_once + (run_team(2) != 2) + !is_bound_to(one);
     });
     std::printf("%d", wrong + !is_bound_to(one));
 }
 
-TEST(Parallel, WorksInParentAndChildAfterFork) {
-    const child_result got = run_child(forks);
-    EXPECT_EQ(got.out, "0");
-    EXPECT_EQ(got.status, 0) << got.err;
-}
+TEST(Parallel, WorksInParentAndChildAfterFork) { expect_output(forks, "0"); }
 TEST(Parallel, AForkedChildStaysBound) { EXPECT_EQ(run_child(bound_fork).out, "0"); }
 
 #endif
@@ -259,9 +239,7 @@ CHILD(few_tasks) {
     std::printf("%d %d %d", team >= 1 && team < 12, again == team, small);
 }
 TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheProcessLimitAllows) {
-    const child_result got = run_child(few_tasks);
-    EXPECT_EQ(got.out, "1 1 1");
-    EXPECT_EQ(got.status, 0) << got.err;
+    expect_output(few_tasks, "1 1 1");
 }
 
 CHILD(limit_is_lifted) {
@@ -285,42 +263,32 @@ CHILD(many_leaders) {
         std::thread([&] { wrong += run_team(4) != 4; }).join();
     wrong += proven_workers() != 3;
     // All at once: there are not enough for all.
-    std::vector<std::thread> leaders;
     std::atomic<int> bad = 0;
     std::latch all_here(10);
-    for (int leader = 0; leader < 10; ++leader)
-        leaders.emplace_back([&] {
-            all_here.arrive_and_wait();
-            for (int repeat = 0; repeat < 20; ++repeat) {
-                const int team = run_team(8);
-                bad += team < 1 || team > 8;
-            }
-        });
-    for (std::thread &t : leaders)
-        t.join();
+    on_threads(10, [&](int) {
+        all_here.arrive_and_wait();
+        for (int repeat = 0; repeat < 20; ++repeat) {
+            const int team = run_team(8);
+            bad += team < 1 || team > 8;
+        }
+    });
     std::printf("%d %d", wrong, bad.load());
 }
-TEST(ParallelUnderLimits, LeadersShareWhatThereIs) {
-    const child_result got = run_child(many_leaders);
-    EXPECT_EQ(got.out, "0 0");
-    EXPECT_EQ(got.status, 0) << got.err;
-}
+TEST(ParallelUnderLimits, LeadersShareWhatThereIs) { expect_output(many_leaders, "0 0"); }
 
 #if !defined(__SANITIZE_THREAD__)
 // Each process of the chain forks the next while its own team lives.
 int chain_of_teams(int depth) {
     const int team = run_team(8);
     return (team < 1 || team > 8) +
-           (depth > 1 ? in_child([depth] { return chain_of_teams(depth - 1); }) : 0);
+           (depth > 1 ? in_forked_child([depth] { return chain_of_teams(depth - 1); }) : 0);
 }
 CHILD(forks_under_limit) {
     const task_limit few(30);
     std::printf("%d", chain_of_teams(4));
 }
 TEST(ParallelUnderLimits, AForkedChildFindsOutWhatIsLeftForIt) {
-    const child_result got = run_child(forks_under_limit);
-    EXPECT_EQ(got.out, "0");
-    EXPECT_EQ(got.err, "");
+    expect_output(forks_under_limit, "0");
 }
 #endif
 
@@ -337,9 +305,7 @@ CHILD(little_address_space) {
     std::printf("%d %d", team > 1 && team < 64, again == team);
 }
 TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheAddressSpaceAllows) {
-    const child_result got = run_child(little_address_space);
-    EXPECT_EQ(got.out, "1 1");
-    EXPECT_EQ(got.status, 0) << got.err;
+    expect_output(little_address_space, "1 1");
 }
 
 CHILD(small_stack) {
@@ -368,27 +334,27 @@ TEST(ParallelBesideGnuOpenMP, OneThreadInsideItsRegionsAllOutside) {
     const struct {
         const char *name;
         std::vector<std::string> command;
-        environment settings;
+        const char *preload;
         const char *file; // whose regions the program runs
     } cases[] = {
-        {"linked before the library", {host + "gnu_first", "linked"}, {}, "libgomp"},
-        {"linked after the library", {host + "gnu_last", "linked"}, {}, "libgomp"},
-        {"library preloaded", {host + "gnu_only", "linked"}, {{"LD_PRELOAD", PROBE}}, "libgomp"},
-        {"library opened later", {host + "gnu_only", PROBE}, {}, "libgomp"},
-        {"runtime opened later", {host + "gnu_late", "late", PROBE}, {}, "libgomp"},
-        // The library's runtime offers GNU's interface too, and may be the first that the loader
-        // finds.
+        {"linked before the library", {host + "gnu_first", "linked"}, "", "libgomp"},
+        {"linked after the library", {host + "gnu_last", "linked"}, "", "libgomp"},
+        {"library preloaded", {host + "gnu_only", "linked"}, VOX_LIBRARY, "libgomp"},
+        {"library opened later", {host + "gnu_only", VOX_LIBRARY}, "", "libgomp"},
+        {"runtime opened later", {host + "gnu_late", "late", VOX_LIBRARY}, "", "libgomp"},
+        // It offers GNU's interface too, and may be the first that the loader finds.
         {"the library's runtime serves both",
          {host + "gnu_first", "linked"},
-         {{"LD_PRELOAD", OPENMP_LIBRARY}},
+         OPENMP_LIBRARY,
          "libomp."},
     };
     for (const auto &c : cases) {
-        environment settings = c.settings;
-        // A host may load the sanitizer late; its threads are then not to be searched for leaks.
-        settings.emplace_back("ASAN_OPTIONS", "detect_leaks=0:verify_asan_link_order=0");
-        settings.emplace_back("VOX_NUM_THREADS", "4");
-        const child_result got = run_program(c.command, settings);
+        const child_result got = run_program(
+            c.command,
+            {{"LD_PRELOAD", c.preload},
+             {"VOX_NUM_THREADS", "4"},
+             // A host may load the sanitizer late; its threads are then not to be searched for leaks.
+             {"ASAN_OPTIONS", "detect_leaks=0:verify_asan_link_order=0"}});
         EXPECT_EQ(got.out, line(c.file)) << c.name;
         EXPECT_EQ(got.err, "") << c.name;
         EXPECT_EQ(got.status, 0) << c.name << ", signal " << got.signal;

@@ -14,6 +14,8 @@
 #pragma once
 
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -38,6 +40,18 @@ child_result run_child(const child_entry &entry, const environment &settings = {
 
 // Runs any program the same way.
 child_result run_program(const std::vector<std::string> &command, const environment &settings = {});
+
+// The exit status of a forked child, which the body returns. A child that hangs is a failure.
+template <class Body>
+int in_forked_child(const Body &body) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        alarm(30);
+        _exit(body());
+    }
+    int status = -1;
+    return waitpid(pid, &status, 0) == pid && WIFEXITED(status) ? WEXITSTATUS(status) : 1000;
+}
 
 // Runs the named child's body if this process was started as one; called by main.
 bool run_as_child();
