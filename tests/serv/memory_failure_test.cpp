@@ -46,22 +46,6 @@ void *hook_realloc(void *old, size_t size) {
     return refused() ? nullptr : __real_realloc(old, size);
 }
 
-// Takes scratch of these sizes at once, twice, the second time from what the first left.
-void use_pool(size_t step) {
-    void *scratch[7];
-    for (int round = 0; round < 2; ++round) {
-        for (unsigned i = 0; i < 7; ++i) {
-            scratch[i] = vox_serv_allocate(1000 + i * step, 64);
-            if (scratch[i])
-                fill(scratch[i], 1000, i);
-        }
-        for (unsigned i = 0; i < 7; ++i) {
-            CHECK(!scratch[i] || is_filled(scratch[i], 1000, i));
-            vox_serv_deallocate(scratch[i]);
-        }
-    }
-}
-
 void use_plain() {
     void *const p = vox_malloc(1000, 64), *const zeroed = vox_calloc(100, 8, 4096);
     CHECK(!zeroed || is_zero(zeroed, 800));
@@ -84,8 +68,9 @@ int run_script(int first_failing, int last_failing) {
     plan = {true, 0, first_failing, last_failing};
     const held before = held_now();
     use_plain();
-    use_pool(100);
-    use_pool(5000); // replaces buffers that are too small
+    for (size_t step :
+         {100, 100, 5000, 5000}) // from nothing, from what is there, replaced, and again
+        use_pool(1000, step);
     use_plain();
     vox_thread_free_buffers();
     plan.active = false;
@@ -122,13 +107,13 @@ TEST(MemoryFailure, EveryAllocationInTurn) {
 // Records beyond the table of slots are mapped. A thread that gets none has plain memory.
 CHILD(no_mapping) {
     std::latch all_hold(1024), go(1);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 1024; ++i)
-        threads.emplace_back([&] {
+    std::thread others([&] {
+        on_threads(1024, [&](int) {
             vox_free(vox_malloc(10, 64));
             all_hold.count_down();
             go.wait();
         });
+    });
     all_hold.wait();
     plan = {true, 0, 1, INT32_MAX};
     void *const code = vox_serv_jit_alloc(100);
@@ -143,8 +128,7 @@ CHILD(no_mapping) {
     vox_serv_deallocate(q);
     CHECK((held_now() == pooled(1000)));
     go.count_down();
-    for (std::thread &thread : threads)
-        thread.join();
+    others.join();
 }
 
 TEST(MemoryFailure, NoMappingForMoreRecordsOrForCode) { expect_success(no_mapping); }

@@ -1,6 +1,7 @@
 // memory_support.hpp - what the tests of the memory manager share.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 #include "tests/hosts/check.h" // children check with CHECK, tests with EXPECT_...
 #include "tests/support/child.hpp"
+#include "tests/support/tasks.hpp"
 #include "vox/service.h"
 
 namespace test {
@@ -41,24 +43,22 @@ inline bool is_aligned(const void *pointer, size_t alignment) {
 }
 
 // A block filled so that a byte moved, lost or overwritten by another block shows.
+inline unsigned char byte_at(size_t i, unsigned seed) {
+    return static_cast<unsigned char>(seed + i * 7 + (i >> 8));
+}
 inline void fill(void *block, size_t size, unsigned seed) {
-    unsigned char *const bytes = static_cast<unsigned char *>(block);
     for (size_t i = 0; i < size; ++i)
-        bytes[i] = static_cast<unsigned char>(seed + i * 7 + (i >> 8));
+        static_cast<unsigned char *>(block)[i] = byte_at(i, seed);
 }
 inline bool is_filled(const void *block, size_t size, unsigned seed) {
-    const unsigned char *const bytes = static_cast<const unsigned char *>(block);
-    for (size_t i = 0; i < size; ++i)
-        if (bytes[i] != static_cast<unsigned char>(seed + i * 7 + (i >> 8)))
-            return false;
-    return true;
+    size_t i = 0;
+    while (i < size && static_cast<const unsigned char *>(block)[i] == byte_at(i, seed))
+        ++i;
+    return i == size;
 }
 inline bool is_zero(const void *block, size_t size) {
     const unsigned char *const bytes = static_cast<const unsigned char *>(block);
-    for (size_t i = 0; i < size; ++i)
-        if (bytes[i] != 0)
-            return false;
-    return true;
+    return std::count(bytes, bytes + size, 0) == ptrdiff_t(size);
 }
 
 // One request: taken, filled, checked, released.
@@ -68,6 +68,23 @@ inline void use_scratch(size_t size, size_t alignment, unsigned seed) {
     fill(p, size, seed);
     CHECK(is_filled(p, size, seed));
     vox_serv_deallocate(p);
+}
+
+// Takes seven buffers at once, more than a pool has, growing by the step; returns how many there were.
+inline int use_pool(size_t size, size_t step) {
+    void *scratch[7];
+    int count = 0;
+    for (unsigned i = 0; i < 7; ++i) {
+        scratch[i] = vox_serv_allocate(size + i * step, 64);
+        count += scratch[i] != nullptr;
+        if (scratch[i])
+            fill(scratch[i], size, i);
+    }
+    for (unsigned i = 0; i < 7; ++i) {
+        CHECK(!scratch[i] || is_filled(scratch[i], size, i));
+        vox_serv_deallocate(scratch[i]);
+    }
+    return count;
 }
 
 // The child ran to its end, every CHECK holding.

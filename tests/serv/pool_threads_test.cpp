@@ -6,7 +6,6 @@
 #include <latch>
 #include <random>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
 namespace {
@@ -27,41 +26,36 @@ TEST(PoolThreads, ManyThreadsWithWalkersAmongThem) {
     const held before = held_now();
     std::atomic<int> running{64};
     std::latch start{64};
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 64; ++seed)
-        threads.emplace_back([&, seed] {
-            std::mt19937 random(seed);
-            start.arrive_and_wait();
-            std::vector<std::pair<void *, size_t>> mine;
-            for (int i = 0; i < 2000; ++i) {
-                if (mine.size() < 7 && random() % 2) {
-                    const size_t size = 1 + random() % (random() % 8 ? 300 : 5000);
-                    void *const p =
-                        random() % 8 ? vox_serv_allocate(size, 128) : vox_serv_malloc(size, 128);
-                    CHECK(p);
-                    fill(p, size, seed);
-                    mine.emplace_back(p, size);
-                } else if (!mine.empty()) {
-                    std::swap(mine[random() % mine.size()], mine.back());
-                    CHECK(is_filled(mine.back().first, mine.back().second, seed));
-                    vox_serv_deallocate(mine.back().first);
-                    mine.pop_back();
-                }
-            }
-            for (const auto &[p, size] : mine)
-                vox_serv_deallocate(p);
-            --running;
-        });
-    threads.emplace_back([&] {
-        while (running > 0)
+    on_threads(66, [&](int t) {
+        const unsigned seed = unsigned(t);
+        while (t == 64 && running > 0)
             vox_free_buffers();
-    });
-    threads.emplace_back([&] {
-        while (running > 0)
+        while (t == 65 && running > 0)
             held_now();
+        if (t >= 64)
+            return;
+        std::mt19937 random(seed);
+        start.arrive_and_wait();
+        std::vector<std::pair<void *, size_t>> mine;
+        for (int i = 0; i < 2000; ++i) {
+            if (mine.size() < 7 && random() % 2) {
+                const size_t size = 1 + random() % (random() % 8 ? 300 : 5000);
+                void *const p =
+                    random() % 8 ? vox_serv_allocate(size, 128) : vox_serv_malloc(size, 128);
+                CHECK(p);
+                fill(p, size, seed);
+                mine.emplace_back(p, size);
+            } else if (!mine.empty()) {
+                std::swap(mine[random() % mine.size()], mine.back());
+                CHECK(is_filled(mine.back().first, mine.back().second, seed));
+                vox_serv_deallocate(mine.back().first);
+                mine.pop_back();
+            }
+        }
+        for (const auto &[p, size] : mine)
+            vox_serv_deallocate(p);
+        --running;
     });
-    for (std::thread &thread : threads)
-        thread.join();
     EXPECT_EQ(held_now(), before);
 }
 
@@ -175,7 +169,8 @@ TEST(PoolThreads, ASmallStackIsEnoughForTheFirstUseOfEverything) { expect_succes
 
 std::atomic<bool> stop;
 std::latch all_hammer(4);
-void hammer(unsigned seed) {
+void hammer(int thread) {
+    const unsigned seed = unsigned(thread);
     std::mt19937 random(seed);
     vox_serv_deallocate(vox_serv_allocate(100, 64));
     all_hammer.count_down();
@@ -197,7 +192,6 @@ void hammer(unsigned seed) {
 }
 
 void use_after_fork() {
-    alarm(20); // a child that hangs is a failure
     use_scratch(3000, 64, 1);
     held_now();
     vox_free_buffers();
@@ -226,27 +220,17 @@ CHILD(fork_among_threads) {
     park_threads(std::atoi(std::getenv("TEST_PARKED")));
     void *const mine = vox_serv_allocate(500, 64);
     fill(mine, 500, 7);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back(hammer, seed);
+    std::thread others([] { on_threads(4, hammer); });
     all_hammer.wait();
-    for (int i = 0; i < 40; ++i) {
-        const pid_t pid = fork();
-        CHECK(pid >= 0);
-        if (pid == 0) {
-            use_after_fork();
-            CHECK(is_filled(mine, 500, 7));
-            vox_serv_deallocate(mine); // still the caller's own
-            CHECK(vox_serv_allocate(500, 64) == mine);
-            _exit(0);
-        }
-        int status = -1;
-        CHECK(waitpid(pid, &status, 0) == pid);
-        CHECK(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+    for (int i = 0; i < 40; ++i)
+        CHECK(in_forked_child([&] {
+                  use_after_fork();
+                  CHECK(is_filled(mine, 500, 7));
+                  vox_serv_deallocate(mine); // still the caller's own
+                  return vox_serv_allocate(500, 64) != mine;
+              }) == 0);
     stop = true;
-    for (std::thread &thread : threads)
-        thread.join();
+    others.join();
     _exit(0); // without the parked threads
 }
 TEST(PoolProcess, TheChildOfAForkWorksWhateverOtherThreadsDid) {
@@ -267,22 +251,18 @@ CHILD(fork_with_buffers_of_others) {
     prepared.wait();
     const held used{2 * pooled(2000).bytes, 2};
     CHECK((held_now() - used == pooled(1000)));
-    const pid_t pid = fork();
-    if (pid == 0) {
-        alarm(20);
-        CHECK((held_now() - used == pooled(1000)));
-        vox_free_buffers();
-        CHECK(held_now() == used);
-        if (may_start_threads_after_fork)
-            on_new_thread([&] {
-                for (int i = 0; i < 5; ++i)
-                    CHECK(vox_serv_allocate(100, 64));
-                CHECK((held_now() - used == held{5 * pooled(100).bytes, 5}));
-            });
-        _exit(0);
-    }
-    int status = -1;
-    CHECK(waitpid(pid, &status, 0) == pid && status == 0);
+    CHECK(in_forked_child([&] {
+              CHECK((held_now() - used == pooled(1000)));
+              vox_free_buffers();
+              CHECK(held_now() == used);
+              if (may_start_threads_after_fork)
+                  on_new_thread([&] {
+                      for (int i = 0; i < 5; ++i)
+                          CHECK(vox_serv_allocate(100, 64));
+                      CHECK((held_now() - used == held{5 * pooled(100).bytes, 5}));
+                  });
+              return 0;
+          }) == 0);
     done.count_down();
     other.join();
 }

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -98,6 +99,17 @@ test::child_result test::run_child(const child_entry &entry, const environment &
     environment with_name = settings;
     with_name.emplace_back(child_variable, entry.name);
     return run_program({"/proc/self/exe"}, with_name);
+}
+
+void test::expect_said(const child_entry &entry, const char *variable,
+                       const std::vector<std::string> &values, const std::string &expected,
+                       const environment &others) {
+    for (const std::string &value : values) {
+        environment settings = others;
+        settings.emplace_back(variable, value);
+        const child_result r = run_child(entry, settings);
+        EXPECT_EQ(r.out + r.err, expected) << variable << "=" << value.substr(0, 40);
+    }
 }
 
 test::child_result test::run_program(const std::vector<std::string> &command,

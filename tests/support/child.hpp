@@ -38,6 +38,11 @@ using environment = std::vector<std::pair<std::string, std::string>>;
 
 child_result run_child(const child_entry &entry, const environment &settings = {});
 
+// With each of the variable's values the child says this, on either stream.
+void expect_said(const child_entry &entry, const char *variable,
+                 const std::vector<std::string> &values, const std::string &expected,
+                 const environment &others = {});
+
 // Runs any program the same way.
 child_result run_program(const std::vector<std::string> &command, const environment &settings = {});
 
