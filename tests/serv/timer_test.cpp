@@ -6,15 +6,11 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "serv/frequency.hpp"
-#include "tests/support/child.hpp"
 #include "vox/service.h"
 
 namespace {
-
-using namespace test;
 
 TEST(Timer, FrequencyIsTicksPerTimeOrElseTheRatedOne) {
     EXPECT_DOUBLE_EQ(vox::counter_frequency(12500000, 0.005, 3.0), 2.5);
@@ -103,18 +99,5 @@ TEST(Timer, FrequenciesAreGigahertz) {
         EXPECT_LT(ghz, 20);
     }
 }
-
-CHILD(first_call_by_many) {
-    std::vector<double> found(16);
-    std::vector<std::thread> threads;
-    for (double &f : found)
-        threads.emplace_back([&f] { f = vox_get_clocks_frequency(); });
-    for (std::thread &t : threads)
-        t.join();
-    for (double f : found)
-        if (f != found[0] || f <= 0)
-            std::exit(1);
-}
-TEST(Timer, ManyThreadsMayMakeTheFirstCall) { EXPECT_EQ(run_child(first_call_by_many).status, 0); }
 
 } // namespace

@@ -1,5 +1,6 @@
 // verbose_test.cpp - verbose mode of a real process: who turns it on, where the lines go, and that
 // they stay whole.
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -9,11 +10,11 @@
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
-#include <thread>
 #include <vector>
 
 #include "tests/support/child.hpp"
 #include "tests/support/matches.hpp"
+#include "tests/support/tasks.hpp"
 #include "tests/support/temporary.hpp"
 #include "vox/blas.h"
 #include "vox/service.h"
@@ -51,7 +52,8 @@ std::vector<std::string> logged_calls(const std::string &text) {
     for (size_t i = 0; i < lines.size(); ++i) {
         EXPECT_EQ(matches(lines[i], header_pattern), i == 0) << lines[i];
         if (i > 0) {
-            EXPECT_TRUE(matches(lines[i], "VOX_VERBOSE .* 1\\.50ms.*")) << lines[i];
+            EXPECT_TRUE(matches(lines[i], "VOX_VERBOSE [^ ]* 1\\.50ms CNR:OFF Dyn:1 .*"))
+                << lines[i];
             calls.push_back(lines[i].substr(12, lines[i].find(" 1.50ms") - 12));
         }
     }
@@ -66,27 +68,11 @@ CHILD(print_mode) {
 }
 TEST(Verbose, OnlyAWholeNumberEqualToOneTurnsItOn) {
     const std::string zeros(127, '0');
-    const std::pair<std::string, const char *> cases[] = {{"1", "1"},
-                                                          {"0x1", "1"},
-                                                          {"01", "1"},
-                                                          {"+1", "1"},
-                                                          {" 1", "1"},
-                                                          {zeros + "1", "1"},
-                                                          {"", "0"},
-                                                          {"0", "0"},
-                                                          {"2", "0"},
-                                                          {"-1", "0"},
-                                                          {"1 ", "0"},
-                                                          {"1x", "0"},
-                                                          {"1.0", "0"},
-                                                          {"on", "0"},
-                                                          {"4294967297", "0"},
-                                                          {zeros + "01", "0"},
-                                                          {std::string(100000, '1'), "0"}};
-    for (const auto &[value, mode] : cases) {
-        const child_result r = run_child(print_mode, {{"VOX_VERBOSE", value}});
-        EXPECT_EQ(r.out + r.err, std::string(mode) + "1") << value.substr(0, 20);
-    }
+    expect_said(print_mode, "VOX_VERBOSE", {"1", "0x1", "01", "+1", " 1", zeros + "1"}, "11");
+    expect_said(print_mode, "VOX_VERBOSE",
+                {"", "0", "2", "-1", "1 ", "1x", "1.0", "on", "4294967297", zeros + "01",
+                 std::string(100000, '1')},
+                "01");
     EXPECT_EQ(run_child(print_mode).out, "01");
 }
 
@@ -172,10 +158,7 @@ std::string long_path(const temporary_directory &directory, size_t length) {
 
 TEST(Verbose, NamesThatCannotBeUsedAreReportedOnce) {
     const temporary_directory directory;
-    struct row {
-        std::string name, warning;
-    };
-    const row rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"", too_long_or_empty},
         {long_path(directory, 4095), ""},
         {long_path(directory, 4096), too_long_or_empty},
@@ -184,12 +167,11 @@ TEST(Verbose, NamesThatCannotBeUsedAreReportedOnce) {
         {directory.path(), cannot_be_opened},
         {directory / "none/log", cannot_be_opened},
     };
-    for (const row &r : rows) {
-        const child_result child = run_child(log_one, {{"VOX_VERBOSE_OUTPUT_FILE", r.name}});
-        EXPECT_EQ(child.err, r.warning) << r.name.size();
-        const std::string written =
-            r.warning.empty() ? contents_of(r.name) : std::string(child.out);
-        EXPECT_EQ(logged_calls(written), calls{"ONE()"}) << r.name.size();
+    for (const auto &[name, warning] : rows) {
+        const child_result child = run_child(log_one, {{"VOX_VERBOSE_OUTPUT_FILE", name}});
+        EXPECT_EQ(child.err, warning) << name.size();
+        EXPECT_EQ(logged_calls(warning.empty() ? contents_of(name) : child.out), calls{"ONE()"})
+            << name.size();
     }
 }
 
@@ -256,15 +238,11 @@ TEST(Verbose, ALineWhoseFileIsGoneGoesToStandardOutput) {
 constexpr int writers = 8, lines_per_writer = 200;
 
 CHILD(log_from_many_threads) {
-    std::vector<std::thread> threads;
-    for (int t = 0; t < writers; ++t)
-        threads.emplace_back([t] {
-            const std::string call = std::string(size_t(20 * t), char('a' + t)) + "()";
-            for (int i = 0; i < lines_per_writer; ++i)
-                log_call(call.c_str());
-        });
-    for (std::thread &thread : threads)
-        thread.join();
+    on_threads(writers, [](int t) {
+        const std::string call = std::string(size_t(20 * t), char('a' + t)) + "()";
+        for (int i = 0; i < lines_per_writer; ++i)
+            log_call(call.c_str());
+    });
 }
 TEST(Verbose, LinesOfManyThreadsStayWholeAfterOneHeader) {
     const temporary_directory directory;
@@ -273,35 +251,20 @@ TEST(Verbose, LinesOfManyThreadsStayWholeAfterOneHeader) {
         run_child(log_from_many_threads).out,
         (run_child(log_from_many_threads, {{"VOX_VERBOSE_OUTPUT_FILE", file}}), contents_of(file))};
     for (const std::string &output : outputs) {
-        const auto lines = lines_of(output);
-        ASSERT_EQ(lines.size(), size_t(1 + writers * lines_per_writer));
-        EXPECT_TRUE(matches(lines[0], header_pattern)) << lines[0];
-        int count[writers] = {};
-        for (size_t i = 1; i < lines.size(); ++i) {
-            const std::string &line = lines[i];
-            const size_t name_end = line.find("() 1.50ms CNR:OFF Dyn:1 ");
-            ASSERT_NE(name_end, std::string::npos) << line;
-            const std::string name = line.substr(12, name_end - 12);
-            const size_t t = name.size() / 20;
-            ASSERT_EQ(name, std::string(20 * t, char('a' + t)));
-            EXPECT_EQ(line.find("VOX_VERBOSE", 1), std::string::npos) << line;
-            ++count[t];
-        }
-        for (int c : count)
-            EXPECT_EQ(c, lines_per_writer);
+        const calls all = logged_calls(output);
+        ASSERT_EQ(all.size(), size_t(writers * lines_per_writer));
+        for (int t = 0; t < writers; ++t)
+            EXPECT_EQ(std::ranges::count(all, std::string(size_t(20 * t), char('a' + t)) + "()"),
+                      lines_per_writer);
     }
 }
 
 // The first look at every setting, from many threads at once: one warning, one value.
 CHILD(first_look_by_many) {
-    std::vector<std::thread> threads;
-    for (int t = 0; t < writers; ++t)
-        threads.emplace_back([] {
-            if (*vox_serv_verbose_mode() != 1 || *vox_serv_verbose_output_file_mode())
-                std::abort();
-        });
-    for (std::thread &thread : threads)
-        thread.join();
+    on_threads(writers, [](int) {
+        if (*vox_serv_verbose_mode() != 1 || *vox_serv_verbose_output_file_mode())
+            std::abort();
+    });
 }
 TEST(Verbose, ManyThreadsMayMakeTheFirstCall) {
     const child_result r =
