@@ -1,11 +1,14 @@
-// cpu_choice_test.cpp - features, ladder, ceiling, branches and debug type on synthetic processors.
+// cpu_choice_test.cpp - features, ladder, ceiling, branches, debug type and kernel sets on synthetic
+// processors.
 #include "serv/cpu_choice.hpp"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 #include "serv/cpu_model.hpp"
+#include "serv/kernel_sets.hpp"
 #include "tests/support/machines.hpp"
 
 namespace {
@@ -22,6 +25,18 @@ vox::cpu_facts facts(const vox::cpu_snapshot &s, const char *opened = "") {
 
 vox::cpu_choice choose(const vox::cpu_snapshot &s, const vox::cpu_settings &settings = {}) {
     return vox::choose_cpu(facts(s), settings);
+}
+
+int kernels(const vox::cpu_snapshot &s, const vox::cpu_settings &settings = {}) {
+    return vox::kernel_index_of(facts(s), settings, choose(s, settings));
+}
+
+vox::cpu_snapshot other_makers(tier t) { return machine(t, xcr0_zmm, "AuthenticAMD"); }
+
+vox::cpu_settings with_branch(int branch) { return {false, -1, branch, {}}; }
+vox::cpu_settings with_debug_type(int type) { return {true, type, VOX_CBWR_OFF, {}}; }
+vox::cpu_settings with_ceiling(int level) {
+    return {false, -1, VOX_CBWR_OFF, vox::tiers_of_level(level)};
 }
 
 // Which bit of the feature word each CPUID bit is, register by register, and the XCR0 bits it
@@ -95,27 +110,32 @@ TEST(FeatureWord, BmiNeedsBothHalvesAndSmallCoresAreThreeModels) {
 }
 
 TEST(TierLadder, TakesTheHighestTierThatProcessorAndSystemHave) {
-    const struct {
-        const char *what;
-        vox::cpu_snapshot cpu;
-        int type;
-    } cases[] = {
-        {"sse2", machine(sse2), 0},
-        {"ssse3", machine(ssse3), 2},
-        {"sse4.2", machine(sse42), 3},
-        {"avx", machine(avx), 4},
-        {"avx2", machine(avx2), 5},
-        {"avx512", machine(avx512), 7},
-        {"zel", machine(zel), 6},
-        {"zel e1", machine(zel_e1), 8},
-        {"avx512, zmm state off", machine(avx512, xcr0_ymm), 5},
-        {"avx512, ymm state off", machine(avx512, xcr0_sse), 3},
-        {"avx512, opmask state off", machine(avx512, 0xC7), 5},
-        {"another vendor", machine(avx512, xcr0_zmm, "AuthenticAMD"), 0},
-        {"another vendor without sse2", machine(bare, 0, "AuthenticAMD"), 0},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(choose(c.cpu).type, c.type) << c.what;
+    // Processor type, branch that AUTO stands for, kernels, microarchitecture.
+    const std::pair<tier, std::array<int, 4>> tiers[] = {
+        {sse2, {0, 4, 0, VOX_UARCH_BASELINE}}, {ssse3, {2, 6, 3, VOX_UARCH_SSSE3}},
+        {sse42, {3, 8, 5, VOX_UARCH_SSE42}},   {avx, {4, 9, 6, VOX_UARCH_AVX}},
+        {avx2, {5, 10, 7, VOX_UARCH_AVX2}},    {avx512, {7, 12, 9, VOX_UARCH_AVX512}},
+        {zel, {6, 11, 8, VOX_UARCH_ZEL}},      {zel_e1, {8, 13, 8, VOX_UARCH_ZEL_E1}}};
+    for (const auto &[t, expected] : tiers) {
+        const vox::cpu_snapshot cpu = machine(t);
+        EXPECT_EQ((std::array{choose(cpu).type, vox::auto_branch(facts(cpu), {}), kernels(cpu),
+                              vox::microarchitecture_of(cpu)}),
+                  expected)
+            << t;
+        // Another maker's gets the kernels all the same.
+        EXPECT_EQ(choose(other_makers(t)).type, 0) << t;
+        EXPECT_EQ(vox::auto_branch(facts(other_makers(t)), {}), 3) << t;
+        EXPECT_EQ(kernels(other_makers(t)), expected[2]) << t;
+    }
+    EXPECT_EQ(choose(machine(bare, 0, "AuthenticAMD")).type, 0);
+    EXPECT_EQ(choose(machine(avx512, xcr0_ymm)).type, 5); // what the system does not save is off
+    EXPECT_EQ(choose(machine(avx512, xcr0_sse)).type, 3);
+    EXPECT_EQ(choose(machine(avx512, 0xC7)).type, 5); // opmasks
+    vox::cpu_snapshot sse3_only = machine(sse2), sse41_only = machine(ssse3);
+    sse3_only.leaf1.ecx |= 1;
+    sse41_only.leaf1.ecx |= 1 | 1 << 19;
+    EXPECT_EQ(kernels(sse3_only), 2);
+    EXPECT_EQ(kernels(sse41_only), 4);
 
     vox::cpu_snapshot hidden = machine(avx512); // a hypervisor that hides one AVX2 companion
     hidden.extended1.ecx = 0;
@@ -132,7 +152,7 @@ TEST(TierLadder, BelowTheMinimumIsFatal) {
 }
 
 TEST(Vendor, TheTestOpensForAnyOrForTheExactVendor) {
-    const vox::cpu_snapshot other = machine(avx2, xcr0_ymm, "AuthenticAMD");
+    const vox::cpu_snapshot other = other_makers(avx2);
     const std::pair<const char *, int> cases[] = {
         {"", 0},    {"ANY", 5},          {"any", 0},           {"ANY ", 0},
         {"AMD", 0}, {"AuthenticAMD", 5}, {"AuthenticAMD ", 0}, {"GenuineQuarn", 0}};
@@ -156,21 +176,22 @@ TEST(Ceiling, EveryLevelOnEveryProcessor) {
             const vox::cpu_facts cpu = facts(machine(tiers[i]));
             ASSERT_EQ(vox::level_supported(cpu, level), expected[level][i] >= 0)
                 << level << ' ' << i;
-            vox::cpu_settings settings;
-            settings.tiers = vox::tiers_of_level(level);
             if (expected[level][i] >= 0) {
-                EXPECT_EQ(vox::choose_cpu(cpu, settings).type, expected[level][i])
+                EXPECT_EQ(vox::choose_cpu(cpu, with_ceiling(level)).type, expected[level][i])
                     << level << ' ' << i;
             }
         }
     for (int level : {-1, 6, 100})
         EXPECT_FALSE(vox::level_supported(facts(machine(zel_e1)), level));
 
-    vox::cpu_settings low;
-    low.tiers = vox::tiers_of_level(VOX_ENABLE_SSE4_2);
-    EXPECT_EQ(choose(machine(avx512), low).reason, cpu_reason::ceiling);
-    low.tiers = vox::tiers_of_level(VOX_ENABLE_AVX512);
-    EXPECT_EQ(choose(machine(avx512), low).reason, cpu_reason::features);
+    const auto reason = [](int level) {
+        return choose(machine(avx512), with_ceiling(level)).reason;
+    };
+    EXPECT_EQ(reason(VOX_ENABLE_SSE4_2), cpu_reason::ceiling);
+    EXPECT_EQ(reason(VOX_ENABLE_AVX512), cpu_reason::features);
+    // It holds where the vendor test does not.
+    for (const vox::cpu_snapshot &cpu : {machine(avx512), other_makers(avx512)})
+        EXPECT_EQ(kernels(cpu, with_ceiling(VOX_ENABLE_AVX)), 6);
 }
 
 TEST(Ceiling, OnlyExactWordsCount) {
@@ -184,33 +205,35 @@ TEST(Ceiling, OnlyExactWordsCount) {
 
 TEST(Branch, EveryWordAndItsType) {
     const struct {
-        const char *word;
-        int branch, type;
-    } rows[] = {{"COMPATIBLE", 3, 0},  {"SSE2", 4, 0},    {"SSE3", 4, 0},          {"SSSE3", 6, 2},
-                {"SSE4_1", 7, 2},      {"SSE4_2", 8, 3},  {"AVX", 9, 4},           {"AVX2", 10, 5},
-                {"AVX512_ZEL", 11, 6}, {"AVX512", 12, 7}, {"AVX512_ZEL_E1", 13, 8}};
+        std::string word;
+        int branch, type, kernels;
+    } rows[] = {{"COMPATIBLE", 3, 0, 1}, {"SSE2", 4, 0, 1},          {"SSE3", 4, 0, 1},
+                {"SSSE3", 6, 2, 3},      {"SSE4_1", 7, 2, 4},        {"SSE4_2", 8, 3, 5},
+                {"AVX", 9, 4, 6},        {"AVX2", 10, 5, 7},         {"AVX512_ZEL", 11, 6, 8},
+                {"AVX512", 12, 7, 9},    {"AVX512_ZEL_E1", 13, 8, 8}};
     for (const auto &row : rows) {
         SCOPED_TRACE(row.word);
-        EXPECT_EQ(vox::parse_branch(row.word), row.branch);
-        EXPECT_EQ(vox::parse_branch((std::string("BRANCH=") + row.word).c_str()), row.branch);
-        EXPECT_EQ(vox::parse_branch((std::string("x,BRANCH=") + row.word).c_str()), row.branch);
+        for (const char *front : {"", "BRANCH=", "x,BRANCH="})
+            EXPECT_EQ(vox::parse_branch((front + row.word).c_str()), row.branch);
         for (const char *tail : {" ", ",", "x"}) // the word must end the value
-            EXPECT_EQ(vox::parse_branch((std::string(row.word) + tail).c_str()), 0);
-        vox::cpu_settings settings;
-        settings.branch = row.branch;
+            EXPECT_EQ(vox::parse_branch((row.word + tail).c_str()), 0);
         // Forced whatever the vendor, on a processor that has what the branch needs.
         const tier t = row.branch == 12 ? avx512 : zel_e1;
-        const vox::cpu_choice choice = choose(machine(t, xcr0_zmm, "AuthenticAMD"), settings);
+        const vox::cpu_choice choice = choose(other_makers(t), with_branch(row.branch));
         EXPECT_EQ(choice.type, row.type);
         EXPECT_EQ(choice.message, 0);
+        for (const vox::cpu_snapshot &cpu : {machine(t), other_makers(t)})
+            EXPECT_EQ(kernels(cpu, with_branch(row.branch)), row.kernels);
     }
+    EXPECT_EQ(kernels(machine(avx512), with_branch(VOX_CBWR_AUTO)), 9);
+    EXPECT_EQ(kernels(other_makers(avx512), with_branch(VOX_CBWR_AUTO)), 9);
+    EXPECT_EQ(kernels(machine(sse2), with_branch(VOX_CBWR_AUTO)), 1); // a reproducible set
     EXPECT_EQ(vox::parse_branch("AUTO"), 2);
     for (const char *bad : {"OFF", "auto", "BRANCH=", "BRANCH= AVX2", "1", "AVX1024"})
         EXPECT_EQ(vox::parse_branch(bad), 0) << bad;
 }
 
 TEST(Branch, AboveTheProcessorOrUnknownWarnsAndUsesTheLadder) {
-    vox::cpu_settings settings;
     const struct {
         int branch;
         tier cpu;
@@ -219,80 +242,67 @@ TEST(Branch, AboveTheProcessorOrUnknownWarnsAndUsesTheLadder) {
                  {11, avx512, 7}, {12, zel, 6},  {12, avx2, 5}, {13, zel, 6},
                  {0, avx2, 5},    {14, avx2, 5}, {63, avx, 4},  {11, avx2, 5}};
     for (const auto &c : cases) {
-        settings.branch = c.branch;
-        const vox::cpu_choice choice = choose(machine(c.cpu), settings);
+        const vox::cpu_choice choice = choose(machine(c.cpu), with_branch(c.branch));
         EXPECT_EQ(choice.type, c.type) << c.branch;
         EXPECT_EQ(choice.message, 1209) << c.branch;
     }
-    settings.branch = 5; // has no word, but its number is accepted
-    EXPECT_EQ(choose(machine(avx2), settings).type, 0);
-    EXPECT_EQ(choose(machine(avx2), settings).message, 0);
-}
-
-TEST(Branch, AutoStandsForTheBranchOfTheLadder) {
-    const std::pair<tier, int> cases[] = {{sse2, 4},  {ssse3, 6},   {sse42, 8}, {avx, 9},
-                                          {avx2, 10}, {avx512, 12}, {zel, 11},  {zel_e1, 13}};
-    for (const auto &[t, branch] : cases)
-        EXPECT_EQ(vox::auto_branch(facts(machine(t)), {}), branch) << t;
-    EXPECT_EQ(vox::auto_branch(facts(machine(avx512, xcr0_zmm, "AuthenticAMD")), {}), 3);
+    // Has no word, but its number is accepted.
+    EXPECT_EQ(choose(machine(avx2), with_branch(5)).type, 0);
+    EXPECT_EQ(choose(machine(avx2), with_branch(5)).message, 0);
 }
 
 TEST(DebugType, DecidesAloneWithinWhatTheCodeCanRunOn) {
-    vox::cpu_settings settings;
-    settings.debug_given = true;
-    settings.branch = VOX_CBWR_AVX; // does not count
-    settings.tiers = vox::tiers_of_level(VOX_ENABLE_SSE4_2);
-    for (int type : {0, 1, 2, 3, 4, 5, 7}) {
-        settings.debug_type = type;
-        const vox::cpu_choice choice = choose(machine(avx512, xcr0_zmm, "AuthenticAMD"), settings);
+    // The kernels of each type; the many-core code runs wherever AVX-512 does.
+    const int kernels_of[] = {0, 0, 3, 5, 6, 7, 8, 9, 8};
+    for (int type = 0; type <= 8; ++type) {
+        vox::cpu_settings settings = with_debug_type(type);
+        settings.branch = VOX_CBWR_AVX; // does not count
+        settings.tiers = vox::tiers_of_level(VOX_ENABLE_SSE4_2);
+        const vox::cpu_choice choice = choose(other_makers(avx512), settings);
         EXPECT_EQ(choice.type, type);
         EXPECT_EQ(choice.reason, cpu_reason::debug_type);
+        EXPECT_EQ(kernels(other_makers(avx512), with_debug_type(type)), kernels_of[type]) << type;
     }
-    for (int type : {6, 8}) { // the many-core code runs wherever AVX-512 does
-        settings.debug_type = type;
-        EXPECT_EQ(choose(machine(avx512), settings).type, type);
-    }
-    for (int type : {-1, 9, 1 << 30}) {
-        settings.debug_type = type;
-        EXPECT_EQ(choose(machine(avx512), settings).message, 1213) << type;
-    }
-    settings = {};
-    settings.debug_given = true;
-    settings.debug_type = 7;
-    const vox::cpu_choice choice = choose(machine(avx2), settings);
-    EXPECT_EQ(choice.type, 5); // a type that would fault: warned about, the ladder instead
+    for (int type : {-1, 9, 1 << 30})
+        EXPECT_EQ(choose(machine(avx512), with_debug_type(type)).message, 1213) << type;
+    // A type that would fault: warned about, the ladder instead.
+    const vox::cpu_choice choice = choose(machine(avx2), with_debug_type(7));
+    EXPECT_EQ(choice.type, 5);
     EXPECT_EQ(choice.message, 4);
 }
 
 TEST(Reevaluation, IgnoresTheBranchAndMayAnswerEight) {
-    vox::cpu_settings settings;
-    settings.branch = VOX_CBWR_COMPATIBLE;
-    EXPECT_EQ(vox::reevaluate_cpu(facts(machine(zel_e1)), settings), 8);
-    EXPECT_EQ(vox::reevaluate_cpu(facts(machine(avx2)), settings), 5);
-    settings.debug_given = true;
-    settings.debug_type = 3;
-    EXPECT_EQ(vox::reevaluate_cpu(facts(machine(avx2)), settings), 3);
+    const auto type = [](tier t, const vox::cpu_settings &settings) {
+        return vox::reevaluate_cpu(facts(machine(t)), settings);
+    };
+    EXPECT_EQ(type(zel_e1, with_branch(VOX_CBWR_COMPATIBLE)), 8);
+    EXPECT_EQ(type(avx2, with_branch(VOX_CBWR_COMPATIBLE)), 5);
+    EXPECT_EQ(type(avx2, with_debug_type(3)), 3);
 }
 
-TEST(Microarchitecture, ModelsWhereTheyMatterFeaturesElsewhere) {
-    auto amd = [](uint32_t signature, tier t) {
-        vox::cpu_snapshot s = machine(t, xcr0_zmm, "AuthenticAMD");
-        s.leaf1.eax = signature;
-        return vox::microarchitecture_of(s);
-    };
-    EXPECT_EQ(amd(0x00800F12, avx2), VOX_UARCH_ZEN1);
-    EXPECT_EQ(amd(0x00830F10, avx2), VOX_UARCH_ZEN2);
-    EXPECT_EQ(amd(0x00A20F12, avx2), VOX_UARCH_ZEN3);
-    EXPECT_EQ(amd(0x00A10F11, avx512), VOX_UARCH_ZEN4);
-    EXPECT_EQ(amd(0x00A60F12, avx512), VOX_UARCH_ZEN4);
-    EXPECT_EQ(amd(0x00B40F40, avx512), VOX_UARCH_ZEN5);
-    EXPECT_EQ(amd(0x00C00F00, avx512), VOX_UARCH_AVX512); // a family not known yet: by features
-    const std::pair<tier, int> by_features[] = {
-        {bare, VOX_UARCH_UNKNOWN}, {sse2, VOX_UARCH_BASELINE}, {ssse3, VOX_UARCH_SSSE3},
-        {sse42, VOX_UARCH_SSE42},  {avx, VOX_UARCH_AVX},       {avx2, VOX_UARCH_AVX2},
-        {zel, VOX_UARCH_ZEL},      {zel_e1, VOX_UARCH_ZEL_E1}, {avx512, VOX_UARCH_AVX512}};
-    for (const auto &[t, id] : by_features)
-        EXPECT_EQ(vox::microarchitecture_of(machine(t)), id) << t;
+TEST(Microarchitecture, IsTheModelWhereItMattersAndTheTierElsewhere) {
+    const struct {
+        uint32_t signature;
+        tier t;
+        int expected;
+    } models[] = {{0x00800F12, avx2, VOX_UARCH_ZEN1},    {0x00830F10, avx2, VOX_UARCH_ZEN2},
+                  {0x00A20F12, avx2, VOX_UARCH_ZEN3},    {0x00A10F11, avx512, VOX_UARCH_ZEN4},
+                  {0x00A60F12, avx512, VOX_UARCH_ZEN4},  {0x00B40F40, avx512, VOX_UARCH_ZEN5},
+                  {0x00C00F00, avx512, VOX_UARCH_AVX512}}; // a family not known yet
+    for (const auto &m : models) {
+        vox::cpu_snapshot cpu = other_makers(m.t);
+        cpu.leaf1.eax = m.signature;
+        EXPECT_EQ(vox::microarchitecture_of(cpu), m.expected) << m.signature;
+    }
+    EXPECT_EQ(vox::microarchitecture_of(machine(bare)), VOX_UARCH_UNKNOWN);
+}
+
+TEST(KernelSets, TenIndicesNineSets) {
+    using set = vox::kernel_set;
+    const set sets[] = {set::def,   set::cnr_def, set::def,  set::ssse3,      set::sse41,
+                        set::sse42, set::avx,     set::avx2, set::avx512_zel, set::avx512};
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(vox::kernel_set_of(i), sets[i]) << i;
 }
 
 } // namespace
