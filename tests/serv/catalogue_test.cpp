@@ -20,19 +20,17 @@ using namespace test;
 namespace fs = std::filesystem;
 
 TEST(Catalogue, HasTheDocumentedMessagesAndReservesTheOthers) {
-    const std::pair<int, const char *> documented[] = {
-        {0, ""},     {1, "s"},    {2, "ss"},   {3, "s"},    {4, "d"},    {5, "sdd"},   {6, "ds"},
-        {7, "ds"},   {8, "s"},    {9, "s"},    {10, ""},    {1089, "s"}, {1207, ""},   {1208, ""},
-        {1209, ""},  {1210, ""},  {1211, ""},  {1212, "s"}, {1213, "d"}, {1300, "s"},  {1301, "sd"},
-        {1303, "s"}, {1304, "s"}, {1305, "s"}, {1306, "s"}, {1307, "s"}, {1308, "sdg"}};
+    const std::pair<int, std::string> documented[] = {
+        {0, ""},      {1, "%s"},    {2, "%s%s"},     {3, "%s"},    {4, "%d"},    {5, "%s%d%d"},
+        {6, "%d%s"},  {7, "%d%s"},  {8, "%s"},       {9, "%s"},    {10, ""},     {1089, "%s"},
+        {1207, ""},   {1208, ""},   {1209, ""},      {1210, ""},   {1211, ""},   {1212, "%s"},
+        {1213, "%d"}, {1300, "%s"}, {1301, "%s%d"},  {1303, "%s"}, {1304, "%s"}, {1305, "%s"},
+        {1306, "%s"}, {1307, "%s"}, {1308, "%s%d%g"}};
     int texts = 0;
     for (int number = -1; number <= 1500; ++number)
         texts += *vox::built_in_text(number) != '\0';
     EXPECT_EQ(texts, int(std::size(documented)));
-    for (const auto &[number, letters] : documented) {
-        std::string format;
-        for (const char *p = letters; *p; ++p)
-            format += std::string("%") + *p;
+    for (const auto &[number, format] : documented) {
         EXPECT_TRUE(vox::same_conversions(vox::built_in_text(number), format.c_str())) << number;
         EXPECT_EQ(vox::count_conversions(vox::built_in_text(number)), int(format.size()) / 2);
     }
@@ -42,20 +40,16 @@ TEST(Catalogue, ConversionsMustBeTheSameInTheSameOrder) {
     const std::pair<const char *, const char *> same[] = {
         {"", "no conversion"}, {"100%% of", ""},       {"%d %s", "%%%d%%%s%%"},
         {"%%d", "%%s"},        {"%5.2f", "x %5.2f y"}, {"%-8ld", "%-8ld"}};
-    for (const auto &[a, b] : same) {
-        EXPECT_TRUE(vox::same_conversions(a, b)) << a << " | " << b;
-        EXPECT_TRUE(vox::same_conversions(b, a)) << a << " | " << b;
-    }
+    for (const auto &[a, b] : same)
+        EXPECT_TRUE(vox::same_conversions(a, b) && vox::same_conversions(b, a)) << a << " | " << b;
     const std::pair<const char *, const char *> different[] = {
         {"", "%s"},      {"%d", "%s"},  {"%d %s", "%s %d"},     {"%d", "%d%d"},
         {"%d", "%n"},    {"%d", "%ld"}, {"%5.2f", "%5.3f"},     {"%d", "%*d"},
         {"%d", "%1$d"},  {"", "%"},     {"", "50% de"},         {"%d", "%d %"},
         {"%d", "%%d"},   {"%s", "%-"},  {"%d %s", "%2$s %1$d"}, {"", "%%%"},
         {"%d", "%hhhd"}, {"%s", "%S"},  {"%s", "%'s"}};
-    for (const auto &[a, b] : different) {
-        EXPECT_FALSE(vox::same_conversions(a, b)) << a << " | " << b;
-        EXPECT_FALSE(vox::same_conversions(b, a)) << a << " | " << b;
-    }
+    for (const auto &[a, b] : different)
+        EXPECT_FALSE(vox::same_conversions(a, b) || vox::same_conversions(b, a)) << a << " | " << b;
 }
 
 // A directory of catalogues; a path below it names a language.
@@ -75,7 +69,7 @@ class catalogues {
         return directory_ / language + "/vox_msg.cat";
     }
     environment settings(const std::string &lang) const {
-        return {{"NLSPATH", directory_ / "%L/%N"}, {"LANG", lang}, {"LC_ALL", "C"}};
+        return {{"NLSPATH", directory_ / "%L/%N"}, {"LC_ALL", "C"}, {"LANG", lang}};
     }
 
   private:
@@ -104,9 +98,7 @@ TEST(Catalogue, TheLanguageIsTriedWithAndWithoutItsCharacterSet) {
     const catalogues files;
     files.add("de_DE", german);
     files.add("fr.UTF-8", "1208 Mode d'emploi\n");
-    const struct {
-        std::string lang, expected;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"de_DE", in_german},
         {"de_DE.UTF-8", in_german},
         {"de_DE.UTF-8.x", in_german}, // cut at the first dot
@@ -120,10 +112,9 @@ TEST(Catalogue, TheLanguageIsTriedWithAndWithoutItsCharacterSet) {
         {"de_DE." + std::string(59, 'x'), built_in},  // too long to be read
         {std::string(100000, 'x'), built_in},
     };
-    for (const auto &c : cases) {
-        const child_result result = run_child(print_three, files.settings(c.lang));
-        EXPECT_EQ(result.out, c.expected + c.lang); // the program's LANG is as it was
-        EXPECT_EQ(result.err, "");
+    for (const auto &[lang, expected] : cases) {
+        const child_result result = run_child(print_three, files.settings(lang));
+        EXPECT_EQ(result.out + result.err, expected + lang); // the program's LANG is as it was
     }
 }
 
@@ -153,8 +144,7 @@ TEST(Catalogue, HostileTextsAreNotUsed) {
 TEST(Catalogue, DamagedFilesFallBackToTheBuiltInTexts) {
     const catalogues files;
     files.add("xx", german);
-    std::ifstream in(files.file("xx"), std::ios::binary);
-    const std::string whole{std::istreambuf_iterator<char>(in), {}};
+    const std::string whole = contents_of(files.file("xx"));
     const auto out_of = [&](const std::string &content) {
         std::ofstream(files.file("xx"), std::ios::binary) << content;
         const child_result result = run_child(print_three, files.settings("xx"));

@@ -1,7 +1,6 @@
 // cpu_quota_test.cpp - limits of control groups, in trees of files laid out like the kernel's.
 #include "serv/cpu_quota.hpp"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -15,27 +14,30 @@ namespace {
 
 using files = std::vector<std::pair<std::string, std::string>>; // "@" stands for the tree's root
 
-class Tree {
-  public:
-    void add(const std::string &name, std::string text) {
+int quota_in(const files &tree) {
+    const test::temporary_directory root;
+    for (auto [name, text] : tree) {
         for (size_t at; (at = text.find('@')) != std::string::npos;)
-            text.replace(at, 1, root_.path());
-        const std::filesystem::path path = root_ / name;
+            text.replace(at, 1, root.path());
+        const std::filesystem::path path = root / name;
         std::filesystem::create_directories(path.parent_path());
         std::ofstream(path) << text;
     }
-    int quota() const {
-        return vox::read_cpu_quota((root_ / "cgroup").c_str(), (root_ / "mountinfo").c_str());
-    }
-
-  private:
-    const test::temporary_directory root_;
-};
+    return vox::read_cpu_quota((root / "cgroup").c_str(), (root / "mountinfo").c_str());
+}
 
 constexpr char v2_mount[] = "22 1 0:20 / /proc rw - proc proc rw\n"
                             "30 23 0:27 / @/v2 rw,nosuid shared:9 - cgroup2 cgroup2 rw\n";
 constexpr char v1_mounts[] = "31 23 0:28 / @/set rw - cgroup cgroup rw,cpuset\n"
                              "32 23 0:29 / @/cpu rw shared:2 - cgroup cgroup rw,cpu,cpuacct\n";
+
+// A process in a group of the second generation, and cpu.max in directories below its mount.
+files second(const std::string &group, const files &limits) {
+    files tree = {{"cgroup", "0::" + group + "\n"}, {"mountinfo", v2_mount}};
+    for (const auto &[directory, text] : limits)
+        tree.emplace_back("v2" + directory + "/cpu.max", text + "\n");
+    return tree;
+}
 
 TEST(CpuQuota, IsTheLowestOfTheGroupAndItsParents) {
     const struct {
@@ -45,31 +47,16 @@ TEST(CpuQuota, IsTheLowestOfTheGroupAndItsParents) {
     } cases[] = {
         {"no files at all", {}, 0},
         {"junk", {{"cgroup", "x\n::\n:\n0:\n"}, {"mountinfo", "- \n  - -\n1 2 3 - cgroup2\n"}}, 0},
-        {"second generation",
-         {{"cgroup", "0::/a/b\n"}, {"mountinfo", v2_mount}, {"v2/a/b/cpu.max", "300000 100000\n"}},
-         3},
-        {"rounded up",
-         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"v2/a/cpu.max", "100001 100000\n"}},
-         2},
-        {"less than one processor",
-         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"v2/a/cpu.max", "1000 100000\n"}},
-         1},
-        {"no limit",
-         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"v2/a/cpu.max", "max 100000\n"}},
-         0},
+        {"second generation", second("/a/b", {{"/a/b", "300000 100000"}}), 3},
+        {"rounded up", second("/a", {{"/a", "100001 100000"}}), 2},
+        {"less than one processor", second("/a", {{"/a", "1000 100000"}}), 1},
+        {"no limit", second("/a", {{"/a", "max 100000"}}), 0},
         {"the parent's is lower",
-         {{"cgroup", "0::/a/b/c\n"},
-          {"mountinfo", v2_mount},
-          {"v2/a/cpu.max", "250000 100000\n"},
-          {"v2/a/b/cpu.max", "max 100000\n"},
-          {"v2/a/b/c/cpu.max", "800000 100000\n"}},
+         second("/a/b/c",
+                {{"/a", "250000 100000"}, {"/a/b", "max 100000"}, {"/a/b/c", "800000 100000"}}),
          3},
-        {"the root's own file",
-         {{"cgroup", "0::/\n"}, {"mountinfo", v2_mount}, {"v2/cpu.max", "200000 100000\n"}},
-         2},
-        {"nothing above the mount is read",
-         {{"cgroup", "0::/a\n"}, {"mountinfo", v2_mount}, {"cpu.max", "100000 100000\n"}},
-         0},
+        {"the root's own file", second("/", {{"", "200000 100000"}}), 2},
+        {"nothing above the mount is read", second("/a", {{"/..", "100000 100000"}}), 0},
         {"only the container's own group is mounted",
          {{"cgroup", "0::/docker/1/x\n"},
           {"mountinfo", "30 23 0:27 /docker/1 @/v2 rw - cgroup2 cgroup2 rw\n"},
@@ -101,27 +88,12 @@ TEST(CpuQuota, IsTheLowestOfTheGroupAndItsParents) {
           {"cpu/cpu.cfs_period_us", "50000\n"}},
          4},
         {"numbers that are none",
-         {{"cgroup", "0::/a/b/c\n"},
-          {"mountinfo", v2_mount},
-          {"v2/a/cpu.max", ""},
-          {"v2/a/b/cpu.max", "200000 0\n"},
-          {"v2/a/b/c/cpu.max", "200000\n"}},
-         0},
-        {"larger than any number",
-         {{"cgroup", "0::/a\n"},
-          {"mountinfo", v2_mount},
-          {"v2/a/cpu.max", "99999999999999999999999 1\n"}},
-         2147483647},
-        {"a path longer than any",
-         {{"cgroup", "0::/" + std::string(100000, 'a') + "\n"}, {"mountinfo", v2_mount}},
-         0},
+         second("/a/b/c", {{"/a", ""}, {"/a/b", "200000 0"}, {"/a/b/c", "200000"}}), 0},
+        {"larger than any number", second("/a", {{"/a", "99999999999999999999999 1"}}), 2147483647},
+        {"a path longer than any", second("/" + std::string(100000, 'a'), {}), 0},
     };
-    for (const auto &c : cases) {
-        Tree tree;
-        for (const auto &[name, text] : c.tree)
-            tree.add(name, text);
-        EXPECT_EQ(tree.quota(), c.quota) << c.name;
-    }
+    for (const auto &c : cases)
+        EXPECT_EQ(quota_in(c.tree), c.quota) << c.name;
 }
 
 } // namespace

@@ -12,23 +12,16 @@ struct part {
     bool operator==(const part &) const = default;
 };
 
-part plain(int64_t t, int64_t threads, int64_t n) {
+// Any of the three functions, with or without its further argument.
+template <auto divide, class... More>
+part part_of(int64_t t, int64_t threads, int64_t n, More... more) {
     part p{-1, -1};
-    p.start = vox_serv_divbythreads(&t, &threads, &n, &p.length);
+    p.start = divide(&t, &threads, &n, &more..., &p.length);
     return p;
 }
-
-part blocks(int64_t t, int64_t threads, int64_t n, int64_t nb) {
-    part p{-1, -1};
-    p.start = vox_serv_divbythreadsnb(&t, &threads, &n, &nb, &p.length);
-    return p;
-}
-
-part triangle(int64_t t, int64_t threads, int64_t n, char uplo) {
-    part p{-1, -1};
-    p.start = vox_serv_divbythreadstr(&t, &threads, &n, &uplo, &p.length);
-    return p;
-}
+constexpr auto plain = part_of<vox_serv_divbythreads>;
+constexpr auto blocks = part_of<vox_serv_divbythreadsnb, int64_t>;
+constexpr auto triangle = part_of<vox_serv_divbythreadstr, char>;
 
 constexpr int64_t huge = (int64_t(1) << 62) + 12345;
 
@@ -67,16 +60,15 @@ TEST(Partition, ThreadsOutsideTheTeamAndEmptyRangesGetNothing) {
                  {-1, 0, 10}, {0, 4, 0},  {3, 4, 0},     {0, 4, -10}, {0, 1, -10}};
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << c.t << " of " << c.threads << ", n " << c.n);
-        EXPECT_EQ(plain(c.t, c.threads, c.n).length, 0);
-        EXPECT_EQ(blocks(c.t, c.threads, c.n, 4).length, 0);
-        EXPECT_EQ(triangle(c.t, c.threads, c.n, 'U').length, 0);
-        EXPECT_EQ(triangle(c.t, c.threads, c.n, 'L').length, 0);
+        for (const part p :
+             {plain(c.t, c.threads, c.n), blocks(c.t, c.threads, c.n, 4),
+              triangle(c.t, c.threads, c.n, 'U'), triangle(c.t, c.threads, c.n, 'L')})
+            EXPECT_EQ(p.length, 0);
     }
-    for (int64_t threads : {1, 0, -3}) { // fewer than two: thread 0 gets everything
-        EXPECT_EQ(plain(0, threads, 10), (part{0, 10}));
-        EXPECT_EQ(blocks(0, threads, 10, 4), (part{0, 10}));
-        EXPECT_EQ(triangle(0, threads, 10, 'U'), (part{0, 10}));
-    }
+    for (int64_t threads : {1, 0, -3}) // fewer than two: thread 0 gets everything
+        for (const part p :
+             {plain(0, threads, 10), blocks(0, threads, 10, 4), triangle(0, threads, 10, 'U')})
+            EXPECT_EQ(p, (part{0, 10}));
 }
 
 TEST(Partition, PlainPartsDifferByOneAndTheLongerComeFirst) {
@@ -88,16 +80,18 @@ TEST(Partition, PlainPartsDifferByOneAndTheLongerComeFirst) {
 }
 
 TEST(Partition, BlocksStayWholeAndTheLastThreadTakesTheRemainder) {
-    const std::vector<part> cases[] = {
-        {{0, 16}, {16, 8}, {24, 11}}, // 35 in blocks of 8: four blocks and 3
-        {{0, 0}, {0, 0}, {0, 7}},     // not one whole block
+    const struct {
+        int64_t n;
+        part parts[3];
+    } cases[] = {
+        {35, {{0, 16}, {16, 8}, {24, 11}}}, // in blocks of 8: four blocks and 3
+        {7, {{0, 0}, {0, 0}, {0, 7}}},      // not one whole block
     };
-    const int64_t n[] = {35, 7};
-    for (size_t c = 0; c < 2; ++c)
+    for (const auto &[n, parts] : cases)
         for (int64_t t = 0; t < 3; ++t) {
-            const part p = blocks(t, 3, n[c], 8), want = cases[c][size_t(t)];
-            EXPECT_EQ(p.length, want.length) << "n " << n[c] << ", thread " << t;
-            EXPECT_TRUE(want.length == 0 || p.start == want.start) << "n " << n[c] << ", " << t;
+            const part p = blocks(t, 3, n, 8), want = parts[t];
+            EXPECT_EQ(p.length, want.length) << "n " << n << ", thread " << t;
+            EXPECT_TRUE(want.length == 0 || p.start == want.start) << "n " << n << ", " << t;
         }
 }
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -23,10 +24,9 @@ processor_mask mask_of(const std::vector<int> &processors) {
     return mask;
 }
 
-std::vector<int> range(int from, int to) {
-    std::vector<int> result;
-    for (int i = from; i < to; ++i)
-        result.push_back(i);
+std::vector<int> first(int count) {
+    std::vector<int> result(size_t(count), 0);
+    std::iota(result.begin(), result.end(), 0);
     return result;
 }
 
@@ -44,36 +44,31 @@ synthetic *now = nullptr;
 topology find(synthetic &s, bool visits, const char *cpuinfo, bool mask_known = true) {
     now = &s;
     s.current = s.process;
-    const machine m = {visits,
-                       [](int, processor_mask &mask) {
-                           mask = now->current;
-                           return true;
-                       },
-                       [](const processor_mask &mask) {
-                           ++now->moves;
-                           if (now->refused_processor >= 0 &&
-                               mask == mask_of({now->refused_processor}))
-                               return false;
-                           now->current = mask;
-                           return true;
-                       },
-                       [] {
-                           int p = 0;
-                           while (!now->current.has(p))
-                               ++p;
-                           return now->apic.at(size_t(p));
-                       },
-                       cpuinfo,
-                       [](size_t bytes) -> void * {
-                           if (now->allocations_left-- <= 0)
-                               return nullptr;
-                           ++now->live_blocks;
-                           return std::malloc(bytes);
-                       },
-                       [](void *block) {
-                           --now->live_blocks;
-                           std::free(block);
-                       }};
+    const auto get_mask = [](int, processor_mask &mask) { return mask = now->current, true; };
+    const auto set_mask = [](const processor_mask &mask) {
+        ++now->moves;
+        if (now->refused_processor >= 0 && mask == mask_of({now->refused_processor}))
+            return false;
+        now->current = mask;
+        return true;
+    };
+    const auto read_apic = [] {
+        int p = 0;
+        while (!now->current.has(p))
+            ++p;
+        return now->apic.at(size_t(p));
+    };
+    const auto allocate = [](size_t bytes) -> void * {
+        if (now->allocations_left-- <= 0)
+            return nullptr;
+        ++now->live_blocks;
+        return std::malloc(bytes);
+    };
+    const auto release = [](void *block) {
+        --now->live_blocks;
+        std::free(block);
+    };
+    const machine m = {visits, get_mask, set_mask, read_apic, cpuinfo, allocate, release};
     topology result;
     {
         core_tables tables(m, mask_known ? s.process.count() : max_processors);
@@ -111,12 +106,12 @@ TEST(TopologyByVisits, TellsCoresFromThreads) {
         std::vector<int> mask;
         int cores, threads_per_core;
     } cases[] = {
-        {"one core", packages(1, 1, 1, 1), range(0, 1), 1, 1},
-        {"four cores", packages(1, 4, 4, 1), range(0, 4), 4, 1},
-        {"four cores, two threads each", packages(1, 4, 4, 2), range(0, 8), 4, 2},
-        {"six cores in a space of eight", packages(1, 6, 8, 2), range(0, 12), 6, 2},
-        {"two packages", packages(2, 6, 8, 2), range(0, 24), 12, 2},
-        {"four threads per core", packages(2, 4, 4, 4), range(0, 32), 8, 4},
+        {"one core", packages(1, 1, 1, 1), first(1), 1, 1},
+        {"four cores", packages(1, 4, 4, 1), first(4), 4, 1},
+        {"four cores, two threads each", packages(1, 4, 4, 2), first(8), 4, 2},
+        {"six cores in a space of eight", packages(1, 6, 8, 2), first(12), 6, 2},
+        {"two packages", packages(2, 6, 8, 2), first(24), 12, 2},
+        {"four threads per core", packages(2, 4, 4, 4), first(32), 8, 4},
         {"one thread of each core", packages(1, 4, 4, 2), {0, 2, 4, 6}, 4, 1},
         {"both threads of one core, one of another", packages(1, 4, 4, 2), {2, 3, 5}, 2, 2},
         {"both threads of one core", packages(1, 4, 4, 2), {4, 5}, 1, 2},
@@ -152,10 +147,19 @@ std::string plain_record(int processor) {
     return "processor\t: " + std::to_string(processor) + "\nmodel name\t: core id\t: 3\n\n";
 }
 
+// One package, its cores chosen by the processor's number.
+template <class Core>
+std::string records(int count, Core core_of) {
+    std::string all;
+    for (int p = 0; p < count; ++p)
+        all += record(p, 0, core_of(p));
+    return all;
+}
+
 TEST(TopologyByCpuinfo, CountsTheCoresOfTheProcessorsInTheMask) {
-    std::string smt, two_packages, large, plain, partly;
+    // The second threads come after all first ones.
+    std::string smt = records(8, [](int p) { return p % 4; }), two_packages, large, plain, partly;
     for (int p = 0; p < 8; ++p) {
-        smt += record(p, 0, p % 4); // the second threads come after all first ones
         two_packages += record(p, p / 4, p % 4);
         plain += plain_record(p);
         partly += p < 4 ? record(p, 0, p / 2) : plain_record(p);
@@ -173,19 +177,19 @@ TEST(TopologyByCpuinfo, CountsTheCoresOfTheProcessorsInTheMask) {
         int cores, threads_per_core;
         core_source source;
     } cases[] = {
-        {"threads", smt, range(0, 8), 4, 2, core_source::cpuinfo},
+        {"threads", smt, first(8), 4, 2, core_source::cpuinfo},
         {"both threads of core 1, one of core 2", smt, {1, 5, 6}, 2, 2, core_source::cpuinfo},
-        {"packages", two_packages, range(0, 8), 8, 1, core_source::cpuinfo},
+        {"packages", two_packages, first(8), 8, 1, core_source::cpuinfo},
         {"core 0 of each package", two_packages, {0, 4}, 2, 1, core_source::cpuinfo},
-        {"1024 processors", large, range(0, 1024), 512, 2, core_source::cpuinfo},
-        {"no fields", plain, range(0, 8), 8, 1, core_source::none},
-        {"fields for some", partly, range(0, 8), 6, 2, core_source::none},
+        {"1024 processors", large, first(1024), 512, 2, core_source::cpuinfo},
+        {"no fields", plain, first(8), 8, 1, core_source::none},
+        {"fields for some", partly, first(8), 6, 2, core_source::none},
         {"processors it does not list", smt, {0, 4, 100, 8191}, 3, 2, core_source::cpuinfo},
-        {"every record twice", smt + smt, range(0, 8), 4, 2, core_source::cpuinfo},
+        {"every record twice", smt + smt, first(8), 4, 2, core_source::cpuinfo},
         {"no line end at the end", "processor\t: 0", {0, 1}, 2, 1, core_source::none},
         {"empty", "", {0, 3}, 2, 1, core_source::none},
         {"junk", junk, {0, 1, 3}, 3, 1, core_source::none},
-        {"junk around records", junk + smt + junk, range(0, 8), 4, 2, core_source::cpuinfo},
+        {"junk around records", junk + smt + junk, first(8), 4, 2, core_source::cpuinfo},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -195,25 +199,19 @@ TEST(TopologyByCpuinfo, CountsTheCoresOfTheProcessorsInTheMask) {
                c.source);
         EXPECT_EQ(s.moves, 0); // no thread is moved for this source
     }
-    synthetic s{{}, mask_of(range(0, 6))};
+    synthetic s{{}, mask_of(first(6))};
     expect(find(s, false, "/nonexistent"), 6, 6, 1, core_source::none);
 }
 
 TEST(TopologyByCpuinfo, ListsTheProcessorsWhenTheMaskIsUnknown) {
-    std::string smt;
-    for (int p = 0; p < 8; ++p)
-        smt += record(p, 0, p % 4);
-    const cpuinfo_file file(smt);
+    const cpuinfo_file file(records(8, [](int p) { return p % 4; }));
     synthetic s{{}, mask_of({0})};
     expect(find(s, true, file.path(), false), 8, 4, 2, core_source::cpuinfo);
     expect(find(s, false, "/nonexistent", false), 1, 1, 1, core_source::none);
 }
 
 TEST(TopologyByVisits, TurnsToCpuinfoWhereCpuidDoesNotTell) {
-    std::string smt;
-    for (int p = 0; p < 300; ++p)
-        smt += record(p, 0, p / 3);
-    const cpuinfo_file file(smt);
+    const cpuinfo_file file(records(300, [](int p) { return p / 3; }));
     std::vector<apic_reading> wide = packages(1, 300, 512, 1); // identifiers of 8 bits repeat
     for (apic_reading &r : wide)
         r.logical_per_package = r.cores_per_package = 32;
@@ -229,19 +227,16 @@ TEST(TopologyByVisits, TurnsToCpuinfoWhereCpuidDoesNotTell) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
-        synthetic s{c.apic, mask_of(range(0, c.processors)), c.refused_processor};
+        synthetic s{c.apic, mask_of(first(c.processors)), c.refused_processor};
         expect(find(s, true, file.path()), c.processors, c.processors / 3, 3, core_source::cpuinfo);
     }
 }
 
 TEST(TopologyWithoutMemory, EachProcessorCountsAsACore) {
-    std::string smt;
-    for (int p = 0; p < 8; ++p)
-        smt += record(p, 0, p / 2);
-    const cpuinfo_file file(smt);
+    const cpuinfo_file file(records(8, [](int p) { return p / 2; }));
     for (bool visits : {true, false})
         for (int allocations = 0; allocations < (visits ? 3 : 1); ++allocations) {
-            synthetic s{packages(1, 4, 4, 2), mask_of(range(0, 8)), -1, allocations};
+            synthetic s{packages(1, 4, 4, 2), mask_of(first(8)), -1, allocations};
             expect(find(s, visits, file.path()), 8, 8, 1, core_source::none);
             EXPECT_EQ(s.moves, 0);
         }

@@ -58,39 +58,35 @@ TEST(Version, TextForCIsCutAndTerminated) {
 }
 
 TEST(Version, ProcessorTextFollowsTypeAndVendor) {
-    struct row {
+    const std::string other = "Quarn(R) Architecture processors";
+    const std::string avx512 = "Advanced Vector Extensions 512 (Quarn(R) AVX-512)";
+    const std::string zel = avx512 + " for Quarn(R) Zel Architecture (Quarn(R) ZEL Architecture)";
+    const std::string e1 =
+        "Quarn(R) " + zel + " with support of AVX512_4FMAPS and AVX512_4VNNIW instruction groups";
+    const auto enabled = [](const std::string &what) {
+        return "Quarn(R) " + what + " enabled processors";
+    };
+    const struct {
         int type;
         bool vendor, e1;
-        const char *text;
-    };
-    const char *const other = "Quarn(R) Architecture processors";
-    const char *const e1 =
-        "Quarn(R) Advanced Vector Extensions 512 (Quarn(R) AVX-512) for Quarn(R) Zel Architecture "
-        "(Quarn(R) ZEL Architecture) with support of AVX512_4FMAPS and AVX512_4VNNIW instruction "
-        "groups";
-    const row rows[] = {
-        {0, true, false, "Quarn(R) Streaming SIMD Extensions 2 (Quarn(R) SSE2) enabled processors"},
+        std::string text;
+    } rows[] = {
+        {0, true, false, enabled("Streaming SIMD Extensions 2 (Quarn(R) SSE2)")},
         {1, true, false, other},
-        {2, true, false,
-         "Quarn(R) Supplemental Streaming SIMD Extensions 3 (Quarn(R) SSSE3) enabled processors"},
-        {3, true, false,
-         "Quarn(R) Streaming SIMD Extensions 4.2 (Quarn(R) SSE4.2) enabled processors"},
-        {4, true, false, "Quarn(R) Advanced Vector Extensions (Quarn(R) AVX) enabled processors"},
-        {5, true, false,
-         "Quarn(R) Advanced Vector Extensions 2 (Quarn(R) AVX2) enabled processors"},
-        {6, true, false,
-         "Quarn(R) Advanced Vector Extensions 512 (Quarn(R) AVX-512) for Quarn(R) Zel Architecture "
-         "(Quarn(R) ZEL Architecture) enabled processors"},
+        {2, true, false, enabled("Supplemental Streaming SIMD Extensions 3 (Quarn(R) SSSE3)")},
+        {3, true, false, enabled("Streaming SIMD Extensions 4.2 (Quarn(R) SSE4.2)")},
+        {4, true, false, enabled("Advanced Vector Extensions (Quarn(R) AVX)")},
+        {5, true, false, enabled("Advanced Vector Extensions 2 (Quarn(R) AVX2)")},
+        {6, true, false, enabled(zel)},
         {6, true, true, e1},
-        {7, true, true,
-         "Quarn(R) Advanced Vector Extensions 512 (Quarn(R) AVX-512) enabled processors"},
+        {7, true, true, enabled(avx512)},
         {8, true, false, e1},
         {9, true, false, other},
         {5, false, false, other},
         {6, false, true, other},
     };
-    for (const row &r : rows)
-        EXPECT_STREQ(vox::processor_description(r.type, r.vendor, r.e1), r.text) << r.type;
+    for (const auto &r : rows)
+        EXPECT_EQ(vox::processor_description(r.type, r.vendor, r.e1), r.text) << r.type;
 }
 
 CHILD(print_version) {
