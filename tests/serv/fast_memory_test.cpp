@@ -108,7 +108,7 @@ constexpr size_t MiB = 1 << 20, header = 32;
 // The size that makes a raw block of so many bytes.
 constexpr size_t size_for_raw(size_t raw) { return raw - header - 64 - 24; }
 
-CHILD(blocks_come_and_go) {
+CHILD_TEST(FastMemory, BlocksComeAndGo) {
     configure_with(complete);
     void *p = vox_malloc(1000, 64), *const zeroed = vox_calloc(1000, 10, 128);
     CHECK(blocks() == 2 && is_zero(zeroed, 10000));
@@ -129,7 +129,7 @@ CHILD(blocks_come_and_go) {
     CHECK(blocks() == 0 && (held_now() == held{0, 0}));
 }
 
-CHILD(pages_of_both_sizes) {
+CHILD_TEST(FastMemory, HasPagesOfTwoSizes) {
     configure_with(complete);
     const auto &alignment = standin<size_t>("standin_last_alignment");
     int &refused = standin<int>("standin_refused_kinds");
@@ -149,7 +149,7 @@ CHILD(pages_of_both_sizes) {
     CHECK(blocks() == 0);
 }
 
-CHILD(budget_runs_out) { // VOX_FAST_MEMORY_LIMIT=3
+CHILD_TEST(FastMemory, IsUsedWithinItsBudget, {"VOX_FAST_MEMORY_LIMIT", "3"}) {
     configure_with(complete);
     auto left = vox_serv_check_fast_memory_size;
     CHECK(left() == 3 * MiB);
@@ -182,15 +182,12 @@ CHILD(no_limit) {
     vox_free(p);
 }
 
-TEST(FastMemory, BlocksComeFromItWithinTheBudget) {
-    expect_success(blocks_come_and_go);
-    expect_success(pages_of_both_sizes);
-    expect_success(budget_runs_out, {{"VOX_FAST_MEMORY_LIMIT", "3"}});
+TEST(FastMemory, NeedHaveNoLimit) {
     for (const char *value : {"-1", "x"})
         expect_success(no_limit, {{"VOX_FAST_MEMORY_LIMIT", value}});
 }
 
-CHILD(hooks_come_first) {
+CHILD_TEST(FastMemory, HooksComeFirst) {
     static int calls = 0;
     i_malloc = [](size_t size) { return ++calls, std::malloc(size); };
     configure_with(complete);
@@ -200,9 +197,8 @@ CHILD(hooks_come_first) {
     const vox::memory_facts facts = vox::memory_facts_now();
     CHECK(facts.hooked && facts.fast == fast_memory_state::available);
 }
-TEST(FastMemory, HooksComeFirst) { expect_success(hooks_come_first); }
 
-CHILD(facts) {
+CHILD_TEST(MemoryFacts, SayWhatIsInForce, {"VOX_FAST_MEMORY_LIMIT", "7"}) {
     vox::memory_facts now = vox::memory_facts_now();
     const bool many_core = vox::may_have_fast_memory(vox::features());
     CHECK(many_core == (now.fast != fast_memory_state::other_processor));
@@ -218,6 +214,5 @@ CHILD(facts) {
     CHECK(now.peak.peak_blocks == 2 && now.peak.blocks == 1);
     vox_free(p);
 }
-TEST(MemoryFacts, SayWhatIsInForce) { expect_success(facts, {{"VOX_FAST_MEMORY_LIMIT", "7"}}); }
 
 } // namespace

@@ -105,7 +105,7 @@ TEST(MemoryFailure, EveryAllocationInTurn) {
 }
 
 // Records beyond the table of slots are mapped. A thread that gets none has plain memory.
-CHILD(no_mapping) {
+CHILD_TEST(MemoryFailure, NoMappingForMoreRecordsOrForCode) {
     std::latch all_hold(1024), go(1);
     std::thread others([&] {
         on_threads(1024, [&](int) {
@@ -130,8 +130,6 @@ CHILD(no_mapping) {
     go.count_down();
     others.join();
 }
-
-TEST(MemoryFailure, NoMappingForMoreRecordsOrForCode) { expect_success(no_mapping); }
 
 } // namespace
 

@@ -87,12 +87,6 @@ inline int use_pool(size_t size, size_t step) {
     return count;
 }
 
-// The child ran to its end, every CHECK holding.
-inline void expect_success(const child_entry &entry, const environment &settings = {}) {
-    const child_result r = run_child(entry, settings);
-    EXPECT_EQ(r.status, 0) << entry.name << ", signal " << r.signal << ": " << r.err;
-}
-
 // Runs on a thread of its own: its pool is empty at first and gone afterwards.
 template <class Body>
 void on_new_thread(Body body) {

@@ -114,7 +114,7 @@ TEST(Memory, ABlockMayBeFreedByAnotherThread) {
     EXPECT_EQ(vox_mem_stat(nullptr), before.bytes);
 }
 
-CHILD(peak) {
+CHILD_TEST(Memory, ThePeakCountsWhatIsHeldAndRestartsFromThere) {
     for (int mode : {2, -1, 3, -2, 1000})
         CHECK(vox_peak_mem_usage(mode) == -1);
     void *const early = vox_malloc(500, 64);
@@ -143,8 +143,6 @@ CHILD(peak) {
     CHECK(vox_peak_mem_usage(1) == 0);
     CHECK(vox_peak_mem_usage(-1) == 0);
 }
-
-TEST(Memory, ThePeakCountsWhatIsHeldAndRestartsFromThere) { expect_success(peak); }
 
 // Hooks that know their blocks.
 
@@ -211,7 +209,7 @@ CHILD(one_replaced_hook) {
     CHECK(hook_blocks.empty());
 }
 
-CHILD(hooks_too_late) {
+CHILD_TEST(Hooks, AreNotSeenAfterTheFirstAllocation) {
     use_everything();
     install_hooks();
     use_everything();
@@ -219,7 +217,7 @@ CHILD(hooks_too_late) {
         CHECK(calls == 0);
 }
 
-CHILD(hooks_without_memory) {
+CHILD_TEST(Hooks, MayBeNull) {
     i_malloc = nullptr;
     i_calloc = nullptr;
     i_realloc = nullptr;
@@ -252,7 +250,7 @@ void use_pool_inside_hook() {
     vox_serv_deallocate(scratch);
     vox_free(p);
 }
-CHILD(reentrant_hooks) {
+CHILD_TEST(Hooks, MayUseTheLibrary) {
     i_malloc = [](size_t size) {
         inside_hook(use_pool_inside_hook);
         return std::malloc(size);
@@ -270,8 +268,8 @@ CHILD(reentrant_hooks) {
     CHECK((held_now() == held{0, 0}));
 }
 
-// Hooks run while a thread ends, too, and leave nothing behind there.
-CHILD(hooks_at_thread_end) {
+// And leave nothing behind there.
+CHILD_TEST(Hooks, MayUseTheLibraryWhileAThreadEnds) {
     i_free = [](void *p) {
         inside_hook([] { use_scratch(777, 64, 1); });
         std::free(p);
@@ -283,19 +281,12 @@ CHILD(hooks_at_thread_end) {
 TEST(Hooks, TakeOverWhenReplacedBeforeTheFirstAllocation) {
     for (const char *hook : {"0", "1", "2", "3"})
         expect_success(one_replaced_hook, {{"TEST_HOOK", hook}});
-    expect_success(hooks_too_late);
-}
-
-TEST(Hooks, MayBeNullOrUseTheLibrary) {
-    expect_success(hooks_without_memory);
-    expect_success(reentrant_hooks);
-    expect_success(hooks_at_thread_end);
 }
 
 CHILD(print_budget) {
     std::printf("%llx", static_cast<unsigned long long>(vox_serv_check_fast_memory_size()));
 }
-CHILD(set_budget) {
+CHILD_TEST(Settings, TheBudgetCanBeSet, {"VOX_FAST_MEMORY_LIMIT", "3"}) {
     CHECK(vox_set_memory_limit(0, 1) == 0 && vox_set_memory_limit(2, 1) == 0);
     CHECK(vox_serv_check_fast_memory_size() == 3 << 20); // as in the environment
     CHECK(vox_set_memory_limit(VOX_MEM_FAST, 4) == 1);
@@ -307,7 +298,7 @@ CHILD(set_budget) {
         CHECK(vox_serv_check_fast_memory_size() == UINT64_MAX);
     }
 }
-CHILD(set_budget_first) {
+CHILD_TEST(Settings, TheBudgetCanBeSetBeforeTheVariableIsRead, {"VOX_FAST_MEMORY_LIMIT", "3"}) {
     CHECK(vox_set_memory_limit(VOX_MEM_FAST, 4) == 1);
     vox_free(vox_malloc(10, 64));
     CHECK(vox_serv_check_fast_memory_size() == 4 << 20);
@@ -326,8 +317,6 @@ TEST(Settings, TheBudgetOfHighBandwidthMemory) {
     EXPECT_EQ(run_child(print_budget).out, none);
     for (const auto &[expected, values] : cases)
         expect_said(print_budget, "VOX_FAST_MEMORY_LIMIT", values, expected);
-    expect_success(set_budget, {{"VOX_FAST_MEMORY_LIMIT", "3"}});
-    expect_success(set_budget_first, {{"VOX_FAST_MEMORY_LIMIT", "3"}});
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <latch>
-#include <pthread.h>
 #include <sched.h>
 #include <string>
 #include <sys/resource.h>
@@ -19,6 +18,7 @@
 #include "serv/affinity.hpp"
 #include "serv/thread_supply.hpp"
 #include "serv/topology.hpp"
+#include "tests/hosts/check.h"
 #include "tests/support/child.hpp"
 #include "tests/support/tasks.hpp"
 #include "vox/service.h"
@@ -86,29 +86,18 @@ TEST(Parallel, NestedCallsStayOnTheirThread) {
     EXPECT_EQ(run_child(nested, {{"OMP_MAX_ACTIVE_LEVELS", "2"}}).out.substr(0, 7), "16 64 4");
 }
 
-CHILD(team_of_eight) { std::printf("%d", run_team(8)); }
-TEST(Parallel, KeepsTheRuntimesThreadLimitInSilence) {
-    const child_result got = run_child(team_of_eight, {{"OMP_THREAD_LIMIT", "3"}});
-    EXPECT_EQ(got.out, "3");
-    EXPECT_EQ(got.err, "");
+CHILD_TEST(Parallel, KeepsTheRuntimesThreadLimitInSilence, {"OMP_THREAD_LIMIT", "3"}) {
+    CHECK(run_team(8) == 3);
 }
 
-CHILD(count_tasks) {
+CHILD_TEST(Parallel, NoThreadIsMadeBeforeItIsNeeded) {
     const int at_start = tasks();
     vox_get_max_threads();
     vox_serv_get_ncpus();
     run_team(1);
-    const int after_query = tasks();
+    CHECK(tasks() == at_start);
     run_team(3);
-    std::printf("%d %d", after_query - at_start, tasks() - at_start);
-}
-TEST(Parallel, NoThreadIsMadeBeforeItIsNeeded) { EXPECT_EQ(run_child(count_tasks).out, "0 2"); }
-
-// The child says this and nothing else, and lives to its end.
-void expect_output(const child_entry &child, const char *expected) {
-    const child_result got = run_child(child);
-    EXPECT_EQ(got.out + got.err, expected);
-    EXPECT_EQ(got.status, 0);
+    CHECK(tasks() == at_start + 2);
 }
 
 // --- affinity ---------------------------------------------------------------------------------
@@ -125,25 +114,18 @@ bool is_bound_to(const processor_mask &mask) {
     return read_affinity(0, now) && now == mask;
 }
 
-CHILD(bound_caller) {
+CHILD_TEST(Parallel, ABoundCallerStaysBoundAndAFreeOneFree) {
     processor_mask process;
     read_affinity(0, process);
-    int wrong = 0;
     std::thread([&] { // the first of the process to meet the runtime
         const processor_mask one = bind_to_one_processor();
-        wrong += vox_get_max_threads() != this_topology().cores;
-        wrong += !is_bound_to(one);
-        wrong += run_team(2) != 2;
-        wrong += !is_bound_to(one);
+        CHECK(vox_get_max_threads() == this_topology().cores && is_bound_to(one));
+        CHECK(run_team(2) == 2 && is_bound_to(one));
     })
         .join();
     run_team(2);
-    wrong += !is_bound_to(process);
-    wrong += this_topology().logical != process.count();
-    std::printf("%d", wrong);
-}
-TEST(Parallel, ABoundCallerStaysBoundAndAFreeOneFree) {
-    EXPECT_EQ(run_child(bound_caller).out, "0");
+    CHECK(is_bound_to(process));
+    CHECK(this_topology().logical == process.count());
 }
 
 // --- fork -------------------------------------------------------------------------------------
@@ -151,19 +133,21 @@ TEST(Parallel, ABoundCallerStaysBoundAndAFreeOneFree) {
 // In a forked child ThreadSanitizer takes a new thread in a dead one's place for an error.
 #if !defined(__SANITIZE_THREAD__)
 
-int teams_in_child(int threads) {
-    return in_forked_child([threads] {
-        return (run_team(threads) != threads) + (vox_get_max_threads() < 1) +
-               (run_team(threads + 1) != threads + 1);
-    });
+void use_teams_in_child(int threads) {
+    CHECK(in_forked_child([threads] {
+              CHECK(run_team(threads) == threads);
+              CHECK(vox_get_max_threads() >= 1);
+              CHECK(run_team(threads + 1) == threads + 1);
+              return 0;
+          }) == 0);
 }
 
-CHILD(forks) {
-    int wrong = teams_in_child(3); // before the runtime is used at all
+CHILD_TEST(Parallel, WorksInParentAndChildAfterFork) {
+    use_teams_in_child(3); // before the runtime is used at all
     for (int repeat = 0; repeat < 10; ++repeat) {
-        wrong += run_team(3) != 3;
-        wrong += teams_in_child(2 + repeat % 3);
-        wrong += run_team(4) != 4;
+        CHECK(run_team(3) == 3);
+        use_teams_in_child(2 + repeat % 3);
+        CHECK(run_team(4) == 4);
     }
     // From a thread that is not the main one, while another keeps its team busy (without allocating:
     // the sanitizers' allocators do not survive that).
@@ -177,29 +161,29 @@ CHILD(forks) {
     });
     while (rounds < 3)
         std::this_thread::yield();
-    std::thread([&] { wrong += teams_in_child(4); }).join();
+    std::thread(use_teams_in_child, 4).join();
     stop = true;
     busy.join();
-    wrong += in_forked_child([] { return (run_team(2) != 2) + teams_in_child(3); }); // a grandchild
-    std::printf("%d", wrong);
+    CHECK(in_forked_child([] {
+              CHECK(run_team(2) == 2);
+              use_teams_in_child(3); // a grandchild
+              return 0;
+          }) == 0);
 }
 
-CHILD(bound_fork) {
+CHILD_TEST(Parallel, AForkedChildStaysBound) {
     run_team(2);
-    int wrong = in_forked_child([] { // bound in the child
-        const processor_mask one = bind_to_one_processor();
-        return (run_team(2) != 2) + !is_bound_to(one);
-    });
+    CHECK(in_forked_child([] { // bound in the child
+              const processor_mask one = bind_to_one_processor();
+              return (run_team(2) != 2) + !is_bound_to(one);
+          }) == 0);
     const processor_mask one = bind_to_one_processor(); // and before the fork
-    wrong += in_forked_child([&] {
-        const int at_once = !is_bound_to(one);
-        return at_once + (run_team(2) != 2) + !is_bound_to(one);
-    });
-    std::printf("%d", wrong + !is_bound_to(one));
+    CHECK(in_forked_child([&] {
+              CHECK(is_bound_to(one));
+              return (run_team(2) != 2) + !is_bound_to(one);
+          }) == 0);
+    CHECK(is_bound_to(one));
 }
-
-TEST(Parallel, WorksInParentAndChildAfterFork) { expect_output(forks, "0"); }
-TEST(Parallel, AForkedChildStaysBound) { EXPECT_EQ(run_child(bound_fork).out, "0"); }
 
 #endif
 
@@ -233,48 +217,38 @@ class task_limit {
     }
 };
 
-CHILD(few_tasks) {
+CHILD_TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheProcessLimitAllows) {
     const task_limit few(12);
-    const int team = run_team(64), again = run_team(64), small = run_team(1);
-    std::printf("%d %d %d", team >= 1 && team < 12, again == team, small);
-}
-TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheProcessLimitAllows) {
-    expect_output(few_tasks, "1 1 1");
+    const int team = run_team(64);
+    CHECK(team >= 1 && team < 12);
+    CHECK(run_team(64) == team);
+    CHECK(run_team(1) == 1);
 }
 
-CHILD(limit_is_lifted) {
+CHILD_TEST(ParallelUnderLimits, TheFullTeamComesBackSomeTimeAfterTheLimitIsLifted) {
     const task_limit few(12);
-    const int before = run_team(20);
+    CHECK(run_team(20) < 20);
     task_limit::lift();
-    int after = 0;
-    for (int call = 0; call < 5000 && after < 20; ++call)
-        after = run_team(20);
-    std::printf("%d %d", before < 20, after);
-}
-TEST(ParallelUnderLimits, TheFullTeamComesBackSomeTimeAfterTheLimitIsLifted) {
-    EXPECT_EQ(run_child(limit_is_lifted).out, "1 20");
+    for (int call = 0; run_team(20) < 20; ++call)
+        CHECK(call < 5000);
 }
 
-CHILD(many_leaders) {
+CHILD_TEST(ParallelUnderLimits, LeadersShareWhatThereIs) {
     const task_limit few(24);
-    int wrong = 0;
     // One after the other: each gets the workers of the one before.
     for (int leader = 0; leader < 10; ++leader)
-        std::thread([&] { wrong += run_team(4) != 4; }).join();
-    wrong += proven_workers() != 3;
+        std::thread([] { CHECK(run_team(4) == 4); }).join();
+    CHECK(proven_workers() == 3);
     // All at once: there are not enough for all.
-    std::atomic<int> bad = 0;
     std::latch all_here(10);
     on_threads(10, [&](int) {
         all_here.arrive_and_wait();
         for (int repeat = 0; repeat < 20; ++repeat) {
             const int team = run_team(8);
-            bad += team < 1 || team > 8;
+            CHECK(team >= 1 && team <= 8);
         }
     });
-    std::printf("%d %d", wrong, bad.load());
 }
-TEST(ParallelUnderLimits, LeadersShareWhatThereIs) { expect_output(many_leaders, "0 0"); }
 
 #if !defined(__SANITIZE_THREAD__)
 // Each process of the chain forks the next while its own team lives.
@@ -283,44 +257,25 @@ int chain_of_teams(int depth) {
     return (team < 1 || team > 8) +
            (depth > 1 ? in_forked_child([depth] { return chain_of_teams(depth - 1); }) : 0);
 }
-CHILD(forks_under_limit) {
+CHILD_TEST(ParallelUnderLimits, AForkedChildFindsOutWhatIsLeftForIt) {
     const task_limit few(30);
-    std::printf("%d", chain_of_teams(4));
-}
-TEST(ParallelUnderLimits, AForkedChildFindsOutWhatIsLeftForIt) {
-    expect_output(forks_under_limit, "0");
+    CHECK(chain_of_teams(4) == 0);
 }
 #endif
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 // Sanitizers need address space of their own.
-CHILD(little_address_space) {
+CHILD_TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheAddressSpaceAllows) {
     long pages = 0;
     std::FILE *const file = std::fopen("/proc/self/statm", "r");
     if (!file || std::fscanf(file, "%ld", &pages) != 1)
         std::abort();
     std::fclose(file);
     limit(RLIMIT_AS, rlim_t(pages) * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(3) << 30));
-    const int team = run_team(64), again = run_team(64);
-    std::printf("%d %d", team > 1 && team < 64, again == team);
+    const int team = run_team(64);
+    CHECK(team > 1 && team < 64);
+    CHECK(run_team(64) == team);
 }
-TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheAddressSpaceAllows) {
-    expect_output(little_address_space, "1 1");
-}
-
-CHILD(small_stack) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 64 * 1024);
-    pthread_t thread;
-    const auto body = [](void *) -> void * {
-        std::printf("%d %d", vox_get_max_threads() > 0, run_team(3));
-        return nullptr;
-    };
-    if (pthread_create(&thread, &attributes, body, nullptr) == 0)
-        pthread_join(thread, nullptr);
-}
-TEST(Parallel, WorksOnASmallStack) { EXPECT_EQ(run_child(small_stack).out, "1 3"); }
 #endif
 
 // --- a program on another OpenMP runtime ------------------------------------------------------

@@ -130,7 +130,7 @@ TEST(PoolThreads, DestructorsOfOtherKeysMayUseTheLibrary) {
     EXPECT_EQ(held_now(), before);
 }
 
-CHILD(no_key_left) {
+CHILD_TEST(PoolThreads, WithoutAKeyThereIsPlainMemory) {
     pthread_key_t key;
     while (pthread_key_create(&key, nullptr) == 0)
         ;
@@ -144,9 +144,9 @@ CHILD(no_key_left) {
     use_scratch(1000, 64, 1); // there is a key now
     CHECK((held_now() == pooled(1000)));
 }
-TEST(PoolThreads, WithoutAKeyThereIsPlainMemory) { expect_success(no_key_left); }
 
 void *use_all_on_small_stack(void *) {
+    CHECK(vox_get_max_threads() > 0);
     vox_peak_mem_usage(1);
     use_everything();
     vox_free(vox_realloc(vox_calloc(10, 10, 64), 100000));
@@ -160,10 +160,9 @@ void *use_all_on_small_stack(void *) {
     CHECK((held_now() == held{0, 0}));
     return nullptr;
 }
-CHILD(small_thread) {
+CHILD_TEST(PoolThreads, ASmallStackIsEnoughForTheFirstUseOfEverything) {
     pthread_join(start_on_small_stack(use_all_on_small_stack, nullptr), nullptr);
 }
-TEST(PoolThreads, ASmallStackIsEnoughForTheFirstUseOfEverything) { expect_success(small_thread); }
 
 // Forks and the end of the process.
 
@@ -240,7 +239,7 @@ TEST(PoolProcess, TheChildOfAForkWorksWhateverOtherThreadsDid) {
 
 // A child inherits the idle buffers of threads that it does not have. Those that they were using
 // are nobody's: they stay counted, and the next owners of the pools have all five cells.
-CHILD(fork_with_buffers_of_others) {
+CHILD_TEST(PoolProcess, TheChildOfAForkTakesOverWhatDeadThreadsLeft) {
     std::latch prepared(1), done(1);
     std::thread other([&] {
         vox_serv_deallocate(vox_serv_allocate(1000, 64));
@@ -265,9 +264,6 @@ CHILD(fork_with_buffers_of_others) {
           }) == 0);
     done.count_down();
     other.join();
-}
-TEST(PoolProcess, TheChildOfAForkTakesOverWhatDeadThreadsLeft) {
-    expect_success(fork_with_buffers_of_others);
 }
 
 // At the end of the process the library releases its idle buffers, here through a hook that sends

@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "tests/hosts/check.h"
 #include "tests/support/child.hpp"
 #include "tests/support/matches.hpp"
 #include "tests/support/tasks.hpp"
@@ -76,24 +77,19 @@ TEST(Verbose, OnlyAWholeNumberEqualToOneTurnsItOn) {
     EXPECT_EQ(run_child(print_mode).out, "01");
 }
 
-CHILD(set_mode) {
+CHILD_TEST(Verbose, TheSetterHasTheLastWord, {"VOX_VERBOSE", "1"}) {
     const vox_int on = 1, off = 0, bad = 2;
     const int *const mode = vox_serv_verbose_mode();
-    auto report = [mode](int result) { std::printf("%d:%d ", result, *mode); };
-    report(vox_verbose(0));
-    report(vox_verbose(1));
-    report(vox_verbose(2));
-    report(vox_verbose_(&off));
-    report(vox_verbose_(&bad));
-    report(VOX_VERBOSE(&on));
+    CHECK(vox_verbose(0) == 0 && *mode == 0);
+    CHECK(vox_verbose(1) == 1 && *mode == 1);
+    CHECK(vox_verbose(2) == -1 && *mode == 1);
+    CHECK(vox_verbose_(&off) == 0 && *mode == 0);
+    CHECK(vox_verbose_(&bad) == -1 && *mode == 0);
+    CHECK(VOX_VERBOSE(&on) == 1 && *mode == 1);
 }
-CHILD(set_mode_before_it_is_read) {
+CHILD_TEST(Verbose, TheSetterMayComeFirst, {"VOX_VERBOSE", "1"}) {
     vox_verbose(0);
-    std::printf("%d", *vox_serv_verbose_mode());
-}
-TEST(Verbose, TheSetterHasTheLastWord) {
-    EXPECT_EQ(run_child(set_mode, {{"VOX_VERBOSE", "1"}}).out, "0:0 1:1 -1:1 0:0 -1:0 1:1 ");
-    EXPECT_EQ(run_child(set_mode_before_it_is_read, {{"VOX_VERBOSE", "1"}}).out, "0");
+    CHECK(*vox_serv_verbose_mode() == 0);
 }
 
 CHILD(log_dot_products) {
@@ -133,19 +129,6 @@ TEST(Verbose, ALineShowsTheSettingsInForce) {
 }
 
 CHILD(log_one) { log_call("ONE()"); }
-
-TEST(Verbose, LinesAreAppendedToTheFile) {
-    const temporary_directory directory;
-    const std::string file = directory / "log";
-    for (int run = 0; run < 2; ++run) {
-        const child_result r = run_child(log_one, {{"VOX_VERBOSE_OUTPUT_FILE", file}});
-        EXPECT_EQ(r.out + r.err, "");
-    }
-    const auto lines = lines_of(contents_of(file));
-    ASSERT_EQ(lines.size(), 4u); // each process has its header
-    for (size_t i = 0; i < 4; ++i)
-        EXPECT_TRUE(matches(lines[i], i % 2 ? "VOX_VERBOSE ONE\\(\\) .*" : header_pattern));
-}
 
 // A path of the given length to a file in the directory.
 std::string long_path(const temporary_directory &directory, size_t length) {
@@ -262,15 +245,12 @@ TEST(Verbose, LinesOfManyThreadsStayWholeAfterOneHeader) {
 // The first look at every setting, from many threads at once: one warning, one value.
 CHILD(first_look_by_many) {
     on_threads(writers, [](int) {
-        if (*vox_serv_verbose_mode() != 1 || *vox_serv_verbose_output_file_mode())
-            std::abort();
+        CHECK(*vox_serv_verbose_mode() == 1 && !*vox_serv_verbose_output_file_mode());
     });
 }
 TEST(Verbose, ManyThreadsMayMakeTheFirstCall) {
-    const child_result r =
-        run_child(first_look_by_many, {{"VOX_VERBOSE", "1"}, {"VOX_VERBOSE_OUTPUT_FILE", ""}});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.err, too_long_or_empty);
+    expect_said(first_look_by_many, "VOX_VERBOSE_OUTPUT_FILE", {""}, too_long_or_empty,
+                {{"VOX_VERBOSE", "1"}});
 }
 
 } // namespace

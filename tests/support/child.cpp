@@ -112,6 +112,12 @@ void test::expect_said(const child_entry &entry, const char *variable,
     }
 }
 
+void test::expect_success(const child_entry &entry, const environment &settings) {
+    const child_result r = run_child(entry, settings);
+    EXPECT_EQ(r.out + r.err, "");
+    EXPECT_EQ(r.status, 0) << entry.name << ", signal " << r.signal;
+}
+
 test::child_result test::run_program(const std::vector<std::string> &command,
                                      const environment &settings) {
     std::vector<std::string> words = command, variables = child_environment(settings);

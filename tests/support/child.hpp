@@ -43,6 +43,9 @@ void expect_said(const child_entry &entry, const char *variable,
                  const std::vector<std::string> &values, const std::string &expected,
                  const environment &others = {});
 
+// The child comes to its end and says nothing.
+void expect_success(const child_entry &entry, const environment &settings = {});
+
 // Runs any program the same way.
 child_result run_program(const std::vector<std::string> &command, const environment &settings = {});
 
@@ -67,3 +70,10 @@ bool run_as_child();
     static void child_body_##name();                                                               \
     static const test::child_entry name(#name, child_body_##name);                                 \
     static void child_body_##name()
+
+// A test whose body runs in a fresh process, with settings {"NAME", "value"}, ...: it is to come to
+// its end and say nothing.
+#define CHILD_TEST(suite, name, ...)                                                               \
+    CHILD(suite##_##name);                                                                         \
+    TEST(suite, name) { test::expect_success(suite##_##name, {__VA_ARGS__}); }                     \
+    static void child_body_##suite##_##name()
