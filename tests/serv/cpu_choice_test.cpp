@@ -41,54 +41,49 @@ vox::cpu_settings with_ceiling(int level) {
 
 // Which bit of the feature word each CPUID bit is, register by register, and the XCR0 bits it
 // needs.
-struct cpuid_bit {
-    uint32_t vox::cpuid_registers::*reg;
-    vox::cpuid_registers vox::cpu_snapshot::*leaf;
-    int cpuid, word;
-    uint64_t state;
-};
-
-std::vector<cpuid_bit> documented_bits() {
+TEST(FeatureWord, EveryBitComesFromItsCpuidBitAndItsState) {
     using r = vox::cpuid_registers;
     using s = vox::cpu_snapshot;
-    std::vector<cpuid_bit> bits;
-    auto add = [&](auto leaf, auto reg, std::initializer_list<std::array<int, 2>> pairs,
-                   uint64_t state) {
-        for (auto [cpuid, word] : pairs)
-            bits.push_back({reg, leaf, cpuid, word, state});
+    const struct {
+        r s::*leaf;
+        uint32_t r::*reg;
+        uint64_t state;
+        std::vector<std::pair<int, int>> bits; // of the register, of the word
+    } groups[] = {
+        {&s::leaf1, &r::edx, 0, {{0, 1}, {15, 2}, {23, 3}, {24, 4}, {25, 5}, {26, 6}}},
+        {&s::leaf1,
+         &r::ecx,
+         0,
+         {{0, 7}, {9, 8}, {19, 9}, {20, 10}, {22, 11}, {23, 12}, {1, 13}, {25, 14}, {30, 17}}},
+        {&s::leaf1, &r::ecx, 6, {{29, 15}, {28, 16}, {12, 18}}},
+        {&s::extended1, &r::ecx, 0, {{5, 20}}},
+        {&s::leaf7, &r::ebx, 0, {{4, 21}, {11, 22}, {19, 28}, {18, 29}, {29, 35}}},
+        {&s::leaf7, &r::ebx, 6, {{5, 23}}},
+        {&s::leaf7, &r::ebx, 0x18, {{14, 36}}},
+        {&s::leaf7,
+         &r::ebx,
+         0xE6,
+         {{17, 24}, {16, 27}, {21, 30}, {27, 32}, {26, 33}, {28, 34}, {30, 37}, {31, 38}}},
+        {&s::leaf7, &r::ecx, 0xE6, {{1, 39}, {14, 42}}},
+        {&s::leaf7, &r::edx, 0xE6, {{3, 40}, {2, 41}}},
     };
-    add(&s::leaf1, &r::edx, {{0, 1}, {15, 2}, {23, 3}, {24, 4}, {25, 5}, {26, 6}}, 0);
-    add(&s::leaf1, &r::ecx,
-        {{0, 7}, {9, 8}, {19, 9}, {20, 10}, {22, 11}, {23, 12}, {1, 13}, {25, 14}, {30, 17}}, 0);
-    add(&s::leaf1, &r::ecx, {{29, 15}, {28, 16}, {12, 18}}, 6);
-    add(&s::extended1, &r::ecx, {{5, 20}}, 0);
-    add(&s::leaf7, &r::ebx, {{4, 21}, {11, 22}, {19, 28}, {18, 29}, {29, 35}}, 0);
-    add(&s::leaf7, &r::ebx, {{5, 23}}, 6);
-    add(&s::leaf7, &r::ebx, {{14, 36}}, 0x18);
-    add(&s::leaf7, &r::ebx,
-        {{17, 24}, {16, 27}, {21, 30}, {27, 32}, {26, 33}, {28, 34}, {30, 37}, {31, 38}}, 0xE6);
-    add(&s::leaf7, &r::ecx, {{1, 39}, {14, 42}}, 0xE6);
-    add(&s::leaf7, &r::edx, {{3, 40}, {2, 41}}, 0xE6);
-    return bits;
-}
-
-TEST(FeatureWord, EveryBitComesFromItsCpuidBitAndItsState) {
-    for (const cpuid_bit &b : documented_bits()) {
-        SCOPED_TRACE(b.word);
-        vox::cpu_snapshot s{};
-        s.leaf0.eax = 7;
-        (s.*b.leaf).*b.reg |= 1u << b.cpuid;
-        const uint64_t set = uint64_t(1) << b.word | 1;
-        EXPECT_EQ(vox::feature_word(s), b.state ? 1 : set);
-        s.leaf1.ecx |= 1u << 27;
-        s.xcr0 = 0xFF;
-        EXPECT_EQ(vox::feature_word(s), set);
-        for (int state = 0; state < 8; ++state) {
-            s.xcr0 = 0xFF & ~(1u << state);
-            EXPECT_EQ(vox::feature_word(s), b.state >> state & 1 ? 1 : set) << "XCR0 bit " << state;
+    for (const auto &g : groups)
+        for (const auto &[cpuid, word] : g.bits) {
+            SCOPED_TRACE(word);
+            s cpu{};
+            cpu.leaf0.eax = 7;
+            (cpu.*g.leaf).*g.reg |= 1u << cpuid;
+            const uint64_t set = uint64_t(1) << word | 1;
+            EXPECT_EQ(vox::feature_word(cpu), g.state ? 1 : set);
+            cpu.leaf1.ecx |= 1u << 27;
+            cpu.xcr0 = 0xFF;
+            EXPECT_EQ(vox::feature_word(cpu), set);
+            for (int state = 0; state < 8; ++state) {
+                cpu.xcr0 = 0xFF & ~(1u << state);
+                EXPECT_EQ(vox::feature_word(cpu), g.state >> state & 1 ? 1 : set)
+                    << "XCR0 bit " << state;
+            }
         }
-    }
-    EXPECT_EQ(documented_bits().size(), 38u);
 }
 
 TEST(FeatureWord, BmiNeedsBothHalvesAndSmallCoresAreThreeModels) {

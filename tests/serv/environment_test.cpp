@@ -1,19 +1,23 @@
-// environment_test.cpp - the bounded reader and the two number parsers.
+// environment_test.cpp - the bounded reader, the parsers of numbers, and the words in which the
+// environment speaks about threads.
 #include "serv/environment.hpp"
 
 #include <climits>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
+#include "serv/thread_environment.hpp"
 #include "tests/support/child.hpp"
 
 namespace {
 
 using namespace test;
+using namespace vox;
 
 CHILD(read_variable) {
-    const vox::env_value<30> value("VOX_TEST_VARIABLE");
+    const env_value<30> value("VOX_TEST_VARIABLE");
     std::printf("%d[%s]", int(value.state), value.text);
 }
 
@@ -29,7 +33,7 @@ TEST(Environment, ReadsAtMostItsBoundAndNeverCutsAValue) {
 TEST(Environment, ParsesDigitsOnly) {
     int value = -7;
     for (const char *text : {"", " 4", "4 ", "+4", "-4", "4x", "0x4", "4.0"})
-        EXPECT_FALSE(vox::parse_digits(text, &value)) << text;
+        EXPECT_FALSE(parse_digits(text, &value)) << text;
     EXPECT_EQ(value, -7);
     const std::pair<const char *, int> good[] = {{"0", 0},
                                                  {"007", 7},
@@ -37,7 +41,7 @@ TEST(Environment, ParsesDigitsOnly) {
                                                  {"2147483648", INT_MAX},
                                                  {"99999999999999999999999999", INT_MAX}};
     for (const auto &[text, expected] : good) {
-        EXPECT_TRUE(vox::parse_digits(text, &value)) << text;
+        EXPECT_TRUE(parse_digits(text, &value)) << text;
         EXPECT_EQ(value, expected) << text;
     }
 }
@@ -45,13 +49,91 @@ TEST(Environment, ParsesDigitsOnly) {
 TEST(Environment, ParsesOneIntegerAndNothingAfterIt) {
     long long value = 0;
     for (const char *text : {"", " ", "x", "1 ", "1x", "1.5", "--1"})
-        EXPECT_FALSE(vox::parse_integer(text, 10, &value)) << text;
-    EXPECT_TRUE(vox::parse_integer(" -12", 10, &value));
+        EXPECT_FALSE(parse_integer(text, 10, &value)) << text;
+    EXPECT_TRUE(parse_integer(" -12", 10, &value));
     EXPECT_EQ(value, -12);
-    EXPECT_TRUE(vox::parse_integer("0x1", 0, &value));
+    EXPECT_TRUE(parse_integer("0x1", 0, &value));
     EXPECT_EQ(value, 1);
-    EXPECT_TRUE(vox::parse_integer("99999999999999999999", 10, &value));
+    EXPECT_TRUE(parse_integer("99999999999999999999", 10, &value));
     EXPECT_EQ(value, LLONG_MAX);
+}
+
+const std::string junk(100000, '7');
+
+TEST(ThreadEnvironment, ReadsEachKindOfNumber) {
+    const struct {
+        const char *text;
+        int threads, stripes, processes, level; // -1: nothing said
+    } cases[] = {
+        {"", -1, -1, -1, 0},
+        {"0", -1, 0, 0, 0},
+        {"000", -1, 0, 0, 0},
+        {"1", 1, 1, 1, 1},
+        {"007", 7, 7, 7, 0},
+        {"3", 3, 3, 3, 3},
+        {"4", 4, 4, 4, 0},
+        {"2147483648", INT_MAX, INT_MAX, INT_MAX, 0},
+        {junk.c_str(), INT_MAX, INT_MAX, INT_MAX, 0},
+        {"4x", 1, -1, -1, 0},
+        {"4 ", 1, -1, -1, 0},
+        {" 4", 1, -1, 4, 0},
+        {"+4", 1, -1, 4, 0},
+        {"-4", 1, -1, -1, 0},
+        {"\"4\"", 1, -1, -1, 0},
+        {"4,2", 1, -1, -1, 0},
+        {"0:1:2", 1, -1, -1, 0},
+        {" ", 1, -1, -1, 0},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(parse_thread_count(c.text), c.threads) << c.text;
+        EXPECT_EQ(parse_stripes(c.text), c.stripes) << c.text;
+        EXPECT_EQ(parse_process_count(c.text), c.processes) << c.text;
+        EXPECT_EQ(parse_mpi_thread_level(c.text), c.level) << c.text;
+    }
+}
+
+TEST(ThreadEnvironment, OnlyTheFirstWordFalseTurnsTheDynamicFlagOff) {
+    for (const char *text : {"FALSE", "false", "  false", "\"FALSE\"", "' false x'", "FALSE TRUE"})
+        EXPECT_EQ(parse_dynamic(text), 0) << text;
+    for (const char *text : {"", "TRUE", "False", "fALSE", "falsely", "fals", "0", "no", ",false",
+                             "false;", "TRUE FALSE", junk.c_str()})
+        EXPECT_EQ(parse_dynamic(text), 1) << text;
+}
+
+TEST(ThreadEnvironment, ReadsTheListOfDomains) {
+    using counts = std::vector<int>; // all, BLAS, FFT, TQM, PARDISO
+    const struct {
+        const char *text;
+        counts expected;
+    } cases[] = {
+        {"", {-1, -1, -1, -1, -1}},
+        {" ,;:\"'", {-1, -1, -1, -1, -1}},
+        {"VOX_DOMAIN_ALL=2, VOX_DOMAIN_BLAS=4", {2, 4, -1, -1, -1}},
+        {"VOX_DOMAIN_BLAS 3;VOX_DOMAIN_FFT=", {-1, 3, 1, -1, -1}},
+        {"VOX_DOMAIN_TQM=5:VOX_DOMAIN_PARDISO=6", {-1, -1, -1, 5, 6}},
+        {"\"VOX_DOMAIN_FFT = = 7\" 'VOX_DOMAIN_TQM==8'", {-1, -1, 7, 8, -1}},
+        // No number counts as 1, less than 1 as nothing, and the first entry wins.
+        {"VOX_DOMAIN_BLAS=4x,VOX_DOMAIN_FFT=-2,VOX_DOMAIN_TQM=+3", {-1, 1, 1, 1, -1}},
+        {"VOX_DOMAIN_BLAS", {-1, 1, -1, -1, -1}},
+        {"VOX_DOMAIN_BLAS,3", {-1, 1, -1, -1, -1}},
+        {"VOX_DOMAIN_BLAS=\"4\"", {-1, 1, -1, -1, -1}},
+        {"VOX_DOMAIN_BLAS=0,VOX_DOMAIN_BLAS=2,VOX_DOMAIN_BLAS=9", {-1, 2, -1, -1, -1}},
+        {"VOX_DOMAIN_BLAS=99999999999999999999", {-1, INT_MAX, -1, -1, -1}},
+        {"VOX_DOMAIN_BLAS VOX_DOMAIN_FFT=3", {-1, 1, -1, -1, -1}}, // the value is no number
+        // Unknown names go with their values.
+        {"FOO=9 BLAS=8 vox_domain_blas=7 VOX_DOMAIN_BLAS2=6 VOX_DOMAIN_FFT=5", {-1, -1, 5, -1, -1}},
+        {"=4,VOX_DOMAIN_FFT=5", {-1, -1, 5, -1, -1}},
+        {junk.c_str(), {-1, -1, -1, -1, -1}},
+    };
+    for (const auto &c : cases) {
+        thread_environment e;
+        parse_domain_counts(c.text, e.threads);
+        EXPECT_EQ(counts(e.threads, e.threads + domain_count), c.expected) << c.text;
+    }
+    thread_environment e;
+    e.threads[VOX_DOMAIN_ALL] = 6; // VOX_NUM_THREADS
+    parse_domain_counts("VOX_DOMAIN_ALL=2", e.threads);
+    EXPECT_EQ(e.threads[VOX_DOMAIN_ALL], 6);
 }
 
 } // namespace

@@ -22,8 +22,8 @@ namespace {
 using namespace test;
 using namespace vox;
 
-constexpr setting by_program(int value) { return {value, setter::program}; }
-constexpr setting by_environment(int value) { return {value, setter::environment}; }
+constexpr setting prog(int value) { return {value, setter::program}; }
+constexpr setting env(int value) { return {value, setter::environment}; }
 
 // Settings of a process under MPI, and the situation of a caller with 8 cores.
 thread_settings mpi(int processes, int level, int omp_num_threads = -1) {
@@ -37,77 +37,63 @@ thread_context inside(int local, int quota) { return {local, true, 6, 8, quota};
 TEST(ThreadRule, FollowsItsStepsAndSaysWhichOneDecided) {
     using enum count_origin;
     using enum count_limit;
-    constexpr setting unset, off = by_program(0), on = by_program(1);
-    constexpr setter nobody = setter::none, prog = setter::program, env = setter::environment;
+    constexpr setting unset, off = prog(0), on = prog(1);
     const struct {
         const char *name;
         thread_settings settings; // own, all, dynamic, mpi_safe, OMP_NUM_THREADS, per node, level
         thread_context context;
-        thread_count expected;
+        int count;
+        count_origin origin;
+        count_limit limit = none;
     } cases[] = {
-        {"nothing set", {}, outside(6), {6, runtime, nobody, none}},
-        {"more than there are cores", {}, outside(16), {8, runtime, nobody, cores}},
-        {"the quota is below the cores", {}, outside(16, 3), {3, runtime, nobody, quota}},
-        {"the quota is above the cores", {}, outside(16, 12), {8, runtime, nobody, cores}},
-        {"all domains", {unset, by_environment(5)}, outside(6), {5, all_domains, env, none}},
-        {"its own before all",
-         {by_program(3), by_environment(5)},
-         outside(6),
-         {3, domain, prog, none}},
-        {"a cleared domain follows all",
-         {off, by_program(5)},
-         outside(6),
-         {5, all_domains, prog, none}},
-        {"all cleared as well", {off, off}, outside(6), {6, runtime, nobody, none}},
-        {"chosen counts are limited too",
-         {by_environment(20)},
-         outside(6),
-         {8, domain, env, cores}},
-        {"in a region", {by_program(4)}, inside(0, 0), {1, domain, prog, parallel_region}},
-        {"in a region, dynamic off",
-         {by_program(4), unset, off},
-         inside(0, 0),
-         {4, domain, prog, none}},
+        {"nothing set", {}, outside(6), 6, runtime},
+        {"more than there are cores", {}, outside(16), 8, runtime, cores},
+        {"the quota is below the cores", {}, outside(16, 3), 3, runtime, quota},
+        {"the quota is above the cores", {}, outside(16, 12), 8, runtime, cores},
+        {"all domains", {unset, env(5)}, outside(6), 5, all_domains},
+        {"the domain's own goes before all", {prog(3), env(5)}, outside(6), 3, domain},
+        {"a cleared domain follows all", {off, prog(5)}, outside(6), 5, all_domains},
+        {"all cleared as well", {off, off}, outside(6), 6, runtime},
+        {"chosen counts are limited too", {env(20)}, outside(6), 8, domain, cores},
+        {"inside a parallel region", {prog(4)}, inside(0, 0), 1, domain, parallel_region},
+        {"inside, dynamic off", {prog(4), unset, off}, inside(0, 0), 4, domain},
         {"dynamic off knows no limit",
-         {unset, unset, by_environment(0), off, -1, 4, 0},
+         {unset, unset, env(0), off, -1, 4, 0},
          outside(600, 2),
-         {600, runtime, nobody, none}},
-        {"the thread's own setting goes before everything",
-         {by_program(4), by_program(5), on, off, 1, 4, 0},
+         600,
+         runtime},
+        {"the thread's own goes first",
+         {prog(4), prog(5), on, off, 1, 4, 0},
          inside(100, 2),
-         {100, thread, prog, none}},
-        {"MPI safe: the full count, processes or not",
-         {unset, unset, unset, on, -1, 4, 0},
-         outside(8),
-         {8, runtime, nobody, none}},
+         100,
+         thread},
+        {"MPI safe: the full count", {unset, unset, unset, on, -1, 4, 0}, outside(8), 8, runtime},
         {"not MPI safe",
-         {unset, by_program(4), unset, off, 8, 4, 3},
+         {unset, prog(4), unset, off, 8, 4, 3},
          outside(8),
-         {1, all_domains, prog, mpi_not_safe}},
-        {"processes without threads",
-         mpi(2, 0),
-         outside(8),
-         {1, runtime, nobody, mpi_thread_level}},
-        {"processes share cores", mpi(3, 1), outside(8), {2, runtime, nobody, processes_per_node}},
-        {"too many processes", mpi(9, 3), outside(8), {1, runtime, nobody, processes_per_node}},
-        {"a share above the runtime's count", mpi(2, 1), outside(3), {3, runtime, nobody, none}},
-        {"no process", mpi(0, 1), outside(8), {8, runtime, nobody, none}},
+         1,
+         all_domains,
+         mpi_not_safe},
+        {"processes without threads", mpi(2, 0), outside(8), 1, runtime, mpi_thread_level},
+        {"processes share the cores", mpi(3, 1), outside(8), 2, runtime, processes_per_node},
+        {"more processes than cores", mpi(9, 3), outside(8), 1, runtime, processes_per_node},
+        {"a share above the runtime's count", mpi(2, 1), outside(3), 3, runtime},
+        {"no process", mpi(0, 1), outside(8), 8, runtime},
         {"a chosen count is not shared",
-         {unset, by_environment(6), unset, unset, -1, 4, 0},
+         {unset, env(6), unset, unset, -1, 4, 0},
          outside(8),
-         {6, all_domains, env, none}},
-        {"nor is OpenMP's", mpi(4, 0, 6), outside(6), {6, runtime, nobody, none}},
-        {"as large as an int",
-         {unset, by_environment(INT_MAX), off},
-         outside(8),
-         {INT_MAX, all_domains, env, none}},
+         6,
+         all_domains},
+        {"nor is OpenMP's", mpi(4, 0, 6), outside(6), 6, runtime},
+        {"as large as an int", {unset, env(INT_MAX), off}, outside(8), INT_MAX, all_domains},
     };
     for (const auto &c : cases) {
         const thread_count got = choose_threads(c.settings, c.context);
-        EXPECT_EQ(got.count, c.expected.count) << c.name;
-        EXPECT_EQ(int(got.origin), int(c.expected.origin)) << c.name;
-        EXPECT_EQ(int(got.by), int(c.expected.by)) << c.name;
-        EXPECT_EQ(int(got.limit), int(c.expected.limit)) << c.name;
+        EXPECT_EQ(got.count, c.count) << c.name;
+        EXPECT_EQ(int(got.origin), int(c.origin)) << c.name;
+        EXPECT_EQ(int(got.limit), int(c.limit)) << c.name;
+        const setter by[] = {setter::program, c.settings.own.by, c.settings.all.by, setter::none};
+        EXPECT_EQ(int(got.by), int(by[int(c.origin)])) << c.name;
     }
 }
 
@@ -125,7 +111,7 @@ void print_answers() {
 CHILD(answers) { print_answers(); }
 
 TEST(ThreadVariables, SetTheCountsOfAProcess) {
-    // How each text is read: thread_environment_test.
+    // How each text is read: environment_test.
     const std::string overlong(100000, '7'), longest(256, '0'), blanks(100000, ' ');
     const struct {
         environment settings;
@@ -159,9 +145,8 @@ TEST(ThreadVariables, SetTheCountsOfAProcess) {
     for (const auto &c : cases) {
         environment settings = c.settings;
         settings.emplace_back("OMP_NUM_THREADS", "9"); // the runtime's count
-        const child_result got = run_child(answers, settings);
-        EXPECT_EQ(got.out, c.expected) << settings.front().first << "=" << settings.front().second;
-        EXPECT_EQ(got.err, "");
+        SCOPED_TRACE(settings.front().first + "=" + settings.front().second.substr(0, 40));
+        expect_output(answers, c.expected, settings);
     }
 }
 
@@ -172,21 +157,17 @@ CHILD(count_with_limits) {
 
 TEST(ThreadVariables, ProcessesOnTheNodeShareItsCores) {
     const int cores = this_topology().cores;
-    const auto text = [](int count, count_limit limit) {
-        return std::to_string(count) + " " + std::to_string(int(limit));
+    const auto one = [&](count_limit limit) {
+        return "1 " + std::to_string(int(cores > 1 ? limit : count_limit::none));
     };
-    const auto with = [](const char *processes, const char *level) {
-        return run_child(count_with_limits,
-                         {{"VOX_MPI_PPN", processes}, {"VOX_MPI_THREAD_LEVEL", level}})
-            .out;
-    };
+    const char *const level = "VOX_MPI_THREAD_LEVEL";
     // Thread level 0, or none: one thread, whatever the number of processes.
-    for (const char *level : {"0", "4", "x", ""})
-        EXPECT_EQ(with("1", level),
-                  text(1, cores > 1 ? count_limit::mpi_thread_level : count_limit::none));
-    EXPECT_EQ(with("1", "1"), text(cores, count_limit::none));
-    EXPECT_EQ(with("9999", "3"),
-              text(1, cores > 1 ? count_limit::processes_per_node : count_limit::none));
+    expect_said(count_with_limits, level, {"0", "4", "x", ""}, one(count_limit::mpi_thread_level),
+                {{"VOX_MPI_PPN", "1"}});
+    expect_said(count_with_limits, level, {"1"}, std::to_string(cores) + " 0",
+                {{"VOX_MPI_PPN", "1"}});
+    expect_said(count_with_limits, level, {"3"}, one(count_limit::processes_per_node),
+                {{"VOX_MPI_PPN", "9999"}});
 }
 
 CHILD(program_before_environment) {
@@ -314,22 +295,16 @@ CHILD(use_and_leave) {
     vox_get_max_threads();
     setenv("CALL_LATE", "1", 1);
 }
-TEST(ThreadSettings, WorkAfterTheExitCleanUp) {
-    const child_result got = run_child(use_and_leave);
-    EXPECT_EQ(got.out, "0 4 4");
-    EXPECT_EQ(got.status, 0);
-}
+TEST(ThreadSettings, WorkAfterTheExitCleanUp) { expect_output(use_and_leave, "0 4 4"); }
 
-CHILD(count_under_mask) {
+CHILD_TEST(ThreadSettings, HonourTheAffinityMask) {
     cpu_set_t one;
     CPU_ZERO(&one);
     CPU_SET(sched_getcpu(), &one);
     sched_setaffinity(0, sizeof one, &one);
-    std::printf("%d", vox_get_max_threads());
-}
-TEST(ThreadSettings, HonourTheAffinityMask) {
-    EXPECT_EQ(run_child(count_under_mask).out, "1");
-    EXPECT_EQ(run_child(count_under_mask, {{"VOX_NUM_THREADS", "16"}}).out, "1");
+    CHECK(vox_get_max_threads() == 1);
+    vox_set_num_threads(16);
+    CHECK(vox_get_max_threads() == 1);
 }
 
 } // namespace

@@ -112,9 +112,10 @@ void test::expect_said(const child_entry &entry, const char *variable,
     }
 }
 
-void test::expect_success(const child_entry &entry, const environment &settings) {
+void test::expect_output(const child_entry &entry, const std::string &expected,
+                         const environment &settings) {
     const child_result r = run_child(entry, settings);
-    EXPECT_EQ(r.out + r.err, "");
+    EXPECT_EQ(r.out + r.err, expected);
     EXPECT_EQ(r.status, 0) << entry.name << ", signal " << r.signal;
 }
 

@@ -43,8 +43,12 @@ void expect_said(const child_entry &entry, const char *variable,
                  const std::vector<std::string> &values, const std::string &expected,
                  const environment &others = {});
 
-// The child comes to its end and says nothing.
-void expect_success(const child_entry &entry, const environment &settings = {});
+// The child comes to its end and says this, on either stream.
+void expect_output(const child_entry &entry, const std::string &expected,
+                   const environment &settings = {});
+inline void expect_success(const child_entry &entry, const environment &settings = {}) {
+    expect_output(entry, "", settings);
+}
 
 // Runs any program the same way.
 child_result run_program(const std::vector<std::string> &command, const environment &settings = {});
