@@ -1,5 +1,5 @@
-// environment_test.cpp - the bounded reader, the parsers of numbers, and the words in which the
-// environment speaks about threads.
+// environment_test.cpp - the bounded reader, and the words in which the environment speaks about
+// threads. Other numbers from it: memory_test, verbose_test, cpu_test.
 #include "serv/environment.hpp"
 
 #include <climits>
@@ -30,34 +30,6 @@ TEST(Environment, ReadsAtMostItsBoundAndNeverCutsAValue) {
                 "2[]");
 }
 
-TEST(Environment, ParsesDigitsOnly) {
-    int value = -7;
-    for (const char *text : {"", " 4", "4 ", "+4", "-4", "4x", "0x4", "4.0"})
-        EXPECT_FALSE(parse_digits(text, &value)) << text;
-    EXPECT_EQ(value, -7);
-    const std::pair<const char *, int> good[] = {{"0", 0},
-                                                 {"007", 7},
-                                                 {"2147483647", INT_MAX},
-                                                 {"2147483648", INT_MAX},
-                                                 {"99999999999999999999999999", INT_MAX}};
-    for (const auto &[text, expected] : good) {
-        EXPECT_TRUE(parse_digits(text, &value)) << text;
-        EXPECT_EQ(value, expected) << text;
-    }
-}
-
-TEST(Environment, ParsesOneIntegerAndNothingAfterIt) {
-    long long value = 0;
-    for (const char *text : {"", " ", "x", "1 ", "1x", "1.5", "--1"})
-        EXPECT_FALSE(parse_integer(text, 10, &value)) << text;
-    EXPECT_TRUE(parse_integer(" -12", 10, &value));
-    EXPECT_EQ(value, -12);
-    EXPECT_TRUE(parse_integer("0x1", 0, &value));
-    EXPECT_EQ(value, 1);
-    EXPECT_TRUE(parse_integer("99999999999999999999", 10, &value));
-    EXPECT_EQ(value, LLONG_MAX);
-}
-
 const std::string junk(100000, '7');
 
 TEST(ThreadEnvironment, ReadsEachKindOfNumber) {
@@ -75,6 +47,8 @@ TEST(ThreadEnvironment, ReadsEachKindOfNumber) {
         {"2147483648", INT_MAX, INT_MAX, INT_MAX, 0},
         {junk.c_str(), INT_MAX, INT_MAX, INT_MAX, 0},
         {"4x", 1, -1, -1, 0},
+        {"0x4", 1, -1, -1, 0},
+        {"4.0", 1, -1, -1, 0},
         {"4 ", 1, -1, -1, 0},
         {" 4", 1, -1, 4, 0},
         {"+4", 1, -1, 4, 0},

@@ -23,12 +23,9 @@ const std::string complete = standins + "/complete", newer = standins + "/newer"
 constexpr char name[] = "libmemkind.so";
 
 TEST(FastMemory, NeedsAllFourFeatures) {
-    constexpr uint64_t group = vox::avx512_zel_group, all = ~uint64_t(0);
-    EXPECT_TRUE(vox::may_have_fast_memory(group));
-    EXPECT_TRUE(vox::may_have_fast_memory(all));
-    EXPECT_FALSE(vox::may_have_fast_memory(0));
+    EXPECT_TRUE(vox::may_have_fast_memory(vox::avx512_zel_group));
     for (int bit : {27, 32, 33, 34})
-        EXPECT_FALSE(vox::may_have_fast_memory(all & ~(uint64_t(1) << bit))) << bit;
+        EXPECT_FALSE(vox::may_have_fast_memory(~(uint64_t(1) << bit))) << bit;
 }
 
 // Binding loads libraries, so each case has a process: TEST_NAME, TEST_FIRST and TEST_SECOND in,

@@ -37,7 +37,7 @@ thread_context inside(int local, int quota) { return {local, true, 6, 8, quota};
 TEST(ThreadRule, FollowsItsStepsAndSaysWhichOneDecided) {
     using enum count_origin;
     using enum count_limit;
-    constexpr setting unset, off = prog(0), on = prog(1);
+    constexpr setting off = prog(0), on = prog(1);
     const struct {
         const char *name;
         thread_settings settings; // own, all, dynamic, mpi_safe, OMP_NUM_THREADS, per node, level
@@ -50,42 +50,33 @@ TEST(ThreadRule, FollowsItsStepsAndSaysWhichOneDecided) {
         {"more than there are cores", {}, outside(16), 8, runtime, cores},
         {"the quota is below the cores", {}, outside(16, 3), 3, runtime, quota},
         {"the quota is above the cores", {}, outside(16, 12), 8, runtime, cores},
-        {"all domains", {unset, env(5)}, outside(6), 5, all_domains},
+        {"all domains", {{}, env(5)}, outside(6), 5, all_domains},
         {"the domain's own goes before all", {prog(3), env(5)}, outside(6), 3, domain},
         {"a cleared domain follows all", {off, prog(5)}, outside(6), 5, all_domains},
         {"all cleared as well", {off, off}, outside(6), 6, runtime},
         {"chosen counts are limited too", {env(20)}, outside(6), 8, domain, cores},
         {"inside a parallel region", {prog(4)}, inside(0, 0), 1, domain, parallel_region},
-        {"inside, dynamic off", {prog(4), unset, off}, inside(0, 0), 4, domain},
+        {"inside, dynamic off", {prog(4), {}, off}, inside(0, 0), 4, domain},
         {"dynamic off knows no limit",
-         {unset, unset, env(0), off, -1, 4, 0},
+         {{}, {}, env(0), off, -1, 4, 0},
          outside(600, 2),
          600,
          runtime},
-        {"the thread's own goes first",
-         {prog(4), prog(5), on, off, 1, 4, 0},
-         inside(100, 2),
-         100,
-         thread},
-        {"MPI safe: the full count", {unset, unset, unset, on, -1, 4, 0}, outside(8), 8, runtime},
-        {"not MPI safe",
-         {unset, prog(4), unset, off, 8, 4, 3},
-         outside(8),
-         1,
-         all_domains,
-         mpi_not_safe},
+        {"the thread's own", {prog(4), prog(5), on, off, 1, 4, 0}, inside(100, 2), 100, thread},
+        {"MPI safe: the full count", {{}, {}, {}, on, -1, 4, 0}, outside(8), 8, runtime},
+        {"not MPI safe", {{}, prog(4), {}, off, 8, 4, 3}, outside(8), 1, all_domains, mpi_not_safe},
         {"processes without threads", mpi(2, 0), outside(8), 1, runtime, mpi_thread_level},
         {"processes share the cores", mpi(3, 1), outside(8), 2, runtime, processes_per_node},
         {"more processes than cores", mpi(9, 3), outside(8), 1, runtime, processes_per_node},
         {"a share above the runtime's count", mpi(2, 1), outside(3), 3, runtime},
         {"no process", mpi(0, 1), outside(8), 8, runtime},
         {"a chosen count is not shared",
-         {unset, env(6), unset, unset, -1, 4, 0},
+         {{}, env(6), {}, {}, -1, 4, 0},
          outside(8),
          6,
          all_domains},
         {"nor is OpenMP's", mpi(4, 0, 6), outside(6), 6, runtime},
-        {"as large as an int", {unset, env(INT_MAX), off}, outside(8), INT_MAX, all_domains},
+        {"as large as an int", {{}, env(INT_MAX), off}, outside(8), INT_MAX, all_domains},
     };
     for (const auto &c : cases) {
         const thread_count got = choose_threads(c.settings, c.context);

@@ -27,11 +27,6 @@ std::string call_line(const vox::call_facts &facts, const char *call = "DDOT(1)"
     return text;
 }
 
-TEST(VerboseText, AnOrdinaryLine) {
-    EXPECT_EQ(call_line(quiet),
-              "VOX_VERBOSE DDOT(1) 1.50ms CNR:OFF Dyn:1 FastMM:1 TID:0  NThr:2\n");
-}
-
 TEST(VerboseText, TheUnitFollowsTheTime) {
     const double inf = std::numeric_limits<double>::infinity();
     const std::pair<double, const char *> cases[] = {
