@@ -2,7 +2,6 @@
 // small buffer against a model that works on a second buffer, formatted output and input.
 #include "vox/service.h"
 
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>

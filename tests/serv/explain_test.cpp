@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <map>
+#include <sstream>
 #include <string>
 
 #include "tests/support/child.hpp"
@@ -19,13 +20,10 @@ CHILD(explain) {
 }
 
 std::map<std::string, std::string> facts(const environment &settings) {
-    const std::string text = run_child(explain, settings).out;
+    std::istringstream text(run_child(explain, settings).out);
     std::map<std::string, std::string> result;
-    for (size_t begin = 0; begin < text.size();) {
-        const size_t end = text.find('\n', begin), tab = text.find('\t', begin);
-        result[text.substr(begin, tab - begin)] = text.substr(tab + 1, end - tab - 1);
-        begin = end + 1;
-    }
+    for (std::string key, value; std::getline(text, key, '\t') && std::getline(text, value);)
+        result[key] = value;
     return result;
 }
 

@@ -1,6 +1,7 @@
 // jit_memory_test.cpp - memory for generated code is writable or executable, and never both.
 #include "tests/serv/memory_support.hpp"
 
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <string>

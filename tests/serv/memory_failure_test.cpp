@@ -7,9 +7,7 @@
 
 #include <cstdlib>
 #include <latch>
-#include <string>
 #include <sys/mman.h>
-#include <vector>
 
 #include "serv/memory.hpp"
 

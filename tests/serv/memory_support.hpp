@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <pthread.h>

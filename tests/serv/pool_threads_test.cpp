@@ -5,7 +5,6 @@
 #include <atomic>
 #include <latch>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {

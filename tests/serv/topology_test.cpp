@@ -1,13 +1,11 @@
 // topology_test.cpp - cores of machines that are not this one.
 #include "serv/topology.hpp"
 
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "tests/support/temporary.hpp"

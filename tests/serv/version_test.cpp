@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
-#include <vector>
 
 #include "tests/support/child.hpp"
 #include "vox/service.h"
