@@ -104,10 +104,6 @@ TEST(ThreadEnvironment, ReadsTheListOfDomains) {
         parse_domain_counts(c.text, e.threads);
         EXPECT_EQ(counts(e.threads, e.threads + domain_count), c.expected) << c.text;
     }
-    thread_environment e;
-    e.threads[VOX_DOMAIN_ALL] = 6; // VOX_NUM_THREADS
-    parse_domain_counts("VOX_DOMAIN_ALL=2", e.threads);
-    EXPECT_EQ(e.threads[VOX_DOMAIN_ALL], 6);
 }
 
 } // namespace

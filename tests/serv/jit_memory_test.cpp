@@ -1,9 +1,9 @@
 // jit_memory_test.cpp - memory for generated code is writable or executable, and never both.
 #include "tests/serv/memory_support.hpp"
 
+#include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 namespace {
@@ -15,13 +15,11 @@ using namespace test;
 std::string permissions(const void *address) {
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {
-        std::istringstream fields(line);
         uintptr_t begin = 0, end = 0;
-        char dash;
-        std::string mode;
-        fields >> std::hex >> begin >> dash >> end >> mode;
+        char mode[5];
         const uintptr_t a = reinterpret_cast<uintptr_t>(address);
-        if (begin <= a && a < end)
+        if (std::sscanf(line.c_str(), "%lx-%lx %4s", &begin, &end, mode) == 3 && begin <= a &&
+            a < end)
             return mode;
     }
     return "";

@@ -8,7 +8,6 @@ namespace {
 
 TEST(Lsame, FoldsLettersOfAsciiOnly) {
     std::setlocale(LC_ALL, ""); // must not matter
-    int equal = 0;
     for (int a = 0; a < 256; ++a)
         for (int b = 0; b < 256; ++b) {
             const char x[] = {char(a), 'p'}, y[] = {char(b), 'q'};
@@ -16,9 +15,7 @@ TEST(Lsame, FoldsLettersOfAsciiOnly) {
             EXPECT_EQ(result, vox_serv_lsame(y, x));
             EXPECT_EQ(result, a == b || ((a ^ b) == 0x20 && (a | 0x20) >= 'a' && (a | 0x20) <= 'z'))
                 << a << " " << b;
-            equal += result;
         }
-    EXPECT_EQ(equal, 256 + 2 * 26);
     EXPECT_EQ(vox_serv_lsame(nullptr, "N"), 0);
     EXPECT_EQ(vox_serv_lsame("N", nullptr), 0);
     EXPECT_EQ(vox_serv_lsame(nullptr, nullptr), 0);

@@ -161,31 +161,27 @@ TEST(ThreadVariables, ProcessesOnTheNodeShareItsCores) {
                 {{"VOX_MPI_PPN", "9999"}});
 }
 
-CHILD(program_before_environment) {
+CHILD(program_sets) {
+    if (std::getenv("TEST_READ_FIRST")) {
+        print_answers();
+        setenv("VOX_NUM_THREADS", "8", 1); // too late
+        std::printf("|");
+    }
     vox_set_num_threads(3);
     vox_domain_set_num_threads(0, VOX_DOMAIN_FFT);
     vox_set_num_stripes(2);
     vox_set_dynamic(1);
     print_answers();
 }
-CHILD(program_after_environment) {
-    print_answers();
-    vox_set_num_threads(3);
-    vox_domain_set_num_threads(0, VOX_DOMAIN_FFT);
-    vox_set_num_stripes(2);
-    setenv("VOX_NUM_THREADS", "8", 1); // too late
-    std::printf("|");
-    print_answers();
-}
 
 TEST(ThreadSettings, TheProgramsGoBeforeTheEnvironmentsWheneverTheyCome) {
-    const environment settings = {{"VOX_NUM_THREADS", "5"},
-                                  {"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS=6,VOX_DOMAIN_FFT=7"},
-                                  {"VOX_NUM_STRIPES", "4"},
-                                  {"VOX_DYNAMIC", "FALSE"}};
-    EXPECT_EQ(run_child(program_before_environment, settings).out, "1 2 3: 3 6 3 3 3 3 -1");
-    EXPECT_EQ(run_child(program_after_environment, settings).out,
-              "0 4 5: 5 6 7 5 5 5 -1|0 2 3: 3 6 3 3 3 3 -1");
+    environment settings = {{"VOX_NUM_THREADS", "5"},
+                            {"VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS=6,VOX_DOMAIN_FFT=7"},
+                            {"VOX_NUM_STRIPES", "4"},
+                            {"VOX_DYNAMIC", "FALSE"}};
+    expect_output(program_sets, "1 2 3: 3 6 3 3 3 3 -1", settings);
+    settings.emplace_back("TEST_READ_FIRST", "");
+    expect_output(program_sets, "0 4 5: 5 6 7 5 5 5 -1|1 2 3: 3 6 3 3 3 3 -1", settings);
 }
 
 class Settings : public ::testing::Test {

@@ -23,12 +23,11 @@ TEST(Timer, FrequencyIsTicksPerTimeOrElseTheRatedOne) {
 }
 
 TEST(Timer, RatedFrequencyComesFromTheLeafThenFromTheBrand) {
-    struct row {
+    const struct {
         uint32_t leaf16_eax;
         const char *brand;
         double ghz;
-    };
-    const row rows[] = {
+    } rows[] = {
         {0, "", 0},
         {0, "Maker Processor 9999 8-Core", 0},
         {0, "Maker(R) CPU E5-2670 0 @ 2.60GHz", 2.60},
@@ -42,7 +41,7 @@ TEST(Timer, RatedFrequencyComesFromTheLeafThenFromTheBrand) {
         {2900, "Maker(R) CPU @ 2.60GHz", 2.9},
         {0xFFFF0000, "Maker(R) CPU @ 2.60GHz", 2.60}, // upper half reserved
     };
-    for (const row &r : rows) {
+    for (const auto &r : rows) {
         vox::frequency_facts facts{};
         facts.leaf16.eax = r.leaf16_eax;
         std::memcpy(facts.brand, r.brand, std::min(std::strlen(r.brand), sizeof facts.brand - 1));
