@@ -12,14 +12,10 @@
 #include "serv/memory.hpp"
 
 extern "C" {
-void *__real_mmap(void *, size_t, int, int, int, off_t);
-void *__wrap_mmap(void *, size_t, int, int, int, off_t);
-void *__real_malloc(size_t);
-void *__real_calloc(size_t, size_t);
-void *__real_realloc(void *, size_t);
-void *__wrap_malloc(size_t);
-void *__wrap_calloc(size_t, size_t);
-void *__wrap_realloc(void *, size_t);
+decltype(mmap) __real_mmap, __wrap_mmap;
+decltype(malloc) __real_malloc, __wrap_malloc;
+decltype(calloc) __real_calloc, __wrap_calloc;
+decltype(realloc) __real_realloc, __wrap_realloc;
 }
 
 namespace {
@@ -132,10 +128,10 @@ CHILD_TEST(MemoryFailure, NoMappingForMoreRecordsOrForCode) {
 } // namespace
 
 extern "C" {
-void *__wrap_mmap(void *at, size_t size, int access, int flags, int file, off_t offset) {
+void *__wrap_mmap(void *at, size_t size, int access, int flags, int file, off_t offset) noexcept {
     return refused() ? MAP_FAILED : __real_mmap(at, size, access, flags, file, offset);
 }
-void *__wrap_malloc(size_t size) { return hook_malloc(size); }
-void *__wrap_calloc(size_t count, size_t size) { return hook_calloc(count, size); }
-void *__wrap_realloc(void *old, size_t size) { return hook_realloc(old, size); }
+void *__wrap_malloc(size_t size) noexcept { return hook_malloc(size); }
+void *__wrap_calloc(size_t count, size_t size) noexcept { return hook_calloc(count, size); }
+void *__wrap_realloc(void *old, size_t size) noexcept { return hook_realloc(old, size); }
 }

@@ -168,8 +168,7 @@ CHILD_TEST(PoolThreads, ASmallStackIsEnoughForTheFirstUseOfEverything) {
 std::atomic<bool> stop;
 std::latch all_hammer(4);
 void hammer(int thread) {
-    const unsigned seed = unsigned(thread);
-    std::mt19937 random(seed);
+    std::mt19937 random{unsigned(thread)};
     vox_serv_deallocate(vox_serv_allocate(100, 64));
     all_hammer.count_down();
     while (!stop) {
@@ -180,7 +179,7 @@ void hammer(int thread) {
         if (!may_allocate_while_others_fork)
             continue;
         void *const p = vox_serv_allocate(1 + random() % 4000, 64);
-        use_scratch(1 + random() % 2000, 64, seed);
+        use_scratch(1 + random() % 2000, 64, unsigned(thread));
         vox_serv_deallocate(p);
         if (random() % 16 == 0)
             vox_free_buffers();

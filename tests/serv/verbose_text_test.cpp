@@ -72,12 +72,7 @@ TEST(VerboseText, EveryBranchHasItsWord) {
 }
 
 TEST(VerboseText, SettingsAndTheDomainsThatDiffer) {
-    vox::call_facts facts = quiet;
-    facts.dynamic = 0;
-    facts.fast_mm = 0;
-    facts.thread = 7;
-    facts.domain_threads[1] = 1;
-    facts.domain_threads[3] = 16;
+    vox::call_facts facts = {1.5e-3, VOX_CBWR_OFF, 0, 0, 7, 2, {2, 1, 2, 16}};
     EXPECT_EQ(call_line(facts), "VOX_VERBOSE DDOT(1) 1.50ms CNR:OFF Dyn:0 FastMM:0 TID:7  "
                                 "NThr:2,FFT:1,PARDISO:16\n");
     facts.thread = 128;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "tests/hosts/check.h"
 #include "tests/support/child.hpp"
 #include "tests/support/tasks.hpp"
 
@@ -69,17 +70,18 @@ CHILD(report_every_way) {
     cblas_xerbla("DDOT", 3);
     cblas_xerbla(nullptr, 3);
     cblas_xerbla_malloc_error(nullptr);
-    std::printf("%d%d%d%d%d%d", vox_serv_check_ptr(&three, "DDOT"),
-                vox_serv_check_ptr(nullptr, nullptr), vox_serv_check_ptr_and_warn(&three, "DDOT"),
-                vox_serv_check_ptr_and_warn(nullptr, "DDOT"),
-                vox_serv_check_ptr_and_warn(nullptr, nullptr), vox_serv_check_ptr(&three, nullptr));
+    for (auto check : {vox_serv_check_ptr, vox_serv_check_ptr_and_warn}) {
+        CHECK(check(&three, "DDOT") == 0 && check(&three, nullptr) == 0);
+        CHECK(check(nullptr, nullptr) == 1);
+    }
+    CHECK(vox_serv_check_ptr_and_warn(nullptr, "DDOT") == 1);
 }
 
 TEST(Xerbla, EveryWayLeadsToTheStandardReportAndNullIsIgnored) {
     std::string expected;
     for (int i = 0; i < 8; ++i)
         expected += ddot_report;
-    EXPECT_EQ(run_child(report_every_way).out, expected + "010110");
+    expect_output(report_every_way, expected);
 }
 
 CHILD(report_while_output_is_pending) {
@@ -122,19 +124,16 @@ TEST(Xerbla, HandlersAreSetAndRestored) {
 
 CHILD(report_from_c) {
     cblas_xerbla("cblas_dgemv", 7);
-    if (vox_set_xerbla(nullptr) != cdecl_xerbla)
-        std::printf("not registered");
+    CHECK(vox_set_xerbla(nullptr) == cdecl_xerbla);
     vox_set_xerbla(record);
     cblas_xerbla_malloc_error("cblas_dgemm");
-    std::printf("%s", reported.c_str());
-    if (vox_set_xerbla(nullptr) != record)
-        std::printf("the program's handler is gone");
+    CHECK(reported == "cblas_dgemm:1000 ");
+    CHECK(vox_set_xerbla(nullptr) == record); // the program's handler is still there
 }
 
 TEST(Xerbla, TheCInterfaceRegistersItsHandlerUnlessThereIsOne) {
-    EXPECT_EQ(run_child(report_from_c).out,
-              "\nQuarn VOX ERROR: Parameter 7 was incorrect on entry to cblas_dgemv.\n"
-              "cblas_dgemm:1000 ");
+    expect_output(report_from_c,
+                  "\nQuarn VOX ERROR: Parameter 7 was incorrect on entry to cblas_dgemv.\n");
 }
 
 // Many threads report while others exchange the handler: each report arrives exactly once.
@@ -143,16 +142,15 @@ void count_a(const char *, const vox_int *, int) { ++arrived_a; }
 void count_b(const char *, const vox_int *, int) { ++arrived_b; }
 
 TEST(Xerbla, HandlersMayChangeWhileOthersReport) {
-    constexpr int threads = 4, reports = 500;
     vox_set_xerbla(count_a);
-    on_threads(threads, [](int) {
-        for (int i = 0; i < reports; ++i) {
+    on_threads(4, [](int) {
+        for (int i = 0; i < 500; ++i) {
             vox_set_xerbla(i % 2 ? count_a : count_b);
             vox_serv_xerbla("DDOT", &three, 4);
         }
     });
     vox_set_xerbla(nullptr);
-    EXPECT_EQ(arrived_a + arrived_b, threads * reports);
+    EXPECT_EQ(arrived_a + arrived_b, 4 * 500);
 }
 
 CHILD(report_concurrently) {
