@@ -4,6 +4,7 @@
  * nothing asks for a thread count, which starts the OpenMP runtime, which is not clean under the checker. */
 #include <pthread.h>
 #include <stdatomic.h>
+#include <stdint.h>
 
 #include "check.h"
 #include "vox/vox.h"
@@ -40,7 +41,7 @@ static pthread_barrier_t start;
 
 /* Each caller begins with another call. */
 static void *call_everything(void *number) {
-    const int first = *(const int *)number;
+    const int first = (int)(intptr_t)number;
     pthread_barrier_wait(&start);
     for (int i = 0; i < used_calls; ++i)
         calls[(first + i) % used_calls]();
@@ -54,12 +55,9 @@ int main(int argc, char **argv) {
     setenv("VOX_DYNAMIC", "false", 1);
     setenv("VOX_DOMAIN_NUM_THREADS", "VOX_DOMAIN_BLAS=3", 1);
     pthread_t threads[callers];
-    int numbers[callers];
     pthread_barrier_init(&start, NULL, callers);
-    for (int i = 0; i < callers; ++i) {
-        numbers[i] = i;
-        CHECK(pthread_create(&threads[i], NULL, call_everything, &numbers[i]) == 0);
-    }
+    for (intptr_t i = 0; i < callers; ++i)
+        CHECK(pthread_create(&threads[i], NULL, call_everything, (void *)i) == 0);
     for (int i = 0; i < callers; ++i)
         CHECK(pthread_join(threads[i], NULL) == 0);
     return 0;

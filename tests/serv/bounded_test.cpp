@@ -34,10 +34,6 @@ class Bounded : public testing::Test {
         vox_serv_set_str_constraint_handler_s(on_string);
         vox_serv_set_mem_constraint_handler_s(on_memory);
     }
-    void TearDown() override {
-        vox_serv_set_str_constraint_handler_s(nullptr);
-        vox_serv_set_mem_constraint_handler_s(nullptr);
-    }
 };
 
 constexpr char text[] = "text";

@@ -80,8 +80,7 @@ CHILD(print_three) {
     vox_serv_print(0, 6, 2, 3, "DDOT");
     vox_serv_print(0, 1208, 0);
     vox_serv_print(0, 100, 0);
-    const char *const language = std::getenv("LANG");
-    std::printf("%s", language ? language : "none");
+    std::printf("%s", std::getenv("LANG"));
 }
 
 const std::string built_in = "Quarn VOX ERROR: Parameter 3 was incorrect on entry to DDOT.\n"

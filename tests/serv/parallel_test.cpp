@@ -192,7 +192,7 @@ CHILD_TEST(Parallel, AForkedChildStaysBound) {
 void limit(__rlimit_resource what, rlim_t value) {
     rlimit r;
     getrlimit(what, &r);
-    r.rlim_cur = value;
+    r.rlim_cur = std::min(value, r.rlim_max);
     if (setrlimit(what, &r) != 0)
         std::abort();
 }
@@ -210,11 +210,7 @@ class task_limit {
         limit(RLIMIT_NPROC, most);
     }
     ~task_limit() { lift(); }
-    static void lift() {
-        rlimit r;
-        getrlimit(RLIMIT_NPROC, &r);
-        limit(RLIMIT_NPROC, r.rlim_max);
-    }
+    static void lift() { limit(RLIMIT_NPROC, RLIM_INFINITY); }
 };
 
 CHILD_TEST(ParallelUnderLimits, ATeamIsAsLargeAsTheProcessLimitAllows) {
