@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "tests/lapack/fortran.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/wide.hpp"
 #include "vox/vox.h"
@@ -14,44 +15,6 @@ namespace {
 using namespace test;
 using vox::is_complex;
 using vox::real_of;
-
-#define ALL(p, P, T)                                                                               \
-    void lacpy(char uplo, vox_int m, vox_int n, const T *a, vox_int lda, T *b, vox_int ldb) {      \
-        p##lacpy(&uplo, &m, &n, a, &lda, b, &ldb);                                                 \
-    }                                                                                              \
-    void laset(char uplo, vox_int m, vox_int n, T alpha, T beta, T *a, vox_int lda) {              \
-        p##laset(&uplo, &m, &n, &alpha, &beta, a, &lda);                                           \
-    }                                                                                              \
-    vox_int lascl(char type, vox_int kl, vox_int ku, real_of<T> from, real_of<T> to, vox_int m,    \
-                  vox_int n, T *a, vox_int lda) {                                                  \
-        vox_int info = 77;                                                                         \
-        p##lascl(&type, &kl, &ku, &from, &to, &m, &n, a, &lda, &info);                             \
-        return info;                                                                               \
-    }                                                                                              \
-    void lassq(vox_int n, const T *x, vox_int incx, real_of<T> *scale, real_of<T> *sum) {          \
-        p##lassq(&n, x, &incx, scale, sum);                                                        \
-    }                                                                                              \
-    void lartg(T f, T g, real_of<T> *c, T *s, T *r) { p##lartg(&f, &g, c, s, r); }
-VOX_PRECISIONS(ALL)
-#define REAL(p, P, T)                                                                              \
-    T lapy2(T x, T y) { return p##lapy2(&x, &y); }                                                 \
-    T lapy3(T x, T y, T z) { return p##lapy3(&x, &y, &z); }                                        \
-    T lamch(char what, T) { return p##lamch(&what); }                                              \
-    void labad(T *small, T *large) { p##labad(small, large); }                                     \
-    std::complex<T> ladiv(T a, T b, T c, T d) {                                                    \
-        T re, im;                                                                                  \
-        p##ladiv(&a, &b, &c, &d, &re, &im);                                                        \
-        return {re, im};                                                                           \
-    }
-VOX_REAL_PRECISIONS(REAL)
-std::complex<float> divided(float a, float b, float c, float d) {
-    const vox_complex_float x{a, b}, y{c, d}, q = cladiv(&x, &y);
-    return {q.real, q.imag};
-}
-std::complex<double> divided(double a, double b, double c, double d) {
-    const vox_complex_double x{a, b}, y{c, d}, q = zladiv(&x, &y);
-    return {q.real, q.imag};
-}
 
 template <class T>
 std::vector<T> random_elements(size_t n, real_of<T> scale = 1) {
@@ -81,8 +44,8 @@ TYPED_TEST(Auxiliary, CopiesAndSetsTheNamedPart) {
                 const auto a = random_elements<T>(size_t(lda * n));
                 auto set = a;
                 std::vector<T> b(size_t(ldb * n), alpha);
-                lacpy(uplo, m, n, a.data(), lda, b.data(), ldb);
-                laset(uplo, m, n, alpha, beta, set.data(), lda);
+                invoke(fortran<T>::lacpy, uplo, m, n, a, lda, b, ldb);
+                invoke(fortran<T>::laset, uplo, m, n, alpha, beta, set, lda);
                 for (vox_int j = 0; j < n; ++j)
                     for (vox_int i = 0; i <= m; ++i) {
                         const bool named = uplo == 'U' ? i < j : uplo == 'l' ? i > j : i != j;
@@ -138,7 +101,8 @@ TYPED_TEST(Auxiliary, ScalesWithoutOverflowOnTheWay) {
                             : R(std::fmin(huge / 4, std::fmax(tiny * 8, std::fabs(1 / factor))));
             const auto before = random_elements<T>(size_t(lda * n), scale);
             auto a = before;
-            EXPECT_EQ(lascl(type, 2, symmetric ? 2 : 1, from, to, m, n, a.data(), lda), 0);
+            EXPECT_EQ(call(fortran<T>::lascl, type, 2, symmetric ? 2 : 1, from, to, m, n, a, lda),
+                      0);
             for (vox_int j = 0; j < n; ++j)
                 for (vox_int i = 0; i < lda; ++i) {
                     const auto at = size_t(i + j * lda);
@@ -178,7 +142,7 @@ TEST(Scaling, RefusesWrongArguments) {
     for (const auto &c : cases) {
         std::vector<double> a(30, 1.0);
         reported = 0;
-        EXPECT_EQ(lascl(c.type, c.kl, c.ku, c.from, c.to, c.m, c.n, a.data(), c.lda), c.info);
+        EXPECT_EQ(call(dlascl_, c.type, c.kl, c.ku, c.from, c.to, c.m, c.n, a, c.lda), c.info);
         EXPECT_EQ(reported, -c.info) << c.type;
         EXPECT_EQ(a == std::vector<double>(30, 1.0), c.info != 0);
     }
@@ -225,7 +189,7 @@ TYPED_TEST(Auxiliary, AddsSquares) {
                         if (std::sqrt(want) > limits::max())
                             continue;
                         R s = scale, q = sum;
-                        lassq(count, x.data() + first, inc, &s, &q);
+                        invoke(fortran<T>::lassq, count, x.data() + first, inc, &s, &q);
                         const long double got = static_cast<long double>(s) * s * q;
                         EXPECT_LE(std::fabs(got - want), test::gamma<R>(2 * count + 12) * want)
                             << inc << " " << first << " " << count << " " << scale << " " << sum;
@@ -234,13 +198,13 @@ TYPED_TEST(Auxiliary, AddsSquares) {
     const R nan = limits::quiet_NaN();
     for (const auto &[scale, sum] : {std::pair(nan, R(2)), std::pair(R(2), nan)}) {
         R s = scale, q = sum;
-        lassq(2, x.data(), 1, &s, &q);
+        invoke(fortran<T>::lassq, 2, x, 1, &s, &q);
         EXPECT_TRUE(same(s, scale) && same(q, sum));
     }
     const T bad[] = {vox::make<T>(1), vox::make<T>(nan), vox::make<T>(limits::max())};
     for (vox_int n : {2, 3}) {
         R s = 1, q = 0;
-        lassq(n, bad, 1, &s, &q);
+        invoke(fortran<T>::lassq, n, bad, 1, &s, &q);
         EXPECT_TRUE(std::isnan(s * q));
     }
 }
@@ -264,7 +228,7 @@ TYPED_TEST(Auxiliary, RotatesOntoTheFirstAxis) {
                                      direction * length};
             R c;
             T s, r;
-            lartg(f, g, &c, &s, &r);
+            invoke(fortran<T>::lartg, f, g, &c, &s, &r);
             const number got[] = {c, widen(s), widen(r)};
             for (int i = 0; i < 3; ++i)
                 EXPECT_LE(std::abs(got[i] - wanted[i]),
@@ -274,7 +238,23 @@ TYPED_TEST(Auxiliary, RotatesOntoTheFirstAxis) {
 }
 
 template <class R>
-class RealNumbers : public ::testing::Test {};
+class RealNumbers : public ::testing::Test {
+  protected:
+    using routine = fortran<R>;
+    static R lapy2(R x, R y) { return invoke(routine::lapy2, x, y); }
+    static R lapy3(R x, R y, R z) { return invoke(routine::lapy3, x, y, z); }
+    // (a + i b) / (c + i d) by the routine for real numbers, and by that for complex ones.
+    static std::complex<R> ladiv(R a, R b, R c, R d) {
+        R re, im;
+        invoke(routine::ladiv, a, b, c, d, &re, &im);
+        return {re, im};
+    }
+    static std::complex<R> divided(R a, R b, R c, R d) {
+        using C = std::conditional_t<sizeof(R) == 4, vox_complex_float, vox_complex_double>;
+        const C q = invoke(fortran<C>::ladiv, C{a, b}, C{c, d});
+        return {q.real, q.imag};
+    }
+};
 using real_types = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(RealNumbers, real_types);
 
@@ -289,18 +269,18 @@ TYPED_TEST(RealNumbers, HaveALength) {
     };
     for (R x : numbers<R>())
         for (R y : numbers<R>()) {
-            close(lapy2(x, y), std::hypot(static_cast<long double>(x), y));
+            close(this->lapy2(x, y), std::hypot(static_cast<long double>(x), y));
             for (R z : numbers<R>())
-                close(lapy3(x, y, z), std::hypot(static_cast<long double>(x), y, z));
+                close(this->lapy3(x, y, z), std::hypot(static_cast<long double>(x), y, z));
         }
     const R inf = limits::infinity(), nan = limits::quiet_NaN();
     for (R x : {R(0), R(1), limits::max(), inf}) {
-        EXPECT_TRUE(std::isnan(lapy2(nan, x)) && std::isnan(lapy2(x, nan)));
-        EXPECT_TRUE(std::isnan(lapy3(nan, x, x)) && std::isnan(lapy3(x, nan, x)) &&
-                    std::isnan(lapy3(x, x, nan)));
-        EXPECT_EQ(lapy2(-inf, x), inf);
-        EXPECT_EQ(lapy2(x, -inf), inf);
-        EXPECT_EQ(lapy3(x, -inf, x), inf);
+        EXPECT_TRUE(std::isnan(this->lapy2(nan, x)) && std::isnan(this->lapy2(x, nan)));
+        EXPECT_TRUE(std::isnan(this->lapy3(nan, x, x)) && std::isnan(this->lapy3(x, nan, x)) &&
+                    std::isnan(this->lapy3(x, x, nan)));
+        EXPECT_EQ(this->lapy2(-inf, x), inf);
+        EXPECT_EQ(this->lapy2(x, -inf), inf);
+        EXPECT_EQ(this->lapy3(x, -inf, x), inf);
     }
 }
 
@@ -317,7 +297,7 @@ TYPED_TEST(RealNumbers, AreDividedInPairs) {
                     const auto want = n * std::conj(m) / std::norm(m);
                     if (std::abs(want) > limits::max() / 2)
                         continue;
-                    for (const auto &got : {ladiv(a, b, c, d), divided(a, b, c, d)})
+                    for (const auto &got : {this->ladiv(a, b, c, d), this->divided(a, b, c, d)})
                         EXPECT_LE(std::abs(std::complex<long double>(got) - want),
                                   test::gamma<R>(12) * std::abs(want) + 2 * limits::denorm_min())
                             << n << "/" << m;
@@ -325,7 +305,8 @@ TYPED_TEST(RealNumbers, AreDividedInPairs) {
 }
 
 // Each part to its last bits: from table 2 of Baudin and Smith (arXiv:1210.4539).
-TEST(Quotients, AreAccurateInEachPart) {
+using DoubleNumbers = RealNumbers<double>;
+TEST_F(DoubleNumbers, AreDividedAccuratelyInEachPart) {
     const auto two = [](int e) { return std::ldexp(1.0, e); };
     const struct {
         double a, b, c, d, p, q;
@@ -367,11 +348,11 @@ TYPED_TEST(RealNumbers, AreWhatTheStandardSays) {
                                                   {"Oo", limits::max()},
                                                   {"Xa", 0}};
     for (const auto &[letters, value] : answers) {
-        EXPECT_EQ(lamch(letters[0], R()), value) << letters;
-        EXPECT_EQ(lamch(letters[1], R()), value) << letters;
+        EXPECT_EQ(invoke(fortran<R>::lamch, letters[0]), value) << letters;
+        EXPECT_EQ(invoke(fortran<R>::lamch, letters[1]), value) << letters;
     }
     R small = limits::min(), large = limits::max();
-    labad(&small, &large);
+    invoke(fortran<R>::labad, &small, &large);
     EXPECT_TRUE(small == limits::min() && large == limits::max());
 }
 

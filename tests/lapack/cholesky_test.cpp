@@ -2,57 +2,12 @@
 // errors over orders that straddle every block edge, what may not be touched, info of every failure.
 #include <gtest/gtest.h>
 
+#include "tests/lapack/fortran.hpp"
 #include "tests/lapack/support.hpp"
-#include "vox/lapack.h"
 
 namespace {
 
 using namespace test;
-
-// The routines by value, for all types; each returns info.
-template <class T>
-struct lapack;
-#define ON_TRIANGLE(p, routine)                                                                    \
-    static int routine(char uplo, matrix<T> &a) {                                                  \
-        int info = -99;                                                                            \
-        const int n = a.columns(), lda = a.ld();                                                   \
-        return p##routine(&uplo, &n, a.data(), &lda, &info), info;                                 \
-    }
-#define INVERSION(p, routine)                                                                      \
-    static int routine(char uplo, char diag, matrix<T> &a) {                                       \
-        int info = -99;                                                                            \
-        const int n = a.columns(), lda = a.ld();                                                   \
-        return p##routine(&uplo, &diag, &n, a.data(), &lda, &info), info;                          \
-    }
-#define ROUTINES(p, P, type)                                                                       \
-    template <>                                                                                    \
-    struct lapack<type> {                                                                          \
-        using T = type;                                                                            \
-        ON_TRIANGLE(p, potrf)                                                                      \
-        ON_TRIANGLE(p, potf2)                                                                      \
-        ON_TRIANGLE(p, potrf2)                                                                     \
-        ON_TRIANGLE(p, potri)                                                                      \
-        ON_TRIANGLE(p, lauum)                                                                      \
-        INVERSION(p, trtri)                                                                        \
-        INVERSION(p, trti2)                                                                        \
-        static int potrs(char uplo, const matrix<T> &a, matrix<T> &b) {                            \
-            int info = -99;                                                                        \
-            const int n = a.columns(), nrhs = b.columns(), lda = a.ld(), ldb = b.ld();             \
-            return p##potrs(&uplo, &n, &nrhs, a.data(), &lda, b.data(), &ldb, &info), info;        \
-        }                                                                                          \
-        static int posv(char uplo, matrix<T> &a, matrix<T> &b) {                                   \
-            int info = -99;                                                                        \
-            const int n = a.columns(), nrhs = b.columns(), lda = a.ld(), ldb = b.ld();             \
-            return p##posv(&uplo, &n, &nrhs, a.data(), &lda, b.data(), &ldb, &info), info;         \
-        }                                                                                          \
-        static int trtrs(char uplo, char trans, char diag, const matrix<T> &a, matrix<T> &b) {     \
-            int info = -99;                                                                        \
-            const int n = a.columns(), nrhs = b.columns(), lda = a.ld(), ldb = b.ld();             \
-            p##trtrs(&uplo, &trans, &diag, &n, &nrhs, a.data(), &lda, b.data(), &ldb, &info);      \
-            return info;                                                                           \
-        }                                                                                          \
-    };
-VOX_PRECISIONS(ROUTINES)
 
 template <class T>
 class Cholesky : public ::testing::Test {};
@@ -139,43 +94,30 @@ long double factor_error(char uplo, const matrix<T> &a, const matrix<T> &factor)
         minus_product(exactly(a), exactly(f, upper ? 'C' : 'N'), exactly(f, upper ? 'N' : 'C'));
     return scaled<T>(one_norm(rest), a.rows(), one_norm(exactly(a)));
 }
-// |B - A X| / (n |A| |X| u).
-template <class T>
-long double solution_error(const matrix<exact<T>> &a, const matrix<T> &x, const matrix<T> &b) {
-    return scaled<T>(one_norm(minus_product(exactly(b), a, exactly(x))), a.rows(),
-                     one_norm(a) * one_norm(exactly(x)));
-}
-template <class T>
-long double inverse_error(const matrix<T> &a, const matrix<T> &inverse) {
-    return scaled<T>(
-        one_norm(minus_product(identity<exact<T>>(a.rows()), exactly(a), exactly(inverse))),
-        a.rows(), one_norm(exactly(a)) * one_norm(exactly(inverse)));
-}
-
 TYPED_TEST(Cholesky, BackwardErrors) {
     using T = TypeParam;
-    using routines = lapack<T>;
+    using routines = fortran<T>;
     for (const int n : orders)
         for (const char uplo : {'U', 'L'}) {
             SCOPED_TRACE(testing::Message() << uplo << " " << n);
             const matrix<T> drawn = positive_definite<T>(n, n),
                             a = without_imaginary_diagonal(drawn);
             matrix<T> f = given(uplo, 'N', drawn);
-            ASSERT_EQ(routines::potrf(uplo, f), 0);
+            ASSERT_EQ(call(routines::potrf, uplo, n, f), 0);
             EXPECT_LE(factor_error(uplo, a, f), threshold);
             for (int j = 0; j < n; ++j)
                 EXPECT_EQ(vox::imag(f(j, j)), 0) << j;
             for (const int nrhs : {1, 3}) {
                 const matrix<T> b = random_matrix<T>(n, nrhs, 7, 1);
                 matrix<T> x = b, again = given(uplo, 'N', drawn), y = b;
-                EXPECT_EQ(routines::potrs(uplo, f, x), 0);
+                EXPECT_EQ(call(routines::potrs, uplo, n, x.columns(), f, x), 0);
                 EXPECT_TRUE(x.nothing_between_was_touched());
                 EXPECT_LE(solution_error(exactly(a), x, b), threshold);
-                EXPECT_EQ(routines::posv(uplo, again, y), 0);
+                EXPECT_EQ(call(routines::posv, uplo, n, y.columns(), again, y), 0);
                 EXPECT_TRUE(again.same_bits(f) && y.same_bits(x));
             }
             matrix<T> inverse = f;
-            EXPECT_EQ(routines::potri(uplo, inverse), 0);
+            EXPECT_EQ(call(routines::potri, uplo, n, inverse), 0);
             EXPECT_LE(inverse_error(a, completed(uplo, inverse)), threshold);
         }
 }
@@ -183,13 +125,13 @@ TYPED_TEST(Cholesky, BackwardErrors) {
 // The recursive and the unblocked routines.
 TYPED_TEST(Cholesky, Relatives) {
     using T = TypeParam;
-    using routines = lapack<T>;
+    using routines = fortran<T>;
     const int n = 75;
     const matrix<T> a = without_imaginary_diagonal(positive_definite<T>(n, 3));
     for (const char uplo : {'U', 'L'}) {
         matrix<T> f = a, g = a;
-        EXPECT_EQ(routines::potf2(uplo, f), 0);
-        EXPECT_EQ(routines::potrf2(uplo, g), 0);
+        EXPECT_EQ(call(routines::potf2, uplo, n, f), 0);
+        EXPECT_EQ(call(routines::potrf2, uplo, n, g), 0);
         EXPECT_LE(factor_error(uplo, a, given(uplo, 'N', f)), threshold);
         EXPECT_LE(factor_error(uplo, a, given(uplo, 'N', g)), threshold);
     }
@@ -199,6 +141,7 @@ TYPED_TEST(Cholesky, Relatives) {
 // it is complete.
 TYPED_TEST(Cholesky, NotPositiveDefinite) {
     using T = TypeParam;
+    using routines = fortran<T>;
     using R = vox::real_of<T>;
     constexpr R nan = std::numeric_limits<R>::quiet_NaN();
     for (const int n : {1, 5, 48, 49, 100})
@@ -212,7 +155,7 @@ TYPED_TEST(Cholesky, NotPositiveDefinite) {
                     const matrix<T> a = without_imaginary_diagonal(positive_definite<T>(n, 5));
                     matrix<T> f = a;
                     f(k - 1, k - 1) = vox::make<T>(pivot);
-                    EXPECT_EQ(lapack<T>::potrf(uplo, f), k);
+                    EXPECT_EQ(call(routines::potrf, uplo, n, f), k);
                     matrix<T> leading(k - 1, k - 1), of_a = leading, b(n, 1);
                     for (int j = 0; j < k - 1; ++j)
                         for (int i = 0; i < k - 1; ++i)
@@ -222,25 +165,26 @@ TYPED_TEST(Cholesky, NotPositiveDefinite) {
                     f(k - 1, k - 1) = vox::make<T>(pivot);
                     b(0, 0) = vox::make<T>(5);
                     const matrix<T> before = b;
-                    EXPECT_EQ(lapack<T>::posv(uplo, f, b), k);
+                    EXPECT_EQ(call(routines::posv, uplo, n, b.columns(), f, b), k);
                     EXPECT_TRUE(b.same_bits(before));
                     if (k == 1)
                         continue;
                     f = a; // NaN beside the diagonal reaches the later of its two pivots
                     f(k - 1, 0) = f(0, k - 1) = vox::make<T>(nan);
-                    EXPECT_EQ(lapack<T>::potrf(uplo, f), k);
+                    EXPECT_EQ(call(routines::potrf, uplo, n, f), k);
                 }
 }
 
 // Powers of two as scales change no digit, up to the ends of the range; infinity ends.
 TYPED_TEST(Cholesky, Extremes) {
     using T = TypeParam;
+    using routines = fortran<T>;
     using R = vox::real_of<T>;
     const int n = 40, top = std::numeric_limits<R>::max_exponent - 10;
     for (const char uplo : {'U', 'L'}) {
         const matrix<T> a = without_imaginary_diagonal(positive_definite<T>(n, 8));
         matrix<T> f = a;
-        ASSERT_EQ(lapack<T>::potrf(uplo, f), 0);
+        ASSERT_EQ(call(routines::potrf, uplo, n, f), 0);
         for (const int exponent : {top / 2 * 2, -(top - 40) / 2 * 2}) {
             matrix<T> g = a, h = f;
             for (int j = 0; j < n; ++j)
@@ -248,22 +192,22 @@ TYPED_TEST(Cholesky, Extremes) {
                     g(i, j) = std::ldexp(R(1), exponent) * a(i, j);
                     h(i, j) = std::ldexp(R(1), exponent / 2) * f(i, j);
                 }
-            EXPECT_EQ(lapack<T>::potrf(uplo, g), 0);
+            EXPECT_EQ(call(routines::potrf, uplo, n, g), 0);
             EXPECT_TRUE(taken(uplo, 'N', given(uplo, 'N', g))
                             .same_bits(taken(uplo, 'N', given(uplo, 'N', h))))
                 << exponent;
         }
         f = a;
         f(2, 2) = vox::make<T>(std::numeric_limits<R>::infinity());
-        EXPECT_EQ(lapack<T>::potrf(uplo, f), 0); // its column becomes zero
+        EXPECT_EQ(call(routines::potrf, uplo, n, f), 0); // its column becomes zero
         f(3, 1) = f(1, 3) = f(2, 2) = vox::make<T>(std::numeric_limits<R>::infinity());
-        EXPECT_GE(lapack<T>::potrf(uplo, f), 0);
+        EXPECT_GE(call(routines::potrf, uplo, n, f), 0);
     }
 }
 
 TYPED_TEST(Triangle, BackwardErrors) {
     using T = TypeParam;
-    using routines = lapack<T>;
+    using routines = fortran<T>;
     for (const int n : orders)
         for (const char uplo : {'U', 'L'})
             for (const char diag : {'N', 'U'}) {
@@ -271,17 +215,18 @@ TYPED_TEST(Triangle, BackwardErrors) {
                 const matrix<T> in = given(uplo, diag, triangle<T>(n, n)),
                                 a = taken(uplo, diag, in);
                 matrix<T> x = in, y = in;
-                EXPECT_EQ(routines::trtri(uplo, diag, x), 0);
+                EXPECT_EQ(call(routines::trtri, uplo, diag, n, x), 0);
                 const matrix<T> inverse = taken(uplo, diag, x);
                 EXPECT_LE(inverse_error(a, inverse), threshold); // on either side
                 EXPECT_LE(inverse_error(inverse, a), threshold);
-                EXPECT_EQ(routines::trti2(uplo, diag, y), 0);
+                EXPECT_EQ(call(routines::trti2, uplo, diag, n, y), 0);
                 EXPECT_LE(inverse_error(a, taken(uplo, diag, y)), threshold);
                 for (const char trans : {'N', 'T', 'C'})
                     for (const int nrhs : {1, 4}) {
                         const matrix<T> b = random_matrix<T>(n, nrhs, 9, 1);
                         matrix<T> s = b;
-                        EXPECT_EQ(routines::trtrs(uplo, trans, diag, in, s), 0);
+                        EXPECT_EQ(call(routines::trtrs, uplo, trans, diag, n, s.columns(), in, s),
+                                  0);
                         EXPECT_TRUE(s.nothing_between_was_touched());
                         EXPECT_LE(solution_error(exactly(a, trans), s, b), threshold);
                     }
@@ -292,7 +237,7 @@ TYPED_TEST(Triangle, BackwardErrors) {
                     real(j, j) = vox::make<T>(vox::real(in(j, j)));
                 matrix<T> product = real;
                 const matrix<T> u = taken(uplo, diag, real);
-                EXPECT_EQ(routines::lauum(uplo, product), 0);
+                EXPECT_EQ(call(routines::lauum, uplo, n, product), 0);
                 const auto rest = minus_product(exactly(completed(uplo, product)),
                                                 exactly(u, uplo == 'U' ? 'N' : 'C'),
                                                 exactly(u, uplo == 'U' ? 'C' : 'N'));
@@ -305,18 +250,19 @@ TYPED_TEST(Triangle, BackwardErrors) {
 // The first zero on the diagonal is found before anything is touched; a diagonal of ones is not read.
 TYPED_TEST(Triangle, Singular) {
     using T = TypeParam;
-    using routines = lapack<T>;
+    using routines = fortran<T>;
+    const int n = 50;
     for (const char uplo : {'U', 'L'})
-        for (const int k : {1, 20, 50}) {
-            matrix<T> a = triangle<T>(50, 4), b = random_matrix<T>(50, 2, 6);
-            a(k - 1, k - 1) = a(49, 49) = T{};
+        for (const int k : {1, 20, n}) {
+            matrix<T> a = triangle<T>(n, 4), b = random_matrix<T>(n, 2, 6);
+            a(k - 1, k - 1) = a(n - 1, n - 1) = T{};
             matrix<T> x = a, y = b;
-            EXPECT_EQ(routines::trtri(uplo, 'N', x), k);
-            EXPECT_EQ(routines::potri(uplo, x), k);
-            EXPECT_EQ(routines::trtrs(uplo, 'N', 'N', x, y), k);
+            EXPECT_EQ(call(routines::trtri, uplo, 'N', n, x), k);
+            EXPECT_EQ(call(routines::potri, uplo, n, x), k);
+            EXPECT_EQ(call(routines::trtrs, uplo, 'N', 'N', n, y.columns(), x, y), k);
             EXPECT_TRUE(x.same_bits(a) && y.same_bits(b));
-            EXPECT_EQ(routines::trtri(uplo, 'U', x), 0);
-            EXPECT_EQ(routines::trtrs(uplo, 'T', 'U', a, y), 0);
+            EXPECT_EQ(call(routines::trtri, uplo, 'U', n, x), 0);
+            EXPECT_EQ(call(routines::trtrs, uplo, 'T', 'U', n, y.columns(), a, y), 0);
         }
 }
 

@@ -5,33 +5,15 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "tests/lapack/fortran.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/wide.hpp"
-#include "vox/vox.h"
 
 namespace {
 
 using namespace test;
 using vox::is_complex;
 using vox::real_of;
-
-#define NORMS(p, P, T)                                                                             \
-    real_of<T> lange(char norm, vox_int m, vox_int n, const T *a, vox_int lda, real_of<T> *work) { \
-        return p##lange(&norm, &m, &n, a, &lda, work);                                             \
-    }                                                                                              \
-    real_of<T> lantr(char norm, char uplo, char diag, vox_int m, vox_int n, const T *a,            \
-                     vox_int lda, real_of<T> *work) {                                              \
-        return p##lantr(&norm, &uplo, &diag, &m, &n, a, &lda, work);                               \
-    }                                                                                              \
-    real_of<T> lansy(char norm, char uplo, vox_int n, const T *a, vox_int lda, real_of<T> *work) { \
-        return p##lansy(&norm, &uplo, &n, a, &lda, work);                                          \
-    }
-VOX_PRECISIONS(NORMS)
-#define HERMITIAN(p, P, T)                                                                         \
-    real_of<T> lanhe(char norm, char uplo, vox_int n, const T *a, vox_int lda, real_of<T> *work) { \
-        return p##lanhe(&norm, &uplo, &n, a, &lda, work);                                          \
-    }
-VOX_COMPLEX_PRECISIONS(HERMITIAN)
 
 enum class kind { general, triangular, unit, symmetric, hermitian };
 
@@ -57,18 +39,19 @@ real_of<T> answer(const question &q, const std::vector<T> &a) {
     const bool sums = by_rows || q.norm == 'O' || q.norm == '1';
     std::vector<real_of<T>> room(size_t(q.m), real_of<T>(-7)); // no more is asked for
     real_of<T> *const work = (q.mirrored() ? sums : by_rows) ? room.data() : nullptr;
+    using f = fortran<T>;
     switch (q.what) {
     case kind::general:
-        return lange(q.norm, q.m, q.n, a.data(), q.lda, work);
+        return invoke(f::lange, q.norm, q.m, q.n, a, q.lda, work);
     case kind::symmetric:
-        return lansy(q.norm, q.uplo, q.n, a.data(), q.lda, work);
+        return invoke(f::lansy, q.norm, q.uplo, q.n, a, q.lda, work);
     case kind::hermitian:
         if constexpr (is_complex<T>)
-            return lanhe(q.norm, q.uplo, q.n, a.data(), q.lda, work);
+            return invoke(f::lanhe, q.norm, q.uplo, q.n, a, q.lda, work);
         [[fallthrough]];
     default:
-        return lantr(q.norm, q.uplo, q.what == kind::unit ? 'U' : 'N', q.m, q.n, a.data(), q.lda,
-                     work);
+        return invoke(f::lantr, q.norm, q.uplo, q.what == kind::unit ? 'U' : 'N', q.m, q.n, a,
+                      q.lda, work);
     }
 }
 

@@ -40,22 +40,29 @@ class Qr : public ::testing::Test {
         std::vector<T> work(size_t(std::max(a.rows(), a.columns())));
         if (blocked)
             EXPECT_EQ(call_with_work<T>(by_columns ? routine::geqrf : routine::gelqf, a.rows(),
-                                        a.columns(), a.data(), a.ld(), tau.data()),
+                                        a.columns(), a, tau),
                       0);
         else
-            EXPECT_EQ(call(by_columns ? routine::geqr2 : routine::gelq2, a.rows(), a.columns(),
-                           a.data(), a.ld(), tau.data(), work.data()),
+            EXPECT_EQ(call(by_columns ? routine::geqr2 : routine::gelq2, a.rows(), a.columns(), a,
+                           tau, work),
                       0);
         EXPECT_TRUE(a.nothing_between_was_touched());
         return {by_columns, std::move(a), std::move(tau)};
     }
 
-    // || A - Q R || / (n || A || u): Q as the product of the computed reflectors.
-    static long double residual(const matrix<T> &a, const factored &got) {
+    // What is as far from C, or its adjoint, as rounding takes it.
+    static void expect_close(const matrix<T> &got, bool plain, const matrix<E> &expected,
+                             long double scale) {
+        EXPECT_TRUE(got.nothing_between_was_touched());
+        EXPECT_LE(scaled<T>(one_norm(minus(exactly(got, plain ? 'N' : 'C'), expected)),
+                            expected.rows(), scale),
+                  threshold);
+    }
+    // A = Q R, or L Q by its adjoint: Q as the product of the computed reflectors.
+    static void expect_product(const matrix<T> &a, const factored &got) {
         matrix<E> qr = got.by_columns ? got.triangle() : adjoint(got.triangle());
         got.q().apply_left(false, qr);
-        const matrix<E> whole = got.by_columns ? exactly(a) : adjoint(exactly(a));
-        return scaled<T>(one_norm(minus(qr, whole)), got.order(), one_norm(whole));
+        expect_close(a, got.by_columns, qr, one_norm(exactly(a, got.by_columns ? 'N' : 'C')));
     }
     // Reflectors are unitary, 2 re(tau) = |tau|^2 |v|^2, and take columns to real numbers, as they
     // are defined.
@@ -76,7 +83,7 @@ class Qr : public ::testing::Test {
                                         << (blocked ? "" : " unblocked"));
         const matrix<T> a = random_matrix<T>(m, n, unsigned(m * 1000 + n), 3);
         const factored got = factor(by_columns, blocked, a);
-        EXPECT_LE(residual(a, got), threshold);
+        expect_product(a, got);
         expect_reflectors(got);
     }
 
@@ -94,19 +101,18 @@ class Qr : public ::testing::Test {
         std::vector<T> work(size_t(count), T{});
         if (blocked)
             EXPECT_EQ(call_with_work<T>(by_columns ? routine::orgqr : routine::orglq, q.rows(),
-                                        q.columns(), k, q.data(), q.ld(), given.tau.data()),
+                                        q.columns(), k, q, given.tau),
                       0);
         else
             EXPECT_EQ(call(by_columns ? routine::org2r : routine::orgl2, q.rows(), q.columns(), k,
-                           q.data(), q.ld(), given.tau.data(), work.data()),
+                           q, given.tau, work),
                       0);
-        EXPECT_TRUE(q.nothing_between_was_touched());
         matrix<E> expected(order, count);
         for (int i = 0; i < count; ++i)
             expected(i, i) = E(1);
         given.q().apply_left(false, expected);
-        const matrix<E> got = by_columns ? exactly(q) : adjoint(exactly(q));
-        EXPECT_LE(scaled<T>(one_norm(minus(got, expected)), order, 1), threshold);
+        expect_close(q, by_columns, expected, 1);
+        const matrix<E> got = exactly(q, by_columns ? 'N' : 'C');
         EXPECT_LE(
             scaled<T>(one_norm(minus_product(identity<E>(count), adjoint(got), got)), order, 1),
             threshold);
@@ -129,22 +135,17 @@ class Qr : public ::testing::Test {
                 std::vector<T> work(size_t(others), T{});
                 if (blocked)
                     EXPECT_EQ(call_with_work<T>(by_columns ? routine::ormqr : routine::ormlq, side,
-                                                trans, c.rows(), c.columns(), k, given.a.data(),
-                                                given.a.ld(), given.tau.data(), got.data(),
-                                                got.ld()),
+                                                trans, c.rows(), c.columns(), k, given.a, given.tau,
+                                                got),
                               0);
                 else
                     EXPECT_EQ(call(by_columns ? routine::orm2r : routine::orml2, side, trans,
-                                   c.rows(), c.columns(), k, given.a.data(), given.a.ld(),
-                                   given.tau.data(), got.data(), got.ld(), work.data()),
+                                   c.rows(), c.columns(), k, given.a, given.tau, got, work),
                               0);
                 // C Q = (Q^H C^H)^H; the Q of LQ is the adjoint of its reflectors' product.
-                matrix<E> expected = left ? exactly(c) : adjoint(exactly(c));
+                matrix<E> expected = exactly(c, left ? 'N' : 'C');
                 given.q().apply_left(((trans != 'N') == left) == by_columns, expected);
-                const matrix<E> is = left ? exactly(got) : adjoint(exactly(got));
-                EXPECT_LE(scaled<T>(one_norm(minus(is, expected)), order, one_norm(expected)),
-                          threshold);
-                EXPECT_TRUE(got.nothing_between_was_touched());
+                expect_close(got, left, expected, one_norm(expected));
             }
         EXPECT_TRUE(before.same_bits(given.a));
     }
@@ -246,15 +247,14 @@ TYPED_TEST(Qr, StaysWithinItsOperands) {
                 const auto expected = this->factor(true, true, a);
                 guarded<T> at_edge(values(a), where), tau(std::vector<T>(size_t(k)), where),
                     product(values(c), where);
-                ASSERT_EQ(call_with_work<T>(f::geqrf, m, n, at_edge.data(), m, tau.data()), 0);
+                ASSERT_EQ(call_with_work<T>(f::geqrf, m, n, at_edge, m, tau), 0);
                 EXPECT_EQ(std::memcmp(at_edge.data(), expected.a.data(), sizeof(T) * m * n), 0);
                 at_edge.freeze();
                 tau.freeze();
-                for (char side : {'L', 'R'})
-                    ASSERT_EQ(call_with_work<T>(f::ormqr, side, 'N', side == 'L' ? m : columns,
-                                                side == 'L' ? columns : m, k, at_edge.data(), m,
-                                                tau.data(), product.data(),
-                                                side == 'L' ? m : columns),
+                for (const auto &[side, rows, others] :
+                     {std::tuple('L', m, columns), {'R', columns, m}})
+                    ASSERT_EQ(call_with_work<T>(f::ormqr, side, 'N', rows, others, k, at_edge, m,
+                                                tau, product, rows),
                               0);
             }
 }
@@ -279,8 +279,7 @@ TYPED_TEST(Qr, BlocksOfReflectors) {
                 }
                 const char direct = forward ? 'F' : 'B', storev = by_columns ? 'C' : 'R';
                 matrix<T> t(k, k, 1);
-                call_quiet(f::larft, direct, storev, n, k, v.data(), v.ld(), tau.data(), t.data(),
-                           t.ld());
+                invoke(f::larft, direct, storev, n, k, v, tau, t);
                 for (char side : {'L', 'R'})
                     for (char trans : {'N', vox::is_complex<T> ? 'C' : 'T'}) {
                         const bool left = side == 'L';
@@ -289,16 +288,13 @@ TYPED_TEST(Qr, BlocksOfReflectors) {
                         matrix<T> got = c;
                         const int ldwork = others + 1;
                         std::vector<T> work(size_t(ldwork * k));
-                        call_quiet(f::larfb, side, trans, direct, storev, c.rows(), c.columns(), k,
-                                   v.data(), v.ld(), t.data(), t.ld(), got.data(), got.ld(),
-                                   work.data(), ldwork);
-                        auto expected = left ? exactly(c) : adjoint(exactly(c));
+                        invoke(f::larfb, side, trans, direct, storev, c.rows(), c.columns(), k, v,
+                               t, got, work, ldwork);
+                        auto expected = exactly(c, left ? 'N' : 'C');
                         h.apply_left((trans != 'N') == left, expected);
-                        const auto is = left ? exactly(got) : adjoint(exactly(got));
-                        EXPECT_LE(scaled<T>(one_norm(minus(is, expected)), n, one_norm(expected)),
-                                  threshold)
-                            << n << ' ' << k << direct << storev << side << trans;
-                        EXPECT_TRUE(got.nothing_between_was_touched());
+                        SCOPED_TRACE(testing::Message()
+                                     << n << ' ' << k << direct << storev << side << trans);
+                        this->expect_close(got, left, expected, one_norm(expected));
                     }
             }
 }
@@ -327,24 +323,20 @@ TYPED_TEST(Qr, OneReflectorTimesAMatrix) {
             for (int j = 0; j < others; ++j)
                 (left ? got(order - 1, j) : got(j, order - 1)) = vox::make<T>(nan);
             std::vector<T> work(size_t(others), T{});
-            call_quiet(fortran<T>::larf, side, c.rows(), c.columns(), v.data(), inc, &tau,
-                       got.data(), got.ld(), work.data());
+            invoke(fortran<T>::larf, side, c.rows(), c.columns(), v.data(), inc, tau, got, work);
             for (int j = 0; j < others; ++j) {
                 T &at = left ? got(order - 1, j) : got(j, order - 1);
                 EXPECT_TRUE(std::isnan(vox::real(at)));
                 at = left ? c(order - 1, j) : c(j, order - 1);
             }
             // C H = (H^H C^H)^H
-            const auto whole = left ? exactly(c) : adjoint(exactly(c));
+            const auto whole = exactly(c, left ? 'N' : 'C');
             auto row = times(adjoint(x), whole);
             for (int j = 0; j < others; ++j)
                 row(0, j) *= to_exact(vox::conj_if(!left, tau));
             const auto expected = minus_product(whole, x, row);
-            const auto is = left ? exactly(got) : adjoint(exactly(got));
-            EXPECT_LE(scaled<T>(one_norm(minus(is, expected)), order, one_norm(expected)),
-                      threshold)
-                << inc << side;
-            EXPECT_TRUE(got.nothing_between_was_touched());
+            SCOPED_TRACE(testing::Message() << inc << side);
+            this->expect_close(got, left, expected, one_norm(expected));
         }
 }
 
@@ -359,17 +351,17 @@ TYPED_TEST(Qr, ReflectorsOfAnyLength) {
             for (vox_int inc : {1, 3}) {
                 matrix<T> x = random_matrix<T>(1 + n * inc, 1, unsigned(n));
                 for (int i = 0; i < x.rows(); ++i)
-                    x(i, 0) = vox::make<T>(vox::real(x(i, 0)) * scale, vox::imag(x(i, 0)) * scale);
+                    x(i, 0) = scale * x(i, 0);
                 matrix<T> got = x;
                 T tau{};
-                call_quiet(fortran<T>::larfg, n, got.data(), got.data() + 1, inc, &tau);
-                long double square = 0, v = 1, worst = 0;
-                for (int i = 0; i < n; ++i) {
-                    const int at = i ? 1 + (i - 1) * inc : 0;
-                    square += std::norm(widen(x(at, 0)) / (long double)(scale));
-                    if (i)
-                        v += std::norm(widen(got(at, 0)));
-                }
+                invoke(fortran<T>::larfg, n, got.data(), got.data() + 1, inc, &tau);
+                // Element i of either, that of x in units of the scale.
+                const auto at = [&](const matrix<T> &v, int i) {
+                    return widen(v(i ? 1 + (i - 1) * inc : 0, 0)) / (&v == &x ? scale : 1.0L);
+                };
+                long double square = std::norm(at(x, 0)), v = 1, worst = 0;
+                for (int i = 1; i < n; ++i)
+                    square += std::norm(at(x, i)), v += std::norm(at(got, i));
                 const long double beta = vox::real(got(0, 0));
                 if (n == 1 && !vox::is_complex<T>) {
                     EXPECT_EQ(vox::real(tau), 0);
@@ -384,15 +376,12 @@ TYPED_TEST(Qr, ReflectorsOfAnyLength) {
                 const long double re = vox::real(tau), im = vox::imag(tau);
                 EXPECT_NEAR(2 * re, (re * re + im * im) * v, 10 * (8 + n) * (u + tiny));
                 // H^H x = (beta, 0): x_i = v_i conj(tau) (v^H x) for all but the first.
-                wide<T> sum = widen(x(0, 0)) / (long double)(scale);
+                wide<T> sum = at(x, 0);
                 for (int i = 1; i < n; ++i)
-                    sum += conjugate(widen(got(1 + (i - 1) * inc, 0))) *
-                           (widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale));
+                    sum += conjugate(at(got, i)) * at(x, i);
                 sum *= conjugate(widen(tau));
                 for (int i = 1; i < n; ++i)
-                    worst = std::max(
-                        worst, std::abs(widen(x(1 + (i - 1) * inc, 0)) / (long double)(scale)-sum *
-                                        widen(got(1 + (i - 1) * inc, 0))));
+                    worst = std::max(worst, std::abs(at(x, i) - sum * at(got, i)));
                 EXPECT_LE(worst, 10 * (8 + n) * std::sqrt(square) * (u + tiny));
             }
 }
@@ -407,16 +396,14 @@ TYPED_TEST(Qr, BadlyScaledColumns) {
             matrix<T> a = random_matrix<T>(n, n, 11);
             const R scales[] = {1, 0, limits::min() * 4, 1, limits::max() / 512};
             for (int j = 0; j < n; ++j)
-                for (int i = 0; i < n; ++i) {
-                    const R s = scales[(by_columns ? j : i) % 5];
-                    a(i, j) = vox::make<T>(vox::real(a(i, j)) * s, vox::imag(a(i, j)) * s);
-                }
+                for (int i = 0; i < n; ++i)
+                    a(i, j) = scales[(by_columns ? j : i) % 5] * a(i, j);
             const auto got = this->factor(by_columns, true, a);
             this->expect_reflectors(got);
             // Column by column: the bound is each column's own.
             auto qr = by_columns ? got.triangle() : adjoint(got.triangle());
             got.q().apply_left(false, qr);
-            const auto whole = by_columns ? exactly(a) : adjoint(exactly(a));
+            const auto whole = exactly(a, by_columns ? 'N' : 'C');
             for (int j = 0; j < n; ++j) {
                 long double difference = 0, norm = 0;
                 for (int i = 0; i < n; ++i) {
@@ -456,6 +443,7 @@ struct pivoted {
     std::vector<vox_int> jpvt;
     std::vector<T> tau;
 
+    // By ?geqp3; the factors are A's.
     pivoted(const matrix<T> &given, std::vector<vox_int> fixed)
         : a(given), jpvt(std::move(fixed)), tau(size_t(std::min(a.rows(), a.columns()))) {
         const int n = a.columns();
@@ -463,18 +451,17 @@ struct pivoted {
         T best{};
         const auto run = [&](T *work, vox_int lwork) {
             if constexpr (vox::is_complex<T>)
-                return call(fortran<T>::geqp3, a.rows(), n, a.data(), a.ld(), jpvt.data(),
-                            tau.data(), work, lwork, rwork.data());
+                return call(fortran<T>::geqp3, a.rows(), n, a, jpvt, tau, work, lwork, rwork);
             else
-                return call(fortran<T>::geqp3, a.rows(), n, a.data(), a.ld(), jpvt.data(),
-                            tau.data(), work, lwork);
+                return call(fortran<T>::geqp3, a.rows(), n, a, jpvt, tau, work, lwork);
         };
         EXPECT_EQ(run(&best, -1), 0);
         std::vector<T> work(size_t(vox::real(best)));
         EXPECT_EQ(run(work.data(), vox_int(work.size())), 0);
         EXPECT_TRUE(a.nothing_between_was_touched());
+        expect_product(given);
     }
-    long double residual(const matrix<T> &given) const {
+    void expect_product(const matrix<T> &given) const {
         matrix<exact<T>> qr(a.rows(), a.columns()), permuted = qr;
         for (int j = 0; j < a.columns(); ++j)
             for (int i = 0; i < a.rows(); ++i) {
@@ -483,8 +470,9 @@ struct pivoted {
                     qr(i, j) = to_exact(a(i, j));
             }
         reflectors<T>{true, true, a.rows(), int(tau.size()), a, tau}.apply_left(false, qr);
-        return scaled<T>(one_norm(minus(qr, permuted)), std::max(a.rows(), a.columns()),
-                         one_norm(permuted));
+        EXPECT_LE(scaled<T>(one_norm(minus(qr, permuted)), std::max(a.rows(), a.columns()),
+                            one_norm(permuted)),
+                  threshold);
     }
     // Of what is left, the longest column stands first: |r_kk|^2 >= sum_{k <= i <= j} |r_ij|^2.
     void expect_longest_first(int from) const {
@@ -503,26 +491,18 @@ struct pivoted {
 
 TYPED_TEST(Qr, PivotingPutsTheLongestColumnFirst) {
     using T = TypeParam;
-    for (const auto &[m, n] : shapes) {
-        SCOPED_TRACE(testing::Message() << m << " x " << n);
-        const matrix<T> a = random_matrix<T>(m, n, unsigned(n), 1);
-        const pivoted<T> got(a, std::vector<vox_int>(size_t(n), 0));
-        EXPECT_LE(got.residual(a), threshold);
-        got.expect_longest_first(0);
-    }
+    for (const auto &[m, n] : shapes)
+        pivoted<T>(random_matrix<T>(m, n, unsigned(n), 1), std::vector<vox_int>(size_t(n), 0))
+            .expect_longest_first(0);
 }
 
 TYPED_TEST(Qr, PivotingLeavesFixedColumnsInFront) {
     using T = TypeParam;
     for (const auto &[m, n] : {std::tuple(6, 9), {9, 6}, {120, 110}, {10, 40}}) {
-        const matrix<T> a = random_matrix<T>(m, n, 21);
         std::vector<vox_int> fixed(size_t(n), 0);
         fixed[1] = 5, fixed[4] = -1, fixed[size_t(n) - 1] = 1;
-        const pivoted<T> got(a, fixed);
-        EXPECT_LE(got.residual(a), threshold);
-        EXPECT_EQ(got.jpvt[0], 2);
-        EXPECT_EQ(got.jpvt[1], 5);
-        EXPECT_EQ(got.jpvt[2], n);
+        const pivoted<T> got(random_matrix<T>(m, n, 21), fixed);
+        EXPECT_EQ(std::vector(got.jpvt.begin(), got.jpvt.begin() + 3), (std::vector{2, 5, n}));
         got.expect_longest_first(3);
     }
 }
@@ -541,7 +521,6 @@ TYPED_TEST(Qr, PivotingShowsTheRank) {
             for (int i = 0; i < n; ++i)
                 a(i, j) = vox::make<T>(R(std::real(product(i, j))), R(std::imag(product(i, j))));
         const pivoted<T> got(a, std::vector<vox_int>(size_t(n), 0));
-        EXPECT_LE(got.residual(a), threshold);
         const long double first = std::abs(widen(got.a(0, 0)));
         EXPECT_GT(std::abs(widen(got.a(rank - 1, rank - 1))), 1e-4L * first);
         for (int i = rank; i < n; ++i)

@@ -1,63 +1,10 @@
-// reflectors.hpp - QR's routines for every element type, called by value, and products of reflectors
-// in higher precision.
+// reflectors.hpp - products of reflectors in higher precision.
 #pragma once
 
+#include "tests/lapack/fortran.hpp"
 #include "tests/lapack/support.hpp"
-#include "vox/lapack.h"
 
 namespace test {
-
-// The Fortran forms. Q is or in real names, un in complex ones.
-template <class T>
-struct fortran;
-#define FORTRAN(T, p, q)                                                                           \
-    template <>                                                                                    \
-    struct fortran<T> {                                                                            \
-        static constexpr auto geqrf = p##geqrf_;                                                   \
-        static constexpr auto geqr2 = p##geqr2_, gelq2 = p##gelq2_;                                \
-        static constexpr auto gelqf = p##gelqf_;                                                   \
-        static constexpr auto geqp3 = p##geqp3_;                                                   \
-        static constexpr auto orgqr = p##q##gqr_, orglq = p##q##glq_;                              \
-        static constexpr auto org2r = p##q##g2r_, orgl2 = p##q##gl2_;                              \
-        static constexpr auto ormqr = p##q##mqr_, ormlq = p##q##mlq_;                              \
-        static constexpr auto orm2r = p##q##m2r_, orml2 = p##q##ml2_;                              \
-        static constexpr auto larfg = p##larfg_;                                                   \
-        static constexpr auto larf = p##larf_;                                                     \
-        static constexpr auto larft = p##larft_;                                                   \
-        static constexpr auto larfb = p##larfb_;                                                   \
-        static constexpr auto gels = p##gels_;                                                     \
-    };
-FORTRAN(float, s, or)
-FORTRAN(double, d, or)
-FORTRAN(vox_complex_float, c, un)
-FORTRAN(vox_complex_double, z, un)
-#undef FORTRAN
-
-template <class X>
-X *address(X *p) {
-    return p;
-}
-template <class X>
-requires(!std::is_pointer_v<X>) const X *address(const X &x) { return &x; }
-template <class Routine, class... X>
-void call_quiet(Routine *routine, const X &...x) {
-    routine(address(x)...);
-}
-template <class Routine, class... X>
-vox_int call(Routine *routine, const X &...x) {
-    vox_int info = -99;
-    routine(address(x)..., &info);
-    return info;
-}
-// The same for what takes work and lwork last: the size is asked for first.
-template <class T, class Routine, class... X>
-vox_int call_with_work(Routine *routine, const X &...x) {
-    T best{};
-    if (const vox_int info = call(routine, x..., &best, -1))
-        return info;
-    std::vector<T> work(size_t(vox::real(best)));
-    return call(routine, x..., work.data(), vox_int(work.size()));
-}
 
 // k reflectors of order n, whose ones lie on the diagonal that begins in the first row or, backward,
 // ends in the last; v is what a factorisation leaves, columns or rows.

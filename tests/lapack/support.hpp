@@ -25,7 +25,7 @@ class matrix {
 
     int rows() const { return rows_; }
     int columns() const { return columns_; }
-    int ld() const { return ld_; }
+    const int &ld() const { return ld_; }
     T *data() { return values_.data(); }
     const T *data() const { return values_.data(); }
     T *column(int j) { return data() + size_t(j) * ld_; }
@@ -149,6 +149,18 @@ constexpr long double threshold = 30;
 template <class T>
 long double scaled(long double residual, int n, long double scale) {
     return residual == 0 ? 0 : residual / (std::max(1, n) * unit_roundoff<vox::real_of<T>>) / scale;
+}
+// |B - A X| / (n |A| |X| u), and the same for A's inverse.
+template <class T>
+long double solution_error(const matrix<exact<T>> &a, const matrix<T> &x, const matrix<T> &b) {
+    return scaled<T>(one_norm(minus_product(exactly(b), a, exactly(x))), a.rows(),
+                     one_norm(a) * one_norm(exactly(x)));
+}
+template <class T>
+long double inverse_error(const matrix<T> &a, const matrix<T> &inverse) {
+    const auto wide_a = exactly(a), wide_inverse = exactly(inverse);
+    return scaled<T>(one_norm(minus_product(identity<exact<T>>(a.rows()), wide_a, wide_inverse)),
+                     a.rows(), one_norm(wide_a) * one_norm(wide_inverse));
 }
 
 } // namespace test
