@@ -2,7 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <string>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "serv/scalar.hpp"
@@ -14,49 +17,6 @@ namespace test::lapacke {
 using vox::is_complex;
 using vox::make;
 using vox::real_of;
-
-template <class T>
-struct forms;
-#define FORMS(p, Q, E)                                                                             \
-    template <>                                                                                    \
-    struct forms<E> {                                                                              \
-        static constexpr const char *prefix = "LAPACKE_" #p;                                       \
-        static constexpr auto getrf = LAPACKE_##p##getrf;                                          \
-        static constexpr auto getrs = LAPACKE_##p##getrs;                                          \
-        static constexpr auto gesv = LAPACKE_##p##gesv;                                            \
-        static constexpr auto getri = LAPACKE_##p##getri;                                          \
-        static constexpr auto gecon = LAPACKE_##p##gecon;                                          \
-        static constexpr auto laswp = LAPACKE_##p##laswp;                                          \
-        static constexpr auto potrf = LAPACKE_##p##potrf;                                          \
-        static constexpr auto potrs = LAPACKE_##p##potrs;                                          \
-        static constexpr auto posv = LAPACKE_##p##posv;                                            \
-        static constexpr auto potri = LAPACKE_##p##potri;                                          \
-        static constexpr auto pocon = LAPACKE_##p##pocon;                                          \
-        static constexpr auto lauum = LAPACKE_##p##lauum;                                          \
-        static constexpr auto trtri = LAPACKE_##p##trtri;                                          \
-        static constexpr auto trtrs = LAPACKE_##p##trtrs;                                          \
-        static constexpr auto trcon = LAPACKE_##p##trcon;                                          \
-        static constexpr auto geqrf = LAPACKE_##p##geqrf;                                          \
-        static constexpr auto gelqf = LAPACKE_##p##gelqf;                                          \
-        static constexpr auto geqp3 = LAPACKE_##p##geqp3;                                          \
-        static constexpr auto orgqr = LAPACKE_##Q##gqr;                                            \
-        static constexpr auto orglq = LAPACKE_##Q##glq;                                            \
-        static constexpr auto ormqr = LAPACKE_##Q##mqr;                                            \
-        static constexpr auto ormlq = LAPACKE_##Q##mlq;                                            \
-        static constexpr auto gels = LAPACKE_##p##gels;                                            \
-        static constexpr auto larft = LAPACKE_##p##larft;                                          \
-        static constexpr auto larfb = LAPACKE_##p##larfb;                                          \
-        static constexpr auto lange = LAPACKE_##p##lange;                                          \
-        static constexpr auto lansy = LAPACKE_##p##lansy;                                          \
-        static constexpr auto lantr = LAPACKE_##p##lantr;                                          \
-        static constexpr auto lacpy = LAPACKE_##p##lacpy;                                          \
-        static constexpr auto laset = LAPACKE_##p##laset;                                          \
-        static constexpr auto lascl = LAPACKE_##p##lascl;                                          \
-    };
-FORMS(s, sor, float)
-FORMS(d, dor, double)
-FORMS(c, cun, vox_complex_float)
-FORMS(z, zun, vox_complex_double)
 
 // A matrix of a call, by columns in `values`; what the call gets lies in `memory`, by rows or columns.
 template <class T>
@@ -108,235 +68,113 @@ struct arguments {
 template <class T>
 struct routine {
     sizes size;
-    std::string name;
+    std::string name, c_name; // without the letter of the precision, and as C has it
+    int requests;             // for workspace, before the copies of a row-major call
     std::vector<operand<T>> matrices;
-    vox_int (*call)(int layout, arguments<T> &x);
-    int requests = 0; // for workspace, before the copies of a row-major call
+    std::function<vox_int(int layout, arguments<T> &x)> call;
 };
+
+// In a row: a matrix and its leading dimension.
+struct matrix {
+    vox_int rows, cols;
+    bool checked = true;
+    size_t index = 0; // among the routine's
+};
+
+// The argument or two that a call gets for a parameter: members of its arguments are given as such.
+template <class T, class P>
+auto passed(const P &parameter, arguments<T> &a) {
+    if constexpr (std::is_same_v<P, matrix>)
+        return std::tuple(a.m[parameter.index].data(), a.m[parameter.index].ld);
+    else if constexpr (std::is_same_v<P, real_of<T> arguments<T>::*>)
+        return std::tuple(&(a.*parameter));
+    else if constexpr (std::is_member_pointer_v<P>)
+        return std::tuple((a.*parameter).data());
+    else
+        return std::tuple(parameter);
+}
+
+// A routine by its C form, the number of its requests and its arguments. A norm is one of the results.
+template <class T, class R, class... F, class... P>
+routine<T> row(const sizes &s, const char *name, const char *c_name, R (*form)(int, F...),
+               int requests, P... parameters) {
+    std::vector<operand<T>> matrices;
+    int number = 1; // of the parameter; the layout is the first
+    const auto enter = [&](auto &p) {
+        ++number;
+        if constexpr (std::is_same_v<decltype(p), matrix &>) {
+            p.index = matrices.size();
+            matrices.emplace_back(number++, p.rows, p.cols, p.checked);
+        }
+    };
+    (enter(parameters), ...);
+    const auto call = [=](int layout, arguments<T> &a) {
+        const R result =
+            std::apply(form, std::tuple_cat(std::tuple(layout), passed(parameters, a)...));
+        if constexpr (std::is_floating_point_v<R>)
+            a.number = result;
+        return result < 0 || std::is_integral_v<R> ? vox_int(result) : 0;
+    };
+    return {s, name, c_name, requests, matrices, call};
+}
+
+// clang-format off
+#define ROW(p, name, ...) row<T>(s, #name, "LAPACKE_" #p #name, LAPACKE_##p##name, __VA_ARGS__)
+#define ROUTINES(p, q)                                                                             \
+    ROW(p, getrf, 0, s.tall, s.n, tall, pivots),                                                   \
+    ROW(p, getrs, 0, 'T', s.n, s.nrhs, square, pivots, sides),                                     \
+    ROW(p, gesv, 0, s.n, s.nrhs, square, pivots, sides),                                           \
+    ROW(p, getri, 1, s.n, square, pivots),                                                         \
+    ROW(p, gecon, 2, '1', s.n, square, 30, number),                                                \
+    ROW(p, laswp, 0, s.n, square, 1, std::min(5, s.n), pivots, 1),                                 \
+    ROW(p, potrf, 0, 'U', s.n, square),                                                            \
+    ROW(p, potrs, 0, 'U', s.n, s.nrhs, square, sides),                                             \
+    ROW(p, posv, 0, 'U', s.n, s.nrhs, square, sides),                                              \
+    ROW(p, potri, 0, 'U', s.n, square),                                                            \
+    ROW(p, pocon, 2, 'U', s.n, square, 30, number),                                                \
+    ROW(p, lauum, 0, 'U', s.n, square),                                                            \
+    ROW(p, trtri, 0, 'U', 'N', s.n, square),                                                       \
+    ROW(p, trtrs, 0, 'U', 'N', 'N', s.n, s.nrhs, square, sides),                                   \
+    ROW(p, trcon, 2, 'I', 'U', 'N', s.n, square, number),                                          \
+    ROW(p, geqrf, 1, s.tall, s.n, tall, vector),                                                   \
+    ROW(p, gelqf, 1, s.tall, s.n, tall, vector),                                                   \
+    ROW(p, geqp3, is_complex<T> ? 2 : 1, s.tall, s.n, tall, pivots, vector),                       \
+    ROW(p, q##gqr, 1, s.tall, s.n, s.n, tall, vector),                                             \
+    ROW(p, q##glq, 1, s.n, s.tall, s.n, flat, vector),                                             \
+    ROW(p, q##mqr, 1, 'L', adjoint, s.tall, s.nrhs, s.n, tall, vector, tall_sides),                \
+    ROW(p, q##mlq, 1, 'R', adjoint, s.nrhs, s.tall, s.n, flat, vector, flat_sides),                \
+    ROW(p, gels, 1, 'N', s.tall, s.n, s.nrhs, tall, tall_sides),                                   \
+    ROW(p, larft, 0, 'F', 'C', s.tall, s.n, tall, vector, unread(square)),                         \
+    ROW(p, larfb, 1, 'L', 'N', 'F', 'C', s.tall, s.nrhs, s.n, tall, square, tall_sides),           \
+    ROW(p, lange, 1, 'I', s.tall, s.n, tall),                                                      \
+    ROW(p, lansy, 1, 'I', 'U', s.n, square),                                                       \
+    ROW(p, lantr, 1, 'I', 'U', 'N', s.tall, s.n, tall),                                            \
+    ROW(p, lacpy, 0, 'U', s.tall, s.n, tall, unread(tall)),                                        \
+    ROW(p, laset, 0, 'L', s.tall, s.n, make<T>(2), make<T>(3), unread(tall)),                      \
+    ROW(p, lascl, 0, 'G', 0, 0, 3, 2, s.tall, s.n, tall)
+// clang-format on
 
 // getrf's factors and such are only data here: any well-scaled matrix with a heavy diagonal will do.
 template <class T>
 std::vector<routine<T>> routines(const sizes &s = {}) {
-    using f = forms<T>;
-    using x = arguments<T>;
-    static constexpr char adjoint = is_complex<T> ? 'C' : 'T';
-    return {
-        {s,
-         "getrf",
-         {{4, s.tall, s.n}},
-         [](int l, x &a) {
-             return f::getrf(l, a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld, a.pivots.data());
-         }},
-        {s,
-         "getrs",
-         {{5, s.n, s.n}, {8, s.n, s.nrhs}},
-         [](int l, x &a) {
-             return f::getrs(l, 'T', a.size.n, a.size.nrhs, a.m[0].data(), a.m[0].ld,
-                             a.pivots.data(), a.m[1].data(), a.m[1].ld);
-         }},
-        {s,
-         "gesv",
-         {{4, s.n, s.n}, {7, s.n, s.nrhs}},
-         [](int l, x &a) {
-             return f::gesv(l, a.size.n, a.size.nrhs, a.m[0].data(), a.m[0].ld, a.pivots.data(),
-                            a.m[1].data(), a.m[1].ld);
-         }},
-        {s,
-         "getri",
-         {{3, s.n, s.n}},
-         [](int l, x &a) {
-             return f::getri(l, a.size.n, a.m[0].data(), a.m[0].ld, a.pivots.data());
-         },
-         1},
-        {s,
-         "gecon",
-         {{4, s.n, s.n}},
-         [](int l, x &a) {
-             return f::gecon(l, '1', a.size.n, a.m[0].data(), a.m[0].ld, 30, &a.number);
-         },
-         2},
-        {s,
-         "laswp",
-         {{3, s.n, s.n, true}},
-         [](int l, x &a) {
-             return f::laswp(l, a.size.n, a.m[0].data(), a.m[0].ld, 1, std::min(5, a.size.n),
-                             a.pivots.data(), 1);
-         }},
-        {s,
-         "potrf",
-         {{4, s.n, s.n}},
-         [](int l, x &a) { return f::potrf(l, 'U', a.size.n, a.m[0].data(), a.m[0].ld); }},
-        {s,
-         "potrs",
-         {{5, s.n, s.n}, {7, s.n, s.nrhs}},
-         [](int l, x &a) {
-             return f::potrs(l, 'U', a.size.n, a.size.nrhs, a.m[0].data(), a.m[0].ld, a.m[1].data(),
-                             a.m[1].ld);
-         }},
-        {s,
-         "posv",
-         {{5, s.n, s.n}, {7, s.n, s.nrhs}},
-         [](int l, x &a) {
-             return f::posv(l, 'U', a.size.n, a.size.nrhs, a.m[0].data(), a.m[0].ld, a.m[1].data(),
-                            a.m[1].ld);
-         }},
-        {s,
-         "potri",
-         {{4, s.n, s.n}},
-         [](int l, x &a) { return f::potri(l, 'U', a.size.n, a.m[0].data(), a.m[0].ld); }},
-        {s,
-         "pocon",
-         {{4, s.n, s.n}},
-         [](int l, x &a) {
-             return f::pocon(l, 'U', a.size.n, a.m[0].data(), a.m[0].ld, 30, &a.number);
-         },
-         2},
-        {s,
-         "lauum",
-         {{4, s.n, s.n}},
-         [](int l, x &a) { return f::lauum(l, 'U', a.size.n, a.m[0].data(), a.m[0].ld); }},
-        {s,
-         "trtri",
-         {{5, s.n, s.n}},
-         [](int l, x &a) { return f::trtri(l, 'U', 'N', a.size.n, a.m[0].data(), a.m[0].ld); }},
-        {s,
-         "trtrs",
-         {{7, s.n, s.n}, {9, s.n, s.nrhs}},
-         [](int l, x &a) {
-             return f::trtrs(l, 'U', 'N', 'N', a.size.n, a.size.nrhs, a.m[0].data(), a.m[0].ld,
-                             a.m[1].data(), a.m[1].ld);
-         }},
-        {s,
-         "trcon",
-         {{6, s.n, s.n}},
-         [](int l, x &a) {
-             return f::trcon(l, 'I', 'U', 'N', a.size.n, a.m[0].data(), a.m[0].ld, &a.number);
-         },
-         2},
-        {s,
-         "geqrf",
-         {{4, s.tall, s.n}},
-         [](int l, x &a) {
-             return f::geqrf(l, a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld, a.vector.data());
-         },
-         1},
-        {s,
-         "gelqf",
-         {{4, s.tall, s.n}},
-         [](int l, x &a) {
-             return f::gelqf(l, a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld, a.vector.data());
-         },
-         1},
-        {s,
-         "geqp3",
-         {{4, s.tall, s.n}},
-         [](int l, x &a) {
-             return f::geqp3(l, a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld, a.pivots.data(),
-                             a.vector.data());
-         },
-         is_complex<T> ? 2 : 1},
-        {s,
-         is_complex<T> ? "ungqr" : "orgqr",
-         {{5, s.tall, s.n}},
-         [](int l, x &a) {
-             return f::orgqr(l, a.size.tall, a.size.n, a.size.n, a.m[0].data(), a.m[0].ld,
-                             a.vector.data());
-         },
-         1},
-        {s,
-         is_complex<T> ? "unglq" : "orglq",
-         {{5, s.n, s.tall}},
-         [](int l, x &a) {
-             return f::orglq(l, a.size.n, a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld,
-                             a.vector.data());
-         },
-         1},
-        {s,
-         is_complex<T> ? "unmqr" : "ormqr",
-         {{7, s.tall, s.n}, {10, s.tall, s.nrhs}},
-         [](int l, x &a) {
-             return f::ormqr(l, 'L', adjoint, a.size.tall, a.size.nrhs, a.size.n, a.m[0].data(),
-                             a.m[0].ld, a.vector.data(), a.m[1].data(), a.m[1].ld);
-         },
-         1},
-        {s,
-         is_complex<T> ? "unmlq" : "ormlq",
-         {{7, s.n, s.tall}, {10, s.nrhs, s.tall}},
-         [](int l, x &a) {
-             return f::ormlq(l, 'R', adjoint, a.size.nrhs, a.size.tall, a.size.n, a.m[0].data(),
-                             a.m[0].ld, a.vector.data(), a.m[1].data(), a.m[1].ld);
-         },
-         1},
-        {s,
-         "gels",
-         {{6, s.tall, s.n}, {8, s.tall, s.nrhs}},
-         [](int l, x &a) {
-             return f::gels(l, 'N', a.size.tall, a.size.n, a.size.nrhs, a.m[0].data(), a.m[0].ld,
-                            a.m[1].data(), a.m[1].ld);
-         },
-         1},
-        {s,
-         "larft",
-         {{6, s.tall, s.n}, {9, s.n, s.n, false}},
-         [](int l, x &a) {
-             return f::larft(l, 'F', 'C', a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld,
-                             a.vector.data(), a.m[1].data(), a.m[1].ld);
-         }},
-        {s,
-         "larfb",
-         {{9, s.tall, s.n}, {11, s.n, s.n}, {13, s.tall, s.nrhs}},
-         [](int l, x &a) {
-             return f::larfb(l, 'L', 'N', 'F', 'C', a.size.tall, a.size.nrhs, a.size.n,
-                             a.m[0].data(), a.m[0].ld, a.m[1].data(), a.m[1].ld, a.m[2].data(),
-                             a.m[2].ld);
-         },
-         1},
-        {s,
-         "lange",
-         {{5, s.tall, s.n}},
-         [](int l, x &a) {
-             a.number = f::lange(l, 'I', a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld);
-             return a.number < 0 ? vox_int(a.number) : 0;
-         },
-         1},
-        {s,
-         "lansy",
-         {{5, s.n, s.n}},
-         [](int l, x &a) {
-             a.number = f::lansy(l, 'I', 'U', a.size.n, a.m[0].data(), a.m[0].ld);
-             return a.number < 0 ? vox_int(a.number) : 0;
-         },
-         1},
-        {s,
-         "lantr",
-         {{7, s.tall, s.n}},
-         [](int l, x &a) {
-             a.number = f::lantr(l, 'I', 'U', 'N', a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld);
-             return a.number < 0 ? vox_int(a.number) : 0;
-         },
-         1},
-        {s,
-         "lacpy",
-         {{5, s.tall, s.n}, {7, s.tall, s.n, false}},
-         [](int l, x &a) {
-             return f::lacpy(l, 'U', a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld, a.m[1].data(),
-                             a.m[1].ld);
-         }},
-        {s,
-         "laset",
-         {{7, s.tall, s.n, false}},
-         [](int l, x &a) {
-             return f::laset(l, 'L', a.size.tall, a.size.n, make<T>(2), make<T>(3), a.m[0].data(),
-                             a.m[0].ld);
-         }},
-        {s,
-         "lascl",
-         {{9, s.tall, s.n}},
-         [](int l, x &a) {
-             return f::lascl(l, 'G', 0, 0, 3, 2, a.size.tall, a.size.n, a.m[0].data(), a.m[0].ld);
-         }},
-    };
+    const matrix square{s.n, s.n}, tall{s.tall, s.n}, flat{s.n, s.tall}, sides{s.n, s.nrhs},
+        tall_sides{s.tall, s.nrhs}, flat_sides{s.nrhs, s.tall};
+    const auto unread = [](const matrix &m) { return matrix{m.rows, m.cols, false}; };
+    constexpr auto pivots = &arguments<T>::pivots;
+    constexpr auto vector = &arguments<T>::vector;
+    constexpr auto number = &arguments<T>::number;
+    constexpr char adjoint = is_complex<T> ? 'C' : 'T';
+    if constexpr (std::is_same_v<T, float>)
+        return {ROUTINES(s, or)};
+    else if constexpr (std::is_same_v<T, double>)
+        return {ROUTINES(d, or)};
+    else if constexpr (std::is_same_v<T, vox_complex_float>)
+        return {ROUTINES(c, un)};
+    else
+        return {ROUTINES(z, un)};
 }
+#undef ROUTINES
+#undef ROW
 
 // Operands that every routine can work on: symmetric where square, with a heavy diagonal.
 template <class T>

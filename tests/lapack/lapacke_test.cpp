@@ -53,12 +53,12 @@ TYPED_TEST(LapackeForms, LayoutsGiveTheSame) {
 TYPED_TEST(LapackeForms, WrongLayoutsAndLeadingDimensions) {
     using T = TypeParam;
     for (const routine<T> &r : routines<T>()) {
-        const std::string name = forms<T>::prefix + r.name;
         arguments<T> a = fill(r, LAPACK_ROW_MAJOR);
         const auto untouched = a;
         ::testing::internal::CaptureStdout();
         EXPECT_EQ(r.call(100, a), -1) << r.name;
-        EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Wrong parameter 1 in " + name + "\n");
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+                  "Wrong parameter 1 in " + r.c_name + "\n");
         for (size_t i = 0; i < a.m.size(); ++i) {
             const vox_int ld = a.m[i].ld, number = a.m[i].position + 1;
             a.m[i].ld = a.m[i].cols - 1;
@@ -66,7 +66,7 @@ TYPED_TEST(LapackeForms, WrongLayoutsAndLeadingDimensions) {
             ::testing::internal::CaptureStdout();
             EXPECT_EQ(r.call(LAPACK_ROW_MAJOR, a), -number) << r.name;
             EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-                      "Wrong parameter " + std::to_string(number) + " in " + name + "_work\n");
+                      "Wrong parameter " + std::to_string(number) + " in " + r.c_name + "_work\n");
             LAPACKE_set_nancheck(1);
             a.m[i].ld = ld;
             expect_same(a.m[i].memory, untouched.m[i].memory, r.name);
@@ -113,7 +113,7 @@ TYPED_TEST(LapackeForms, WithoutMemoryTheyReportAndTouchNothing) {
                 << r.name << request;
             EXPECT_EQ(text, (work ? "Not enough memory to allocate work array in "
                                   : "Not enough memory to transpose matrix in ") +
-                                (forms<T>::prefix + r.name) + (work ? "\n" : "_work\n"));
+                                r.c_name + (work ? "\n" : "_work\n"));
             for (size_t i = 0; i < a.m.size(); ++i)
                 expect_same(a.m[i].memory, untouched.m[i].memory, r.name);
         }
