@@ -1,26 +1,20 @@
-// arguments_test.cpp - what levels 2 and 3 do with bad arguments, how their calls are logged, and
-// their spellings; every routine, by its parameter letters.
+// arguments_test.cpp - what levels 2 and 3 do with bad arguments, and how their calls are logged; every
+// routine, by its parameter letters.
 #include <climits>
 #include <cstring>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sstream>
 
 #include "tests/blas/level2.hpp"
 #include "tests/blas/level3_table.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/reports.hpp"
 
 namespace {
 
 using namespace test;
 
 using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-
-std::string reports;
-
-void record(const char *name, const vox_int *code, int length) {
-    reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
-}
 
 template <class T>
 const std::vector<routine<T>> &every_routine() {
@@ -151,9 +145,6 @@ std::string expected_reports(const routine<T> &r, bool c, const std::string &bad
 template <class T>
 class Arguments : public ::testing::Test {
   protected:
-    void SetUp() override { vox_set_xerbla(record); }
-    void TearDown() override { vox_set_xerbla(nullptr); }
-
     // What a call reports, "and touches an operand" if it does.
     std::string reported(const form<T> &call, arguments<T> a) {
         const std::vector<T> before(64, vox::make<T>(7, 7));
@@ -168,6 +159,7 @@ class Arguments : public ::testing::Test {
                 reports += "and touches an operand";
         return reports;
     }
+    const reports_recorded recorded;
 };
 TYPED_TEST_SUITE(Arguments, types);
 
@@ -238,15 +230,6 @@ TEST(Verbose, EveryCallPrintsItsLine) {
         const size_t found = result.out.find(line, at);
         EXPECT_NE(found, std::string::npos) << line;
         at = found == std::string::npos ? at : found + line.size();
-    }
-}
-
-TYPED_TEST(Arguments, TheThreeSpellingsAreOneRoutine) {
-    for (const routine<TypeParam> &r : every_routine<TypeParam>()) {
-        void *const lower = dlsym(RTLD_DEFAULT, r.name.c_str());
-        EXPECT_NE(lower, nullptr) << r.name;
-        EXPECT_EQ(dlsym(RTLD_DEFAULT, (r.name + "_").c_str()), lower) << r.name;
-        EXPECT_EQ(dlsym(RTLD_DEFAULT, upper_case(r.name).c_str()), lower) << r.name;
     }
 }
 

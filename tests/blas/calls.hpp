@@ -144,6 +144,23 @@ struct routine {
             form_of < T>(cblas_##p##name, "o" letters)                                             \
     }
 
+// A table of the routines for each type: of all of them, and of real or complex ones alone.
+#define ROUTINE_TABLE(table, all, real, complex)                                                   \
+    template <class T>                                                                             \
+    const std::vector<routine<T>> &table() {                                                       \
+        static const auto rows = []() -> std::vector<routine<T>> {                                 \
+            if constexpr (std::is_same_v<T, float>)                                                \
+                return {all(s) real(s)};                                                           \
+            else if constexpr (std::is_same_v<T, double>)                                          \
+                return {all(d) real(d)};                                                           \
+            else if constexpr (std::is_same_v<T, vox_complex_float>)                               \
+                return {all(c) complex(c)};                                                        \
+            else                                                                                   \
+                return {all(z) complex(z)};                                                        \
+        }();                                                                                       \
+        return rows;                                                                               \
+    }
+
 inline std::string upper_case(std::string text) {
     for (char &c : text)
         c = char(std::toupper(c));

@@ -73,15 +73,10 @@ std::vector<routine<T>> make_routines() {
          linear(c, s1, -(long double)s1, c)});
     if constexpr (is_complex<T>) {
         const R factor = R(-0.7);
-        const auto real_scal = [=](form f, const shape &s, T *, T *y) {
-            if constexpr (std::is_same_v<T, cfloat>)
-                f == form::c ? cblas_csscal(s.n, factor, y, s.incy)
-                             : csscal_(&s.n, &factor, y, &s.incy);
-            else
-                f == form::c ? cblas_zdscal(s.n, factor, y, s.incy)
-                             : zdscal_(&s.n, &factor, y, &s.incy);
-        };
-        all.push_back({"real scal", real_scal, linear(1, 0, 0, factor), true});
+        all.push_back(
+            {"real scal",
+             [=](form f, const shape &s, T *, T *y) { real_scal(f, s.n, factor, y, s.incy); },
+             linear(1, 0, 0, factor), true});
         const auto complex_rot = [=](form, const shape &s, T *x, T *y) {
             if constexpr (std::is_same_v<T, cfloat>)
                 crot_(&s.n, x, &s.incx, y, &s.incy, &c, &alpha);

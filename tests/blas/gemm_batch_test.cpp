@@ -1,11 +1,11 @@
 // gemm_batch_test.cpp - batches of products: each is what ?gemm computes, in every form and on any
 // number of threads; wrong arguments; verbose lines.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <random>
 
 #include "tests/blas/level3_table.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/reports.hpp"
 #include "tests/support/thread_counts.hpp"
 
 namespace {
@@ -100,11 +100,6 @@ std::vector<T> integers(size_t count, std::mt19937 &bits) {
     return all;
 }
 
-std::string reports;
-void record(const char *name, const vox_int *code, int length) {
-    reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
-}
-
 template <class T>
 class GemmBatch : public ::testing::Test {};
 TYPED_TEST_SUITE(GemmBatch, types);
@@ -153,7 +148,7 @@ TYPED_TEST(GemmBatch, IsTheProductsOfItsGroups) {
 // Bad arguments of the second of three groups, then of two.
 TYPED_TEST(GemmBatch, ReportsTheFirstBadArgumentOfTheFirstBadGroup) {
     using T = TypeParam;
-    vox_set_xerbla(record);
+    const reports_recorded recorded;
     using spoiler = void (*)(batch<T> &);
     const std::pair<int, spoiler> cases[] = {
         {1, [](batch<T> &s) { s.transa[1] = 'R'; }},
@@ -191,16 +186,6 @@ TYPED_TEST(GemmBatch, ReportsTheFirstBadArgumentOfTheFirstBadGroup) {
                     r.c(s);
                     EXPECT_EQ(reports, "cblas_" + r.name + ":1 ");
                 }
-    vox_set_xerbla(nullptr);
-}
-
-TYPED_TEST(GemmBatch, HasThreeSpellings) {
-    for (const batch_routine<TypeParam> &r : batch_routines<TypeParam>()) {
-        void *const lower = dlsym(RTLD_DEFAULT, r.name.c_str());
-        EXPECT_NE(lower, nullptr) << r.name;
-        EXPECT_EQ(dlsym(RTLD_DEFAULT, (r.name + "_").c_str()), lower) << r.name;
-        EXPECT_EQ(dlsym(RTLD_DEFAULT, upper_case(r.name).c_str()), lower) << r.name;
-    }
 }
 
 // Addresses that are known, since a batch without groups looks at none of them.

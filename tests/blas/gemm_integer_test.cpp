@@ -1,7 +1,6 @@
 // gemm_integer_test.cpp - gemm_s8u8s32 and gemm_s16s16s32 on every code path, beside the definition in
 // 64 bits: exact wherever that can be said, on extreme values, in every form; errors; no memory.
 #include <cmath>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "tests/blas/calls.hpp"
@@ -9,17 +8,13 @@
 #include "tests/support/failing_memory.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/numbers.hpp"
+#include "tests/support/reports.hpp"
 #include "tests/support/thread_counts.hpp"
 #include "vox/service.h"
 
 namespace {
 
 using namespace test;
-
-std::string reports;
-void record(const char *name, const vox_int *code, int length) {
-    reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
-}
 
 struct s8u8 {
     using A = int8_t;
@@ -84,9 +79,6 @@ class GemmInteger : public ::testing::Test {
     using B = typename R::B;
 
   protected:
-    void SetUp() override { vox_set_xerbla(record), reports.clear(); }
-    void TearDown() override { vox_set_xerbla(nullptr); }
-
     // The ends of the range as often as anything else.
     template <class S>
     S number() {
@@ -190,6 +182,7 @@ class GemmInteger : public ::testing::Test {
         return lots.pick({0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 48, 49, 65, 97});
     }
     const thread_counts counts;
+    const reports_recorded recorded;
     lottery lots{1};
 };
 using types = ::testing::Types<s8u8, s16s16>;
@@ -294,14 +287,6 @@ TEST(GemmIntegerVerbose, PrintsItsLine) {
         ASSERT_NE(found, std::string::npos) << line << " in " << out;
         from = found + 1;
     }
-}
-
-TYPED_TEST(GemmInteger, HasThreeSpellings) {
-    const std::string name = TypeParam::name;
-    void *const lower = dlsym(RTLD_DEFAULT, name.c_str());
-    EXPECT_NE(lower, nullptr);
-    EXPECT_EQ(dlsym(RTLD_DEFAULT, (name + "_").c_str()), lower);
-    EXPECT_EQ(dlsym(RTLD_DEFAULT, upper_case(name).c_str()), lower);
 }
 
 } // namespace

@@ -7,17 +7,13 @@
 #include "tests/blas/level3_reference.hpp"
 #include "tests/support/child.hpp"
 #include "tests/support/failing_memory.hpp"
+#include "tests/support/reports.hpp"
 #include "tests/support/thread_counts.hpp"
 #include "vox/service.h"
 
 namespace {
 
 using namespace test;
-
-std::string reports;
-void record(const char *name, const vox_int *code, int length) {
-    reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
-}
 
 // The family of a precision, by the forms that a call has.
 template <class T>
@@ -96,14 +92,11 @@ void compute(arguments<T> &g, unsigned which, bool c, int failing) {
 template <class T>
 class GemmPacked : public ::testing::Test {
   protected:
-    void SetUp() override { vox_set_xerbla(record), reports.clear(); }
-    void TearDown() override { vox_set_xerbla(nullptr); }
-
     // Gives how many allocations the product made.
     int expect_right(vox_int m, vox_int n, vox_int k, unsigned which, std::optional<plant> p = {},
                      int failing = 0) {
         const routine<T> &gemm = routine_named<T>("gemm");
-        drawn_call<T> d = draw(gemm, m, n, k, int(lots.number() % 9), lots);
+        drawn_call<T> d = draw(gemm, m, n, k, lots);
         if (which == neither)
             d.a.alpha = 1;
         const bool c = &d.call == &gemm.c;
@@ -118,6 +111,7 @@ class GemmPacked : public ::testing::Test {
     }
     vox_int block() { return lots.pick({127, 128, 129, 191, 193, 257, 300, 321, 385, 512, 700}); }
     const thread_counts counts;
+    const reports_recorded recorded;
     lottery lots{1};
 };
 using types = ::testing::Types<float, double>;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <complex>
 #include <ostream>
+#include <type_traits>
 #include <vector>
 
 #include "serv/scalar.hpp"
@@ -83,140 +84,93 @@ inline std::vector<shape> shapes() {
     return all;
 }
 
+// What the forms get for an argument: a pointer as it is; in Fortran addresses of all others, in C those
+// of complex numbers.
+template <class A>
+auto for_fortran(const A &a) {
+    if constexpr (std::is_pointer_v<A> || std::is_null_pointer_v<A>)
+        return a;
+    else
+        return &a;
+}
+template <class A>
+auto for_c(const A &a) {
+    if constexpr (std::is_class_v<A>)
+        return &a;
+    else
+        return a;
+}
+template <class C, class F, class... A>
+auto either(form f, C *c, F *fortran, const A &...a) {
+    using result = decltype(fortran(for_fortran(a)...));
+    return f == form::c ? result(c(for_c(a)...)) : fortran(for_fortran(a)...);
+}
+// The same where the result is the C form's last argument.
+template <class C, class F, class... A>
+auto either_sub(form f, C *c, F *fortran, const A &...a) {
+    decltype(fortran(for_fortran(a)...)) result;
+    if (f == form::c)
+        c(for_c(a)..., &result);
+    else
+        result = fortran(for_fortran(a)...);
+    return result;
+}
+
+// The type of the elements, which the first pointer among the arguments is to, but for indices.
+template <class A, class... Rest>
+struct element : element<Rest...> {};
+template <class T, class... Rest>
+requires(!std::is_same_v<T, const vox_int>) struct element<T *, Rest...> {
+    using type = std::remove_const_t<T>;
+};
+
 // name(form, arguments by value) calls the Fortran or the C form.
-#define COMMON(p, T, in)                                                                           \
-    inline void copy(form f, vox_int n, const T *x, vox_int incx, T *y, vox_int incy) {            \
-        f == form::c ? cblas_##p##copy(n, x, incx, y, incy) : p##copy_(&n, x, &incx, y, &incy);    \
-    }                                                                                              \
-    inline void swap(form f, vox_int n, T *x, vox_int incx, T *y, vox_int incy) {                  \
-        f == form::c ? cblas_##p##swap(n, x, incx, y, incy) : p##swap_(&n, x, &incx, y, &incy);    \
-    }                                                                                              \
-    inline void scal(form f, vox_int n, T a, T *x, vox_int incx) {                                 \
-        f == form::c ? cblas_##p##scal(n, in(a), x, incx) : p##scal_(&n, &a, x, &incx);            \
-    }                                                                                              \
-    inline void axpy(form f, vox_int n, T a, const T *x, vox_int incx, T *y, vox_int incy) {       \
-        f == form::c ? cblas_##p##axpy(n, in(a), x, incx, y, incy)                                 \
-                     : p##axpy_(&n, &a, x, &incx, y, &incy);                                       \
-    }                                                                                              \
-    inline void axpby(form f, vox_int n, T a, const T *x, vox_int incx, T b, T *y, vox_int incy) { \
-        f == form::c ? cblas_##p##axpby(n, in(a), x, incx, in(b), y, incy)                         \
-                     : p##axpby_(&n, &a, x, &incx, &b, y, &incy);                                  \
-    }                                                                                              \
-    inline int64_t iamax(form f, vox_int n, const T *x, vox_int incx) {                            \
-        return f == form::c ? int64_t(cblas_i##p##amax(n, x, incx)) : i##p##amax_(&n, x, &incx);   \
-    }                                                                                              \
-    inline int64_t iamin(form f, vox_int n, const T *x, vox_int incx) {                            \
-        return f == form::c ? int64_t(cblas_i##p##amin(n, x, incx)) : i##p##amin_(&n, x, &incx);   \
-    }                                                                                              \
-    inline void axpyi(form f, vox_int n, T a, const T *x, const vox_int *indx, T *y) {             \
-        f == form::c ? cblas_##p##axpyi(n, in(a), x, indx, y) : p##axpyi_(&n, &a, x, indx, y);     \
-    }                                                                                              \
-    inline void gthr(form f, vox_int n, const T *y, T *x, const vox_int *indx) {                   \
-        f == form::c ? cblas_##p##gthr(n, y, x, indx) : p##gthr_(&n, y, x, indx);                  \
-    }                                                                                              \
-    inline void gthrz(form f, vox_int n, T *y, T *x, const vox_int *indx) {                        \
-        f == form::c ? cblas_##p##gthrz(n, y, x, indx) : p##gthrz_(&n, y, x, indx);                \
-    }                                                                                              \
-    inline void sctr(form f, vox_int n, const T *x, const vox_int *indx, T *y) {                   \
-        f == form::c ? cblas_##p##sctr(n, x, indx, y) : p##sctr_(&n, x, indx, y);                  \
-    }
-#define BY_VALUE(a) a
-#define BY_ADDRESS(a) &a
-COMMON(s, float, BY_VALUE)
-COMMON(d, double, BY_VALUE)
-COMMON(c, cfloat, BY_ADDRESS)
-COMMON(z, cdouble, BY_ADDRESS)
-
-// Routines whose names say both the type of the elements and that of a real scalar or result.
-#define WITH_REALS(p, T)                                                                           \
-    inline real_of<T> asum(form f, vox_int n, const T *x, vox_int incx) {                          \
-        return f == form::c ? cblas_##p##asum(n, x, incx) : p##asum_(&n, x, &incx);                \
-    }                                                                                              \
-    inline real_of<T> nrm2(form f, vox_int n, const T *x, vox_int incx) {                          \
-        return f == form::c ? cblas_##p##nrm2(n, x, incx) : p##nrm2_(&n, x, &incx);                \
-    }
-WITH_REALS(s, float)
-WITH_REALS(d, double)
-WITH_REALS(sc, cfloat)
-WITH_REALS(dz, cdouble)
-
-#define ROTATIONS(p, T)                                                                            \
-    inline void rot(form f, vox_int n, T *x, vox_int incx, T *y, vox_int incy, real_of<T> c,       \
-                    real_of<T> s) {                                                                \
-        f == form::c ? cblas_##p##rot(n, x, incx, y, incy, c, s)                                   \
-                     : p##rot_(&n, x, &incx, y, &incy, &c, &s);                                    \
-    }
-ROTATIONS(s, float)
-ROTATIONS(d, double)
-ROTATIONS(cs, cfloat)
-ROTATIONS(zd, cdouble)
-
-#define REAL_ONLY(p, T)                                                                            \
-    inline T dot(form f, vox_int n, const T *x, vox_int incx, const T *y, vox_int incy) {          \
-        return f == form::c ? cblas_##p##dot(n, x, incx, y, incy)                                  \
-                            : p##dot_(&n, x, &incx, y, &incy);                                     \
-    }                                                                                              \
-    inline T dotc(form f, vox_int n, const T *x, vox_int incx, const T *y, vox_int incy) {         \
-        return dot(f, n, x, incx, y, incy);                                                        \
-    }                                                                                              \
-    inline T doti(form f, vox_int n, const T *x, const vox_int *indx, const T *y) {                \
-        return f == form::c ? cblas_##p##doti(n, x, indx, y) : p##doti_(&n, x, indx, y);           \
-    }                                                                                              \
-    inline T dotci(form f, vox_int n, const T *x, const vox_int *indx, const T *y) {               \
-        return doti(f, n, x, indx, y);                                                             \
-    }                                                                                              \
-    inline void roti(form f, vox_int n, T *x, const vox_int *indx, T *y, T c, T s) {               \
-        f == form::c ? cblas_##p##roti(n, x, indx, y, c, s) : p##roti_(&n, x, indx, y, &c, &s);    \
-    }                                                                                              \
-    inline void rotm(form f, vox_int n, T *x, vox_int incx, T *y, vox_int incy, const T *h) {      \
-        f == form::c ? cblas_##p##rotm(n, x, incx, y, incy, h)                                     \
-                     : p##rotm_(&n, x, &incx, y, &incy, h);                                        \
-    }                                                                                              \
-    inline void rotmg(form f, T *d1, T *d2, T *x1, T y1, T *param) {                               \
-        f == form::c ? cblas_##p##rotmg(d1, d2, x1, y1, param)                                     \
-                     : p##rotmg_(d1, d2, x1, &y1, param);                                          \
-    }
-REAL_ONLY(s, float)
-REAL_ONLY(d, double)
-
-#define COMPLEX_DOT(name, p, routine, T)                                                           \
-    inline T name(form f, vox_int n, const T *x, vox_int incx, const T *y, vox_int incy) {         \
-        T result;                                                                                  \
-        if (f == form::c)                                                                          \
-            cblas_##p##routine##_sub(n, x, incx, y, incy, &result);                                \
+#define BY_TYPE(name, of_float, of_double, of_cfloat, of_cdouble)                                  \
+    template <class... A>                                                                          \
+    auto name(form f, A... a) {                                                                    \
+        using T = typename element<A...>::type;                                                    \
+        if constexpr (std::is_same_v<T, float>)                                                    \
+            return of_float;                                                                       \
+        else if constexpr (std::is_same_v<T, double>)                                              \
+            return of_double;                                                                      \
+        else if constexpr (std::is_same_v<T, cfloat>)                                              \
+            return of_cfloat;                                                                      \
         else                                                                                       \
-            result = p##routine##_(&n, x, &incx, y, &incy);                                        \
-        return result;                                                                             \
-    }                                                                                              \
-    inline T name##i(form f, vox_int n, const T *x, const vox_int *indx, const T *y) {             \
-        T result;                                                                                  \
-        if (f == form::c)                                                                          \
-            cblas_##p##routine##i_sub(n, x, indx, y, &result);                                     \
-        else                                                                                       \
-            result = p##routine##i_(&n, x, indx, y);                                               \
-        return result;                                                                             \
+            return of_cdouble;                                                                     \
     }
-COMPLEX_DOT(dot, c, dotu, cfloat)
-COMPLEX_DOT(dot, z, dotu, cdouble)
-COMPLEX_DOT(dotc, c, dotc, cfloat)
-COMPLEX_DOT(dotc, z, dotc, cdouble)
-
-#define ROTG(p, T)                                                                                 \
-    inline void rotg(form f, T *a, T *b, real_of<T> *c, T *s) {                                    \
-        f == form::c ? cblas_##p##rotg(a, b, c, s) : p##rotg_(a, b, c, s);                         \
-    }
-ROTG(s, float)
-ROTG(d, double)
-ROTG(c, cfloat)
-ROTG(z, cdouble)
-
-#undef COMMON
-#undef BY_VALUE
-#undef BY_ADDRESS
-#undef WITH_REALS
-#undef ROTATIONS
+#define EITHER(routine) either(f, cblas_##routine, routine##_, a...)
+#define SUB(routine) either_sub(f, cblas_##routine##_sub, routine##_, a...)
+#define LEVEL1(name, s, d, c, z) BY_TYPE(name, EITHER(s), EITHER(d), EITHER(c), EITHER(z))
+#define DOT(name, s, d, c, z) BY_TYPE(name, EITHER(s), EITHER(d), SUB(c), SUB(z))
+#define REAL_ONLY(name, s, d) BY_TYPE(name, EITHER(s), EITHER(d), void(), void())
+LEVEL1(copy, scopy, dcopy, ccopy, zcopy)
+LEVEL1(swap, sswap, dswap, cswap, zswap)
+LEVEL1(scal, sscal, dscal, cscal, zscal)
+BY_TYPE(real_scal, void(), void(), EITHER(csscal), EITHER(zdscal))
+LEVEL1(axpy, saxpy, daxpy, caxpy, zaxpy)
+LEVEL1(axpby, saxpby, daxpby, caxpby, zaxpby)
+LEVEL1(iamax, isamax, idamax, icamax, izamax)
+LEVEL1(iamin, isamin, idamin, icamin, izamin)
+LEVEL1(asum, sasum, dasum, scasum, dzasum)
+LEVEL1(nrm2, snrm2, dnrm2, scnrm2, dznrm2)
+DOT(dot, sdot, ddot, cdotu, zdotu)
+DOT(dotc, sdot, ddot, cdotc, zdotc)
+LEVEL1(rot, srot, drot, csrot, zdrot)
+LEVEL1(rotg, srotg, drotg, crotg, zrotg)
+REAL_ONLY(rotm, srotm, drotm)
+REAL_ONLY(rotmg, srotmg, drotmg)
+LEVEL1(axpyi, saxpyi, daxpyi, caxpyi, zaxpyi)
+LEVEL1(gthr, sgthr, dgthr, cgthr, zgthr)
+LEVEL1(gthrz, sgthrz, dgthrz, cgthrz, zgthrz)
+LEVEL1(sctr, ssctr, dsctr, csctr, zsctr)
+DOT(doti, sdoti, ddoti, cdotui, zdotui)
+DOT(dotci, sdoti, ddoti, cdotci, zdotci)
+REAL_ONLY(roti, sroti, droti)
+#undef BY_TYPE
+#undef EITHER
+#undef SUB
+#undef LEVEL1
+#undef DOT
 #undef REAL_ONLY
-#undef COMPLEX_DOT
-#undef ROTG
 
 } // namespace test

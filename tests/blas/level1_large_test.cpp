@@ -1,9 +1,9 @@
 // level1_large_test.cpp - level 1 on elements that lie further apart than 32 bits can count.
 #include <cstring>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include "tests/blas/level1.hpp"
+#include "tests/support/far_vector.hpp"
 
 namespace {
 
@@ -13,25 +13,6 @@ template <class T>
 class Level1Offsets : public ::testing::Test {};
 using types = ::testing::Types<float, double, cfloat, cdouble>;
 TYPED_TEST_SUITE(Level1Offsets, types);
-
-// Address space of which only the touched pages exist.
-template <class T>
-class far_vector {
-  public:
-    explicit far_vector(size_t elements) : size_(elements * sizeof(T)) {
-        void *const space = mmap(nullptr, size_, PROT_READ | PROT_WRITE,
-                                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (space == MAP_FAILED)
-            std::abort();
-        data = static_cast<T *>(space);
-    }
-    ~far_vector() { munmap(data, size_); }
-    far_vector(const far_vector &) = delete;
-    T *data;
-
-  private:
-    size_t size_;
-};
 
 // Each routine with increments of 8 and of 2^30, of either sign.
 TYPED_TEST(Level1Offsets, ReachBeyond32Bits) {
@@ -45,16 +26,16 @@ TYPED_TEST(Level1Offsets, ReachBeyond32Bits) {
         for (vox_int sign : {1, -1}) {
             std::vector<T> x = random_numbers<T>(n * close, 1), y = random_numbers<T>(n * close, 2);
             for (vox_int i = 0; i < n; ++i) {
-                far_x.data[size_t(far) * i] = x[close * i];
-                far_y.data[size_t(far) * i] = y[close * i];
+                far_x[size_t(far) * i] = x[close * i];
+                far_y[size_t(far) * i] = y[close * i];
             }
             const T near_result = routine(x.data(), close, y.data(), sign * close);
-            const T far_result = routine(far_x.data, far, far_y.data, sign * far);
+            const T far_result = routine(far_x.data(), far, far_y.data(), sign * far);
             EXPECT_EQ(std::memcmp(&near_result, &far_result, sizeof(T)), 0) << name << sign;
             for (vox_int i = 0; i < n; ++i) {
-                EXPECT_EQ(std::memcmp(&far_x.data[size_t(far) * i], &x[close * i], sizeof(T)), 0)
+                EXPECT_EQ(std::memcmp(&far_x[size_t(far) * i], &x[close * i], sizeof(T)), 0)
                     << name;
-                EXPECT_EQ(std::memcmp(&far_y.data[size_t(far) * i], &y[close * i], sizeof(T)), 0)
+                EXPECT_EQ(std::memcmp(&far_y[size_t(far) * i], &y[close * i], sizeof(T)), 0)
                     << name;
             }
         }

@@ -9,33 +9,20 @@ namespace test {
 #define ROUTINES(p)                                                                                \
     ROUTINE(p, gemv, "tmnsALXibYj"), ROUTINE(p, gbmv, "tmnlksALXibYj"),                            \
     ROUTINE(p, trmv, "utdnALXi"), ROUTINE(p, tbmv, "utdnkALXi"), ROUTINE(p, tpmv, "utdnAXi"),      \
-    ROUTINE(p, trsv, "utdnALXi"), ROUTINE(p, tbsv, "utdnkALXi"), ROUTINE(p, tpsv, "utdnAXi")
+    ROUTINE(p, trsv, "utdnALXi"), ROUTINE(p, tbsv, "utdnkALXi"), ROUTINE(p, tpsv, "utdnAXi"),
 #define REAL_ROUTINES(p)                                                                           \
     ROUTINE(p, symv, "unsALXibYj"), ROUTINE(p, sbmv, "unksALXibYj"),                               \
     ROUTINE(p, spmv, "unsAXibYj"), ROUTINE(p, ger, "mnsXiYjAL"), ROUTINE(p, syr, "unsXiAL"),       \
-    ROUTINE(p, spr, "unsXiA"), ROUTINE(p, syr2, "unsXiYjAL"), ROUTINE(p, spr2, "unsXiYjA")
+    ROUTINE(p, spr, "unsXiA"), ROUTINE(p, syr2, "unsXiYjAL"), ROUTINE(p, spr2, "unsXiYjA"),
 #define COMPLEX_ROUTINES(p)                                                                        \
     ROUTINE(p, hemv, "unsALXibYj"), ROUTINE(p, hbmv, "unksALXibYj"),                               \
     ROUTINE(p, hpmv, "unsAXibYj"), ROUTINE(p, geru, "mnsXiYjAL"), ROUTINE(p, gerc, "mnsXiYjAL"),   \
     ROUTINE(p, her, "unsXiAL"), ROUTINE(p, hpr, "unsXiA"), ROUTINE(p, her2, "unsXiYjAL"),          \
     ROUTINE(p, hpr2, "unsXiYjA"), FORTRAN_ROUTINE(p, symv, "unsALXibYj"),                          \
     FORTRAN_ROUTINE(p, spmv, "unsAXibYj"), FORTRAN_ROUTINE(p, syr, "unsXiAL"),                     \
-    FORTRAN_ROUTINE(p, spr, "unsXiA")
+    FORTRAN_ROUTINE(p, spr, "unsXiA"),
 // clang-format on
 
-template <class T>
-const std::vector<routine<T>> &routines() {
-    static const std::vector<routine<T>> all = [] {
-        if constexpr (std::is_same_v<T, float>)
-            return std::vector<routine<T>>{ROUTINES(s), REAL_ROUTINES(s)};
-        else if constexpr (std::is_same_v<T, double>)
-            return std::vector<routine<T>>{ROUTINES(d), REAL_ROUTINES(d)};
-        else if constexpr (std::is_same_v<T, vox_complex_float>)
-            return std::vector<routine<T>>{ROUTINES(c), COMPLEX_ROUTINES(c)};
-        else
-            return std::vector<routine<T>>{ROUTINES(z), COMPLEX_ROUTINES(z)};
-    }();
-    return all;
-}
+ROUTINE_TABLE(routines, ROUTINES, REAL_ROUTINES, COMPLEX_ROUTINES)
 
 } // namespace test

@@ -2,12 +2,11 @@
 // several that do not divide the work evenly, for several callers at once, and with offsets beyond 32
 // bits.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <thread>
 
-#include "tests/blas/level2_draw.hpp"
+#include "tests/blas/callers.hpp"
+#include "tests/blas/draw.hpp"
 #include "tests/blas/level2_reference.hpp"
-#include "tests/support/thread_counts.hpp"
+#include "tests/support/far_vector.hpp"
 
 namespace {
 
@@ -16,7 +15,7 @@ using namespace test;
 // What is wrong with a call on an m by n matrix, everything else drawn.
 template <class T>
 std::string fault(const routine<T> &r, vox_int m, vox_int n, lottery &lots) {
-    const drawn_call<T> d = draw(r, m, n, int(lots.number() % unsigned(combinations(r))), lots);
+    const drawn_call<T> d = draw(r, m, n, 0, lots);
     const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
     return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
 }
@@ -48,52 +47,28 @@ TYPED_TEST(Level2Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
         }
 }
 
-template <class T>
-std::string some_faults(unsigned caller) {
-    lottery lots(caller);
-    std::string faults;
-    for (int call = 0; call < 10; ++call) {
-        const routine<T> &r = routines<T>()[lots.number() % routines<T>().size()];
-        faults += fault(r, 310 + vox_int(caller), 310 + 17 * call, lots);
-    }
-    return faults;
-}
-
 TEST(Level2Callers, EachGetTheirOwnResults) {
-    const thread_counts counts;
-    constexpr unsigned callers = 8;
-    std::string faults[callers];
-    std::vector<std::thread> team;
-    for (unsigned c = 0; c < callers; ++c)
-        team.emplace_back([c, &counts, &faults] {
-            counts.set(int(c % 3) + 1);
-            faults[c] = some_faults<float>(c) + some_faults<double>(c) +
-                        some_faults<vox_complex_float>(c) + some_faults<vox_complex_double>(c);
-        });
-    for (std::thread &t : team)
-        t.join();
-    for (const std::string &f : faults)
-        EXPECT_EQ(f, "");
-}
-
-// Address space of which only the touched pages exist, kept until the process ends.
-float *reserve(size_t elements) {
-    void *const space = mmap(nullptr, elements * sizeof(float), PROT_READ | PROT_WRITE,
-                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (space == MAP_FAILED)
-        std::abort();
-    return static_cast<float *>(space);
+    expect_each_gets_its_own_results([]<class T>(unsigned caller) {
+        lottery lots(caller);
+        std::string faults;
+        for (int call = 0; call < 10; ++call) {
+            const routine<T> &r = routines<T>()[lots.number() % routines<T>().size()];
+            faults += fault(r, 310 + vox_int(caller), 310 + 17 * call, lots);
+        }
+        return faults;
+    });
 }
 
 // The elements 8 j + i, i < 8, lie at far j + i. Powers of two and small integers: no rounding.
 TEST(Level2Offsets, ReachBeyond32Bits) {
     constexpr vox_int n = 3, far = 1 << 30;
     constexpr size_t all = size_t(far) * n;
-    float *const spread[3] = {reserve(all), reserve(all), reserve(all)};
+    const far_vector<float> spread[3] = {far_vector<float>(all), far_vector<float>(all),
+                                         far_vector<float>(all)};
     for (const routine<float> &r : routines<float>())
         for (int combination = 0; combination < combinations(r); ++combination) {
             arguments<float> close;
-            set_letters(r, combination, close);
+            set_options(r, combination, close);
             close.m = close.n = n;
             close.kl = close.ku = 1;
             close.lda = close.incx = 8;
@@ -114,9 +89,9 @@ TEST(Level2Offsets, ReachBeyond32Bits) {
             close.a = values[0].data();
             close.x = values[1].data();
             close.y = values[2].data();
-            distant.a = spread[0];
-            distant.x = spread[1];
-            distant.y = spread[2];
+            distant.a = spread[0].data();
+            distant.x = spread[1].data();
+            distant.y = spread[2].data();
             r.fortran(close);
             r.fortran(distant);
             for (int v = 0; v < 3; ++v)

@@ -2,7 +2,7 @@
 // sizes past every unroll, all letters, and everything else drawn. Large calls: level2_large_test.
 #include <gtest/gtest.h>
 
-#include "tests/blas/level2_draw.hpp"
+#include "tests/blas/draw.hpp"
 #include "tests/blas/level2_reference.hpp"
 
 namespace {
@@ -15,7 +15,7 @@ class Level2 : public ::testing::Test {
     // One call; sizes of a few random numbers decide everything that is not given.
     void expect_right(const routine<T> &r, vox_int m, vox_int n, int combination,
                       std::optional<plant> p = {}) {
-        const drawn_call<T> d = draw(r, m, n, combination, lots);
+        const drawn_call<T> d = draw(r, m, n, 0, combination, lots);
         ASSERT_EQ(trial<T>(r, d.a, lots.number(), p).fault(d.call), "") << d;
     }
     lottery lots{1};

@@ -2,11 +2,10 @@
 // several that do not divide the work evenly, in stripes, for several callers at once, and with
 // offsets beyond 32 bits.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <thread>
 
+#include "tests/blas/callers.hpp"
 #include "tests/blas/level3_reference.hpp"
-#include "tests/support/thread_counts.hpp"
+#include "tests/support/far_vector.hpp"
 
 namespace {
 
@@ -15,8 +14,7 @@ using namespace test;
 // What is wrong with a call, everything else drawn.
 template <class T>
 std::string fault(const routine<T> &r, vox_int m, vox_int n, vox_int k, lottery &lots) {
-    const int some = int(lots.number() % unsigned(combinations(r)));
-    const drawn_call<T> d = draw(r, m, n, k, some, lots);
+    const drawn_call<T> d = draw(r, m, n, k, lots);
     const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
     return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
 }
@@ -43,8 +41,7 @@ TYPED_TEST(Level3Threads, ProductsOfIntegersAreExact) {
             for (int threads : {1, 2, 4, 7}) {
                 this->counts.set(threads);
                 const routine<TypeParam> &r = routine_named<TypeParam>(name);
-                const int some = int(this->lots.number() % unsigned(combinations(r)));
-                drawn_call<TypeParam> d = draw(r, n, n, k, some, this->lots);
+                drawn_call<TypeParam> d = draw(r, n, n, k, this->lots);
                 d.a.alpha = vox::make<TypeParam>(2, 1);
                 d.a.beta = vox::make<TypeParam>(-1, 3);
                 EXPECT_EQ(trial<TypeParam>(r, d.a, 1, {}, {1}, true).fault(d.call), "")
@@ -83,49 +80,24 @@ TYPED_TEST(Level3Threads, StripesDivideAProductInTwoDimensions) {
     vox_set_num_stripes(before);
 }
 
-template <class T>
-std::string some_faults(unsigned caller) {
-    lottery lots(caller);
-    std::string faults;
-    for (unsigned call = 0; call < 12; ++call) {
-        const routine<T> &r =
-            level3_routines<T>()[call % 2 ? 0 : lots.number() % level3_routines<T>().size()];
-        faults += fault(r, 110 + vox_int(caller), 110 + vox_int(17 * call), 60, lots);
-    }
-    return faults;
-}
-
 TEST(Level3Callers, EachGetTheirOwnResults) {
-    const thread_counts counts;
-    constexpr unsigned callers = 8;
-    std::string faults[callers];
-    std::vector<std::thread> team;
-    for (unsigned c = 0; c < callers; ++c)
-        team.emplace_back([c, &counts, &faults] {
-            counts.set(int(c % 3) + 1);
-            faults[c] = some_faults<float>(c) + some_faults<double>(c) +
-                        some_faults<vox_complex_float>(c) + some_faults<vox_complex_double>(c);
-        });
-    for (std::thread &t : team)
-        t.join();
-    for (const std::string &f : faults)
-        EXPECT_EQ(f, "");
-}
-
-// Address space of which only the touched pages exist, kept until the process ends.
-float *reserve(size_t elements) {
-    void *const space = mmap(nullptr, elements * sizeof(float), PROT_READ | PROT_WRITE,
-                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (space == MAP_FAILED)
-        std::abort();
-    return static_cast<float *>(space);
+    expect_each_gets_its_own_results([]<class T>(unsigned caller) {
+        lottery lots(caller);
+        const std::vector<routine<T>> &all = level3_routines<T>();
+        std::string faults;
+        for (unsigned call = 0; call < 12; ++call)
+            faults += fault(all[call % 2 ? 0 : lots.number() % all.size()], 110 + vox_int(caller),
+                            110 + vox_int(17 * call), 60, lots);
+        return faults;
+    });
 }
 
 // The same call on operands whose columns are close together and, beyond 32 bits, far apart.
 TEST(Level3Offsets, ReachBeyond32Bits) {
     constexpr vox_int n = 40, close = 43, far = (1 << 26) + 3;
-    float *const spread[3] = {reserve(size_t(far) * n), reserve(size_t(far) * n),
-                              reserve(size_t(far) * n)};
+    constexpr size_t all = size_t(far) * n;
+    const far_vector<float> spread[3] = {far_vector<float>(all), far_vector<float>(all),
+                                         far_vector<float>(all)};
     lottery lots(1);
     for (const routine<float> &r : level3_routines<float>())
         for (int combination = 0; combination < combinations(r); ++combination) {
@@ -139,7 +111,7 @@ TEST(Level3Offsets, ReachBeyond32Bits) {
                 values[v] = random_vector<float>(close * n, v);
                 const char letter = "ABC"[v];
                 matrix_of(a, letter) = values[v].data();
-                matrix_of(distant, letter) = spread[v];
+                matrix_of(distant, letter) = spread[v].data();
                 for (int64_t j = 0; j < n; ++j) {
                     values[v][size_t(j * close + j)] += v == 0 ? 8 : 0;
                     std::memcpy(&spread[v][j * far], &values[v][size_t(j * close)],

@@ -15,8 +15,7 @@ template <class T>
 class Level3Memory : public ::testing::Test {
   protected:
     void expect_right(const routine<T> &r, vox_int m, vox_int n, vox_int k) {
-        const int combination = int(lots.number() % unsigned(combinations(r)));
-        drawn_call<T> d = draw(r, m, n, k, combination, lots);
+        drawn_call<T> d = draw(r, m, n, k, lots);
         d.a.alpha = vox::one<T>;
         const trial<T> t(r, d.a, lots.number());
         const auto run = [&](int failing) {

@@ -19,11 +19,44 @@
 #include <optional>
 #include <sstream>
 
-#include "tests/blas/level3_draw.hpp"
+#include "tests/blas/draw.hpp"
+#include "tests/blas/level3_table.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/wide.hpp"
 
 namespace test {
+
+template <class T>
+const routine<T> &routine_named(const std::string &name) { // without the letter of the precision
+    for (const routine<T> &r : level3_routines<T>())
+        if (r.name.substr(1) == name)
+            return r;
+    std::abort();
+}
+
+template <class T>
+char result_of(const routine<T> &r) {
+    return r.has('C') ? 'C' : 'B';
+}
+template <class T>
+T *&matrix_of(arguments<T> &a, char matrix) {
+    return matrix == 'A' ? a.a : matrix == 'B' ? a.x : a.y;
+}
+
+// Rows and columns of A, B or C as stored.
+template <class T>
+std::pair<int64_t, int64_t> shape_of(char matrix, const routine<T> &r, const arguments<T> &a) {
+    const int64_t m = r.has('m') ? a.m : a.n, n = a.n;
+    if (matrix == 'C' || (r.has('e') && matrix == 'B'))
+        return {m, n};
+    if (r.has('e'))
+        return std::toupper(a.side) == 'L' ? std::pair(m, m) : std::pair(n, n);
+    const bool second = matrix == 'B' && r.has('v');
+    const std::pair<int64_t, int64_t> plain =
+        second ? std::pair<int64_t, int64_t>(a.k, n) : std::pair<int64_t, int64_t>(m, a.k);
+    return std::toupper(second ? a.transb : a.trans) == 'N' ? plain
+                                                            : std::pair(plain.second, plain.first);
+}
 
 // An operand as it lies in memory.
 template <class T>

@@ -10,25 +10,13 @@ namespace test {
     ROUTINE(p, gemm, "tvmnKsALBMbCN"), ROUTINE(p, gemmt, "utvnKsALBMbCN"),                         \
     ROUTINE(p, symm, "eumnsALBMbCN"), ROUTINE(p, syrk, "utnKsALbCN"),                              \
     ROUTINE(p, syr2k, "utnKsALBMbCN"), ROUTINE(p, trmm, "eutdmnsALBM"),                            \
-    ROUTINE(p, trsm, "eutdmnsALBM")
+    ROUTINE(p, trsm, "eutdmnsALBM"),
+#define REAL_LEVEL3_ROUTINES(p)
 #define COMPLEX_LEVEL3_ROUTINES(p)                                                                 \
     ROUTINE(p, gemm3m, "tvmnKsALBMbCN"), ROUTINE(p, hemm, "eumnsALBMbCN"),                         \
-    ROUTINE(p, herk, "utnKsALbCN"), ROUTINE(p, her2k, "utnKsALBMbCN")
+    ROUTINE(p, herk, "utnKsALbCN"), ROUTINE(p, her2k, "utnKsALBMbCN"),
 // clang-format on
 
-template <class T>
-const std::vector<routine<T>> &level3_routines() {
-    static const std::vector<routine<T>> all = [] {
-        if constexpr (std::is_same_v<T, float>)
-            return std::vector<routine<T>>{LEVEL3_ROUTINES(s)};
-        else if constexpr (std::is_same_v<T, double>)
-            return std::vector<routine<T>>{LEVEL3_ROUTINES(d)};
-        else if constexpr (std::is_same_v<T, vox_complex_float>)
-            return std::vector<routine<T>>{LEVEL3_ROUTINES(c), COMPLEX_LEVEL3_ROUTINES(c)};
-        else
-            return std::vector<routine<T>>{LEVEL3_ROUTINES(z), COMPLEX_LEVEL3_ROUTINES(z)};
-    }();
-    return all;
-}
+ROUTINE_TABLE(level3_routines, LEVEL3_ROUTINES, REAL_LEVEL3_ROUTINES, COMPLEX_LEVEL3_ROUTINES)
 
 } // namespace test

@@ -1,5 +1,5 @@
 // arguments_test.cpp - bad arguments of the Fortran forms: the report, info, and that nothing is
-// touched; verbose lines; spellings. Every routine that checks, by the kinds of its parameters.
+// touched; verbose lines. Every routine that checks, by the kinds of its parameters.
 #include <algorithm>
 #include <cstring>
 #include <dlfcn.h>
@@ -8,6 +8,7 @@
 
 #include "tests/support/child.hpp"
 #include "tests/support/matches.hpp"
+#include "tests/support/reports.hpp"
 #include "vox/vox.h"
 
 namespace {
@@ -68,11 +69,6 @@ constexpr routine routines[] = {
     {"gels", "o:NT n:5 n:3 n:2 A ld:5 A ld:5 A lw:6", "sd"},
     {"gels", "o:NC n:5 n:3 n:2 A ld:5 A ld:5 A lw:6", "cz"},
 };
-
-std::string reports;
-void record(const char *name, const vox_int *code, int length) {
-    reports += std::string(name, size_t(length)) + ':' + std::to_string(*code) + ' ';
-}
 
 // One call: what lies at each address that is passed.
 class call {
@@ -189,7 +185,7 @@ void for_every_call(const Body &body) {
 
 // One bad argument, and two of which the first is reported.
 TEST(LapackArguments, TheFirstBadOneIsReportedAndNothingIsTouched) {
-    vox_set_xerbla(record);
+    const reports_recorded recorded;
     for_every_call([](const call &good) {
         std::string upper;
         for (char c : good.name())
@@ -211,7 +207,6 @@ TEST(LapackArguments, TheFirstBadOneIsReportedAndNothingIsTouched) {
                     EXPECT_FALSE(c.touched()) << upper;
                 }
     });
-    vox_set_xerbla(nullptr);
 }
 
 CHILD(call_everything_valid) {
@@ -236,18 +231,6 @@ TEST(LapackVerbose, EveryCallPrintsItsLineWithItsInfo) {
             ++at;
         EXPECT_LT(at++, printed.size()) << pattern;
     }
-}
-
-TEST(LapackSpellings, TheThreeAreOneRoutine) {
-    for_every_call([](const call &c) {
-        std::string upper;
-        for (char letter : c.name())
-            upper += char(std::toupper(letter));
-        void *const lower = dlsym(RTLD_DEFAULT, c.name().c_str());
-        EXPECT_NE(lower, nullptr) << c.name();
-        EXPECT_EQ(dlsym(RTLD_DEFAULT, (c.name() + "_").c_str()), lower) << c.name();
-        EXPECT_EQ(dlsym(RTLD_DEFAULT, upper.c_str()), lower) << c.name();
-    });
 }
 
 } // namespace

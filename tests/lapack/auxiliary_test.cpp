@@ -7,6 +7,7 @@
 
 #include "tests/lapack/fortran.hpp"
 #include "tests/support/numbers.hpp"
+#include "tests/support/reports.hpp"
 #include "tests/support/wide.hpp"
 #include "vox/vox.h"
 
@@ -120,7 +121,6 @@ TYPED_TEST(Auxiliary, ScalesWithoutOverflowOnTheWay) {
 // The first bad argument in the order in which LAPACK looks at them: widths of bands and the leading
 // dimension, whose least depends on the type, come last.
 TEST(Scaling, RefusesWrongArguments) {
-    static vox_int reported;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         char type;
@@ -138,15 +138,14 @@ TEST(Scaling, RefusesWrongArguments) {
         {'B', 2, 2, 1, 1, 3, 3, 2, -9},     {'Q', 2, 2, 1, 1, 3, 3, 2, -9},
         {'Z', 2, 1, 1, 1, 3, 5, 5, -9},     {'Z', 2, 1, 1, 2, 3, 5, 6, 0},
     };
-    vox_set_xerbla([](const char *, const vox_int *code, int) { reported = *code; });
+    const reports_recorded recorded;
     for (const auto &c : cases) {
         std::vector<double> a(30, 1.0);
-        reported = 0;
+        reports.clear();
         EXPECT_EQ(call(dlascl_, c.type, c.kl, c.ku, c.from, c.to, c.m, c.n, a, c.lda), c.info);
-        EXPECT_EQ(reported, -c.info) << c.type;
+        EXPECT_EQ(reports, c.info ? "DLASCL:" + std::to_string(-c.info) + ' ' : "") << c.type;
         EXPECT_EQ(a == std::vector<double>(30, 1.0), c.info != 0);
     }
-    vox_set_xerbla(nullptr);
 }
 
 // Numbers of all sizes, of both signs, complex ones with parts of different size.

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
-#include <sys/mman.h>
 
 #include "tests/lapack/lapacke_table.hpp"
 #include "tests/support/child.hpp"
+#include "tests/support/far_vector.hpp"
 #include "tests/support/guarded.hpp"
 #include "vox/service.h"
 
@@ -56,22 +56,17 @@ TYPED_TEST(LapackOperands, MayReachBeyond32Bits) {
     using T = TypeParam;
     const sizes s = {70, 33, 75};
     constexpr vox_int far = (1 << 25) + 3;
-    const size_t bytes = size_t(far) * size_t(s.tall) * sizeof(T);
+    const size_t all = size_t(far) * size_t(s.tall);
     ASSERT_GT(size_t(far) * size_t(s.n - 1), size_t(1) << 31);
-    T *spread[3];
-    for (T *&each : spread) {
-        void *const space = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
-                                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        ASSERT_NE(space, MAP_FAILED);
-        each = static_cast<T *>(space);
-    }
+    const test::far_vector<T> spread[3] = {test::far_vector<T>(all), test::far_vector<T>(all),
+                                           test::far_vector<T>(all)};
     for (const routine<T> &r : routines<T>(s))
         for (int layout : layouts) {
             arguments<T> close = fill(r, layout), distant = close;
             for (size_t i = 0; i < distant.m.size(); ++i) {
                 operand<T> &m = distant.m[i];
                 m.ld = far;
-                m.elsewhere = spread[i];
+                m.elsewhere = spread[i].data();
                 for (vox_int row = 0; row < m.rows; ++row)
                     for (vox_int col = 0; col < m.cols; ++col)
                         spread[i][m.place(layout, row, col)] = m.values[row + size_t(col) * m.rows];
@@ -89,8 +84,6 @@ TYPED_TEST(LapackOperands, MayReachBeyond32Bits) {
                 EXPECT_EQ(different, 0) << r.name << i;
             }
         }
-    for (T *each : spread)
-        munmap(each, bytes);
 }
 
 // Any number anywhere, in up to three places: the call ends, and its info is one of those that are
