@@ -102,11 +102,14 @@ TYPED_TEST(Cholesky, BackwardErrors) {
             SCOPED_TRACE(testing::Message() << uplo << " " << n);
             const matrix<T> drawn = positive_definite<T>(n, n),
                             a = without_imaginary_diagonal(drawn);
-            matrix<T> f = given(uplo, 'N', drawn);
-            ASSERT_EQ(call(routines::potrf, uplo, n, f), 0);
-            EXPECT_LE(factor_error(uplo, a, f), threshold);
-            for (int j = 0; j < n; ++j)
-                EXPECT_EQ(vox::imag(f(j, j)), 0) << j;
+            matrix<T> f = a;
+            for (auto *factor : {routines::potf2, routines::potrf2, routines::potrf}) {
+                f = given(uplo, 'N', drawn);
+                ASSERT_EQ(call(factor, uplo, n, f), 0);
+                EXPECT_LE(factor_error(uplo, a, f), threshold);
+                for (int j = 0; j < n; ++j)
+                    EXPECT_EQ(vox::imag(f(j, j)), 0) << j;
+            }
             for (const int nrhs : {1, 3}) {
                 const matrix<T> b = random_matrix<T>(n, nrhs, 7, 1);
                 matrix<T> x = b, again = given(uplo, 'N', drawn), y = b;
@@ -120,21 +123,6 @@ TYPED_TEST(Cholesky, BackwardErrors) {
             EXPECT_EQ(call(routines::potri, uplo, n, inverse), 0);
             EXPECT_LE(inverse_error(a, completed(uplo, inverse)), threshold);
         }
-}
-
-// The recursive and the unblocked routines.
-TYPED_TEST(Cholesky, Relatives) {
-    using T = TypeParam;
-    using routines = fortran<T>;
-    const int n = 75;
-    const matrix<T> a = without_imaginary_diagonal(positive_definite<T>(n, 3));
-    for (const char uplo : {'U', 'L'}) {
-        matrix<T> f = a, g = a;
-        EXPECT_EQ(call(routines::potf2, uplo, n, f), 0);
-        EXPECT_EQ(call(routines::potrf2, uplo, n, g), 0);
-        EXPECT_LE(factor_error(uplo, a, given(uplo, 'N', f)), threshold);
-        EXPECT_LE(factor_error(uplo, a, given(uplo, 'N', g)), threshold);
-    }
 }
 
 // The order of the first minor that is not positive, whatever makes it so; the factor of what precedes

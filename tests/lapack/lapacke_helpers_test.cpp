@@ -47,68 +47,61 @@ std::ostream &operator<<(std::ostream &out, const shape &s) {
     return out << int(s.what) << " " << s.layout << " " << s.uplo << " " << s.m << "x" << s.n;
 }
 
-#define HELPERS(p, P, T)                                                                           \
-    int nancheck(const shape &s, const T *a) {                                                     \
-        switch (s.what) {                                                                          \
-        case kind::triangle:                                                                       \
-        case kind::unit:                                                                           \
-            return LAPACKE_##p##tr_nancheck(s.layout, s.uplo, s.diag(), s.n, a, s.ld);             \
-        case kind::positive:                                                                       \
-            return LAPACKE_##p##po_nancheck(s.layout, s.uplo, s.n, a, s.ld);                       \
-        case kind::symmetric:                                                                      \
-            return LAPACKE_##p##sy_nancheck(s.layout, s.uplo, s.n, a, s.ld);                       \
-        default:                                                                                   \
-            return LAPACKE_##p##ge_nancheck(s.layout, s.m, s.n, a, s.ld);                          \
-        }                                                                                          \
-    }                                                                                              \
-    int nancheck(vox_int n, const T *x, vox_int incx) {                                            \
-        return LAPACKE_##p##_nancheck(n, x, incx);                                                 \
-    }                                                                                              \
-    void transpose(const shape &s, const T *in, T *out) {                                          \
-        switch (s.what) {                                                                          \
-        case kind::triangle:                                                                       \
-        case kind::unit:                                                                           \
-            return LAPACKE_##p##tr_trans(s.layout, s.uplo, s.diag(), s.n, in, s.ld, out,           \
-                                         s.ld_other);                                              \
-        case kind::positive:                                                                       \
-            return LAPACKE_##p##po_trans(s.layout, s.uplo, s.n, in, s.ld, out, s.ld_other);        \
-        case kind::symmetric:                                                                      \
-            return LAPACKE_##p##sy_trans(s.layout, s.uplo, s.n, in, s.ld, out, s.ld_other);        \
-        default:                                                                                   \
-            return LAPACKE_##p##ge_trans(s.layout, s.m, s.n, in, s.ld, out, s.ld_other);           \
-        }                                                                                          \
-    }
-VOX_PRECISIONS(HELPERS)
-
-#define COMPLEX_HELPERS(p, P, T)                                                                   \
-    int complex_nancheck(const shape &s, const T *a) {                                             \
-        return s.what == kind::hermitian                                                           \
-                   ? LAPACKE_##p##he_nancheck(s.layout, s.uplo, s.n, a, s.ld)                      \
-                   : nancheck(s, a);                                                               \
-    }                                                                                              \
-    void complex_transpose(const shape &s, const T *in, T *out) {                                  \
-        if (s.what == kind::hermitian)                                                             \
-            LAPACKE_##p##he_trans(s.layout, s.uplo, s.n, in, s.ld, out, s.ld_other);               \
-        else if (s.what == kind::conjugated)                                                       \
-            LAPACKE_##p##ge_transc(s.layout, s.m, s.n, in, s.ld, out, s.ld_other);                 \
-        else                                                                                       \
-            transpose(s, in, out);                                                                 \
-    }
-VOX_COMPLEX_PRECISIONS(COMPLEX_HELPERS)
+template <class T>
+struct helpers;
+#define HELPERS(p, T, ...)                                                                         \
+    template <>                                                                                    \
+    struct helpers<T> {                                                                            \
+        static constexpr auto nancheck = LAPACKE_##p##_nancheck;                                   \
+        static constexpr auto ge_nancheck = LAPACKE_##p##ge_nancheck;                              \
+        static constexpr auto tr_nancheck = LAPACKE_##p##tr_nancheck;                              \
+        static constexpr auto po_nancheck = LAPACKE_##p##po_nancheck;                              \
+        static constexpr auto sy_nancheck = LAPACKE_##p##sy_nancheck;                              \
+        static constexpr auto ge_trans = LAPACKE_##p##ge_trans;                                    \
+        static constexpr auto tr_trans = LAPACKE_##p##tr_trans;                                    \
+        static constexpr auto po_trans = LAPACKE_##p##po_trans;                                    \
+        static constexpr auto sy_trans = LAPACKE_##p##sy_trans;                                    \
+        __VA_ARGS__                                                                                \
+    };
+#define HERMITIAN(p)                                                                               \
+    static constexpr auto he_nancheck = LAPACKE_##p##he_nancheck;                                  \
+    static constexpr auto he_trans = LAPACKE_##p##he_trans;                                        \
+    static constexpr auto ge_transc = LAPACKE_##p##ge_transc;
+HELPERS(s, float)
+HELPERS(d, double)
+HELPERS(c, vox_complex_float, HERMITIAN(c))
+HELPERS(z, vox_complex_double, HERMITIAN(z))
 
 template <class T>
 int has_nan(const shape &s, const T *a) {
+    using h = helpers<T>;
+    if (s.what == kind::triangle || s.what == kind::unit)
+        return h::tr_nancheck(s.layout, s.uplo, s.diag(), s.n, a, s.ld);
+    if (s.what == kind::positive)
+        return h::po_nancheck(s.layout, s.uplo, s.n, a, s.ld);
+    if (s.what == kind::symmetric)
+        return h::sy_nancheck(s.layout, s.uplo, s.n, a, s.ld);
     if constexpr (is_complex<T>)
-        return complex_nancheck(s, a);
-    else
-        return nancheck(s, a);
+        if (s.what == kind::hermitian)
+            return h::he_nancheck(s.layout, s.uplo, s.n, a, s.ld);
+    return h::ge_nancheck(s.layout, s.m, s.n, a, s.ld);
 }
 template <class T>
 void copy(const shape &s, const T *in, T *out) {
-    if constexpr (is_complex<T>)
-        complex_transpose(s, in, out);
-    else
-        transpose(s, in, out);
+    using h = helpers<T>;
+    if (s.what == kind::triangle || s.what == kind::unit)
+        return h::tr_trans(s.layout, s.uplo, s.diag(), s.n, in, s.ld, out, s.ld_other);
+    if (s.what == kind::positive)
+        return h::po_trans(s.layout, s.uplo, s.n, in, s.ld, out, s.ld_other);
+    if (s.what == kind::symmetric)
+        return h::sy_trans(s.layout, s.uplo, s.n, in, s.ld, out, s.ld_other);
+    if constexpr (is_complex<T>) {
+        if (s.what == kind::hermitian)
+            return h::he_trans(s.layout, s.uplo, s.n, in, s.ld, out, s.ld_other);
+        if (s.what == kind::conjugated)
+            return h::ge_transc(s.layout, s.m, s.n, in, s.ld, out, s.ld_other);
+    }
+    h::ge_trans(s.layout, s.m, s.n, in, s.ld, out, s.ld_other);
 }
 
 template <class T, class Body>
@@ -175,10 +168,10 @@ TYPED_TEST(Helpers, FindANaNInAVector) {
             std::vector<T> x(size_t(70 * 3 + 1), nan_of<T>());
             for (vox_int i = 0; i < count; ++i)
                 x[size_t(i * step)] = vox::make<T>(1, 2);
-            EXPECT_EQ(nancheck(n, x.data(), inc), 0) << n << " " << inc;
+            EXPECT_EQ(helpers<T>::nancheck(n, x.data(), inc), 0) << n << " " << inc;
             for (vox_int i = 0; i < count; ++i) {
                 x[size_t(i * step)] = nan_of<T>();
-                EXPECT_EQ(nancheck(n, x.data(), inc), 1) << n << " " << inc << " " << i;
+                EXPECT_EQ(helpers<T>::nancheck(n, x.data(), inc), 1) << n << " " << inc << " " << i;
                 x[size_t(i * step)] = vox::make<T>(1, 2);
             }
         }
@@ -211,21 +204,21 @@ TYPED_TEST(Helpers, TakeNothingForAnAnswer) {
     using T = TypeParam;
     T nan[4] = {nan_of<T>(), nan_of<T>(), nan_of<T>(), nan_of<T>()};
     const T *const nothing = nullptr;
-    EXPECT_EQ(nancheck(2, nothing, 1), 0);
+    EXPECT_EQ(helpers<T>::nancheck(2, nothing, 1), 0);
     for (kind what : {kind::general, kind::triangle, kind::positive, kind::symmetric}) {
         const auto asked = [&](int layout, char uplo) {
             return shape{what, layout, uplo, 2, 2, 2, 2};
         };
-        EXPECT_EQ(nancheck(asked(row_major, 'U'), nothing), 0);
-        EXPECT_EQ(nancheck(asked(column_major, 'U'), nan), 1);
-        EXPECT_EQ(nancheck(asked(100, 'U'), nan), 0);
+        EXPECT_EQ(has_nan<T>(asked(row_major, 'U'), nothing), 0);
+        EXPECT_EQ(has_nan<T>(asked(column_major, 'U'), nan), 1);
+        EXPECT_EQ(has_nan<T>(asked(100, 'U'), nan), 0);
         T out[4] = {vox::make<T>(1), vox::make<T>(2), vox::make<T>(3), vox::make<T>(4)};
-        transpose(asked(row_major, 'U'), nothing, out);
-        transpose(asked(row_major, 'U'), nan, static_cast<T *>(nullptr));
+        copy<T>(asked(row_major, 'U'), nothing, out);
+        copy<T>(asked(row_major, 'U'), nan, nullptr);
         if (what != kind::general) {
-            EXPECT_EQ(nancheck(asked(column_major, 'X'), nan), 0);
-            transpose(asked(row_major, 'X'), nan, out);
-            transpose(asked(100, 'U'), nan, out);
+            EXPECT_EQ(has_nan<T>(asked(column_major, 'X'), nan), 0);
+            copy<T>(asked(row_major, 'X'), nan, out);
+            copy<T>(asked(100, 'U'), nan, out);
         }
         for (int i = 0; i < 4; ++i)
             EXPECT_EQ(vox::real(out[i]), i + 1);
