@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "serv/scalar.hpp"
+#include "tests/support/element_types.hpp"
 #include "vox/vox.h"
 
 namespace test {
@@ -55,9 +56,10 @@ struct arguments {
 
 // The C value of an option; what is none stays what it is, and is none in C either.
 inline int c_option(char letter) {
-    constexpr int values[] = {CblasNoTrans, CblasTrans, CblasConjTrans, CblasUpper, CblasLower};
-    const size_t at = std::string_view("NTCUL").find(letter);
-    return at < 5 ? values[at] : letter;
+    constexpr int values[] = {CblasNoTrans, CblasTrans, CblasConjTrans,
+                              CblasUpper,   CblasLower, CblasPacked};
+    const size_t at = std::string_view("NTCULP").find(letter);
+    return at < std::size(values) ? values[at] : letter;
 }
 
 // The argument that a parameter of type P gets.
@@ -113,24 +115,24 @@ struct routine {
             return vox_int(std::max<int64_t>(1, int64_t(a.kl) + a.ku + 1));
         return std::max(1, has('m') && a.layout == CblasColMajor ? a.m : a.n);
     }
-    // That of any matrix in level 3, L, M or N.
+    // Rows and columns of A, B or C in level 3 as stored.
+    std::pair<int64_t, int64_t> shape(char matrix, const arguments<T> &a) const {
+        const int64_t m = has('m') ? a.m : a.n, n = a.n, k = a.k;
+        if (matrix == 'C' || (has('e') && matrix == 'B'))
+            return {m, n};
+        if (has('e'))
+            return std::toupper(a.side) == 'L' ? std::pair(m, m) : std::pair(n, n);
+        const bool second = matrix == 'B' && has('v');
+        const auto [rows, columns] = second ? std::pair(k, n) : std::pair(m, k);
+        return std::toupper(second ? a.transb : a.trans) == 'N' ? std::pair(rows, columns)
+                                                                : std::pair(columns, rows);
+    }
+    // The leading dimension that any matrix needs, L, M or N.
     vox_int least_ld(char letter, const arguments<T> &a) const {
         if (!has('M') && !has('N'))
             return least_lda(a);
-        const vox_int m = has('m') ? a.m : a.n;
-        const vox_int order = a.side == 'L' ? a.m : a.n;
-        const bool product = has('v'), inner = has('K') && letter != 'N';
-        vox_int rows = m, columns = a.n;
-        if (letter == 'L' && has('e'))
-            rows = columns = order;
-        else if (inner && letter == 'M' && product)
-            rows = a.k;
-        else if (inner)
-            columns = a.k;
-        const char op = letter == 'M' && product ? a.transb : a.trans;
-        if (inner && op != 'N')
-            std::swap(rows, columns);
-        return std::max(1, a.layout == CblasColMajor ? rows : columns);
+        const auto [rows, columns] = shape("ABC"[letter - 'L'], a);
+        return std::max(1, vox_int(a.layout == CblasColMajor ? rows : columns));
     }
 };
 

@@ -92,4 +92,14 @@ std::ostream &operator<<(std::ostream &out, const drawn_call<T> &d) {
                << " beta " << vox::real(a.beta) << ' ' << vox::imag(a.beta);
 }
 
+// What is wrong with a call, as the reference of its level finds, everything else drawn.
+template <class T>
+class trial;
+template <class T>
+std::string fault(const routine<T> &r, vox_int m, vox_int n, vox_int k, lottery &lots) {
+    const drawn_call<T> d = draw(r, m, n, k, lots);
+    const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
+    return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
+}
+
 } // namespace test

@@ -182,7 +182,6 @@ void check_all(const shape &s) {
 
 template <class T>
 class Elementwise : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, cfloat, cdouble>;
 TYPED_TEST_SUITE(Elementwise, element_types);
 
 TYPED_TEST(Elementwise, ComputesEveryElementAndTouchesNothingElse) {

@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "blas/drivers/level3.hpp"
+#include "tests/support/element_types.hpp"
 #include "tests/support/numbers.hpp"
+#include "tests/support/wide.hpp"
 
 namespace test {
 
@@ -65,8 +67,7 @@ struct exact_gemm {
             std::ostringstream text;
             text << transa << transb << ' ' << m << " x " << n << " x " << k << ", ld " << lda
                  << ' ' << ldb << ' ' << ldc << ", beta " << vox::real(beta) << ": c[" << at
-                 << "] is " << vox::real(x) << ", " << vox::imag(x) << ", not " << vox::real(y)
-                 << ", " << vox::imag(y);
+                 << "] is " << widen(x) << ", not " << widen(y);
             return text.str();
         }
         return "";

@@ -9,6 +9,7 @@
 #include "tests/support/failing_memory.hpp"
 #include "tests/support/reports.hpp"
 #include "tests/support/thread_counts.hpp"
+#include "tests/support/verbose_lines.hpp"
 #include "vox/service.h"
 
 namespace {
@@ -51,41 +52,42 @@ class buffer {
 
 enum packed : unsigned { neither = 0, a_packed = 1, b_packed = 2, both = 3 };
 
+// By either form.
+template <class T>
+void pack(bool c, CBLAS_LAYOUT layout, char which, char trans, vox_int m, vox_int n, vox_int k,
+          T alpha, const T *from, vox_int ld, T *to) {
+    if (c)
+        family<T>::c_pack(layout, which == 'B' ? CblasBMatrix : CblasAMatrix,
+                          CBLAS_TRANSPOSE(c_option(trans)), m, n, k, alpha, from, ld, to);
+    else
+        family<T>::pack(&which, &trans, &m, &n, &k, &alpha, from, &ld, to);
+}
+
 // ?gemm by a product whose factors are packed as said. alpha goes with one of them.
 template <class T>
 void compute(arguments<T> &g, unsigned which, bool c, int failing) {
     const buffer<T> a('A', g.m, g.n, g.k), b('b', g.m, g.n, g.k);
     ASSERT_TRUE(a.data() && b.data());
     const T one = 1;
-    T alpha_a = which & a_packed ? g.alpha : one, alpha_b = which & a_packed ? one : g.alpha;
-    const auto option = [](char letter) { return CBLAS_TRANSPOSE(c_option(letter)); };
-    for (int times = 0; times < 2; ++times) // a buffer can be packed again
-        if (c) {
-            if (which & a_packed)
-                family<T>::c_pack(g.layout, CblasAMatrix, option(g.trans), g.m, g.n, g.k, alpha_a,
-                                  g.a, g.lda, a.data());
-            if (which & b_packed)
-                family<T>::c_pack(g.layout, CblasBMatrix, option(g.transb), g.m, g.n, g.k, alpha_b,
-                                  g.x, g.ldb, b.data());
-        } else {
-            if (which & a_packed)
-                family<T>::pack("a", &g.trans, &g.m, &g.n, &g.k, &alpha_a, g.a, &g.lda, a.data());
-            if (which & b_packed)
-                family<T>::pack("B", &g.transb, &g.m, &g.n, &g.k, &alpha_b, g.x, &g.ldb, b.data());
-        }
-    const T *const from_a = which & a_packed ? a.data() : g.a;
-    const T *const from_b = which & b_packed ? b.data() : g.x;
-    const vox_int lda = which & a_packed ? -1 : g.lda, ldb = which & b_packed ? 0 : g.ldb;
+    arguments<T> call = g;
+    for (int times = 0; times < 2; ++times) { // a buffer can be packed again
+        if (which & a_packed)
+            pack(c, g.layout, 'a', g.trans, g.m, g.n, g.k, g.alpha, g.a, g.lda, a.data());
+        if (which & b_packed)
+            pack(c, g.layout, 'B', g.transb, g.m, g.n, g.k, which & a_packed ? one : g.alpha, g.x,
+                 g.ldb, b.data());
+    }
+    if (which & a_packed)
+        call.trans = 'P', call.a = a.data(), call.lda = -1;
+    if (which & b_packed)
+        call.transb = c ? 'P' : 'p', call.x = b.data(), call.ldb = 0;
     vox_free_buffers();
     memory_requests = 0;
     refused_request = failing;
     if (c)
-        family<T>::c_compute(g.layout, which & a_packed ? int(CblasPacked) : option(g.trans),
-                             which & b_packed ? int(CblasPacked) : option(g.transb), g.m, g.n, g.k,
-                             from_a, lda, from_b, ldb, g.beta, g.y, g.ldc);
+        form_of<T>(family<T>::c_compute, "otvmnKALBMbCN")(call);
     else
-        family<T>::compute(which & a_packed ? "P" : &g.trans, which & b_packed ? "p" : &g.transb,
-                           &g.m, &g.n, &g.k, from_a, &lda, from_b, &ldb, &g.beta, g.y, &g.ldc);
+        form_of<T>(family<T>::compute, "tvmnKALBMbCN")(call);
     refused_request = 0;
 }
 
@@ -272,14 +274,9 @@ CHILD(logged_calls) {
 TEST(GemmPackedVerbose, EveryCallPrintsItsLine) {
     const child_result result = run_child(logged_calls, {{"VOX_VERBOSE", "1"}});
     const std::string &places = result.err, data = places.substr(places.rfind(',') + 1);
-    size_t from = 0;
-    for (const std::string &line :
-         {std::string("DGEMM_ALLOC(A,2,3,4) "), "DGEMM_PACK(A,T,2,3,4," + places + ") ",
-          "DGEMM_FREE(" + data + ") "}) {
-        const size_t found = result.out.find("\nVOX_VERBOSE " + line, from);
-        ASSERT_NE(found, std::string::npos) << line << " in " << result.out;
-        from = found + 1;
-    }
+    expect_verbose_lines(result.out,
+                         {"DGEMM_ALLOC(A,2,3,4) ", "DGEMM_PACK(A,T,2,3,4," + places + ") ",
+                          "DGEMM_FREE(" + data + ") "});
 }
 
 // The letters, sizes and leading dimensions of ?gemm_alloc and ?gemm_pack; ?gemm_compute's are among

@@ -15,15 +15,8 @@ namespace {
 
 using namespace test;
 
-struct choice {
-    int threads;
-    bool asked;
-    bool operator==(const choice &) const = default;
-    friend std::ostream &operator<<(std::ostream &out, const choice &c) {
-        return out << c.threads << (c.asked ? ", asked" : ", not asked");
-    }
-};
-choice choose(char type, int path, int allowed, index_t m, index_t n, index_t k) {
+// How many threads, and whether it asked how many are allowed.
+std::pair<int, bool> choose(char type, int path, int allowed, index_t m, index_t n, index_t k) {
     constexpr vox::gemm_weights weights[] = {
         vox::gemm_weights_of<float>, vox::gemm_weights_of<double>,
         vox::gemm_weights_of<vox_complex_float>, vox::gemm_weights_of<vox_complex_double>};
@@ -81,7 +74,7 @@ TEST(GemmThreads, StepUpWithTheWork) {
         index_t rows;
         for (int before = 1, threads; steps >> rows >> threads; before = threads)
             for (int below : {1, 0})
-                EXPECT_EQ(choose(c.type, c.path, c.allowed, rows - below, 4, 4).threads,
+                EXPECT_EQ(choose(c.type, c.path, c.allowed, rows - below, 4, 4).first,
                           below ? before : threads)
                     << c.type << ", path " << c.path << ", allowed " << c.allowed << ", rows "
                     << rows - below;
@@ -94,7 +87,7 @@ TEST(GemmThreads, LookAtTheShape) {
         char type;
         int path, allowed;
         index_t m, n, k;
-        choice want;
+        std::pair<int, bool> want;
     } cases[] = {
         {'s', 5, 8, 2999, 4, 4, {1, false}},   {'s', 5, 8, 3000, 4, 4, {1, true}},
         {'d', 5, 4, 1499, 4, 4, {1, false}},   {'d', 0, 4, 1500, 4, 4, {1, true}},
@@ -126,7 +119,7 @@ TEST(GemmThreads, AreOneForWhatEveryPathRunsSerially) {
                     for (int path : {5, 6, 7})
                         for (int allowed : {4, 64}) {
                             ++serial;
-                            ASSERT_EQ(choose('d', path, allowed, m, n, k).threads, 1)
+                            ASSERT_EQ(choose('d', path, allowed, m, n, k).first, 1)
                                 << m << ' ' << n << ' ' << k;
                         }
     EXPECT_GT(serial, 0);
@@ -155,8 +148,7 @@ class GemmShapes : public ::testing::Test {
     }
     const thread_counts counts;
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(GemmShapes, types);
+TYPED_TEST_SUITE(GemmShapes, element_types);
 
 constexpr const char *all_transposes[] = {"NN", "NT", "NC", "TN", "TT", "TC", "CN", "CT", "CC"};
 
@@ -191,12 +183,12 @@ TYPED_TEST(GemmShapes, CopyALongStridedColumnIfThereIsMemory) {
 }
 
 TYPED_TEST(GemmShapes, InStripes) {
-    for (int threads : {1, 2, 3, 4})
+    for (int threads : {1, 2, 3, 4, 7})
         for (int stripes : {1, 2, 3, 4, 5}) {
             this->counts.set(threads);
             vox_set_num_stripes(stripes);
             for (const auto &[m, n, k] :
-                 {std::tuple(37, 29, 5), {8, 9, 3}, {3, 100, 9}, {100, 17, 0}})
+                 {std::tuple(37, 29, 5), {8, 9, 3}, {5, 200, 9}, {24, 16, 40}, {100, 17, 0}})
                 for (const char *transposes : all_transposes)
                     EXPECT_EQ(exact_gemm<TypeParam>(transposes, m, n, k, this->some, this->some, 1)
                                   .driver_fault(),

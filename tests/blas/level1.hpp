@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "serv/scalar.hpp"
+#include "tests/support/element_types.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/thread_counts.hpp"

@@ -11,8 +11,7 @@ using namespace test;
 
 template <class T>
 class Level1Offsets : public ::testing::Test {};
-using types = ::testing::Types<float, double, cfloat, cdouble>;
-TYPED_TEST_SUITE(Level1Offsets, types);
+TYPED_TEST_SUITE(Level1Offsets, element_types);
 
 // Each routine with increments of 8 and of 2^30, of either sign.
 TYPED_TEST(Level1Offsets, ReachBeyond32Bits) {

@@ -12,18 +12,9 @@ namespace {
 
 using namespace test;
 
-// What is wrong with a call on an m by n matrix, everything else drawn.
-template <class T>
-std::string fault(const routine<T> &r, vox_int m, vox_int n, lottery &lots) {
-    const drawn_call<T> d = draw(r, m, n, 0, lots);
-    const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
-    return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
-}
-
 template <class T>
 class Level2Threads : public ::testing::Test {};
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Level2Threads, types);
+TYPED_TEST_SUITE(Level2Threads, element_types);
 
 // The largest of each kind are enough for seven threads.
 template <class T>
@@ -43,7 +34,7 @@ TYPED_TEST(Level2Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
         for (int threads : {1, 2, 3, 7}) {
             counts.set(threads);
             for (const auto &[m, n] : shapes<TypeParam>(r.has('k'), r.has('m')))
-                EXPECT_EQ(fault(r, m, n, lots), "") << threads << " threads";
+                EXPECT_EQ(fault(r, m, n, 0, lots), "") << threads << " threads";
         }
 }
 
@@ -53,7 +44,7 @@ TEST(Level2Callers, EachGetTheirOwnResults) {
         std::string faults;
         for (int call = 0; call < 10; ++call) {
             const routine<T> &r = routines<T>()[lots.number() % routines<T>().size()];
-            faults += fault(r, 310 + vox_int(caller), 310 + 17 * call, lots);
+            faults += fault(r, 310 + vox_int(caller), 310 + 17 * call, 0, lots);
         }
         return faults;
     });

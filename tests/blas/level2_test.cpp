@@ -20,8 +20,7 @@ class Level2 : public ::testing::Test {
     }
     lottery lots{1};
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Level2, types);
+TYPED_TEST_SUITE(Level2, element_types);
 
 std::vector<vox_int> sizes() {
     std::vector<vox_int> all;

@@ -1,6 +1,6 @@
 // level3_large_test.cpp - the numbers of level 3 on large and extreme shapes: on one thread, on
-// several that do not divide the work evenly, in stripes, for several callers at once, and with
-// offsets beyond 32 bits.
+// several that do not divide the work evenly, for several callers at once, and with offsets beyond
+// 32 bits.
 #include <gtest/gtest.h>
 
 #include "tests/blas/callers.hpp"
@@ -10,14 +10,6 @@
 namespace {
 
 using namespace test;
-
-// What is wrong with a call, everything else drawn.
-template <class T>
-std::string fault(const routine<T> &r, vox_int m, vox_int n, vox_int k, lottery &lots) {
-    const drawn_call<T> d = draw(r, m, n, k, lots);
-    const std::string found = trial<T>(r, d.a, lots.number()).fault(d.call);
-    return found.empty() ? "" : (std::ostringstream() << d << ": " << found).str();
-}
 
 template <class T>
 class Level3Threads : public ::testing::Test {
@@ -31,8 +23,7 @@ class Level3Threads : public ::testing::Test {
     const thread_counts counts;
     lottery lots{1};
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Level3Threads, types);
+TYPED_TEST_SUITE(Level3Threads, element_types);
 
 // In deep products the error bound hides a term that is missing; here nothing may be.
 TYPED_TEST(Level3Threads, ProductsOfIntegersAreExact) {
@@ -68,16 +59,6 @@ TYPED_TEST(Level3Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
         this->expect_right(name, 18, 601, 50);
         this->expect_right(name, 601, 23, 1003);
     }
-}
-
-TYPED_TEST(Level3Threads, StripesDivideAProductInTwoDimensions) {
-    const int before = vox_get_num_stripes();
-    for (int stripes : {1, 2, 3, 5}) {
-        vox_set_num_stripes(stripes);
-        for (const auto &[m, n] : {std::pair(5, 200), {200, 5}, {107, 109}, {1, 1}, {24, 16}})
-            this->expect_right("gemm", m, n, 40);
-    }
-    vox_set_num_stripes(before);
 }
 
 TEST(Level3Callers, EachGetTheirOwnResults) {

@@ -36,8 +36,7 @@ class Level3Memory : public ::testing::Test {
     lottery lots{1};
     int most = 0;
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Level3Memory, types);
+TYPED_TEST_SUITE(Level3Memory, element_types);
 
 TYPED_TEST(Level3Memory, ResultsAreRightWhicheverAllocationFails) {
     for (int threads : {1, 3}) {

@@ -43,21 +43,6 @@ T *&matrix_of(arguments<T> &a, char matrix) {
     return matrix == 'A' ? a.a : matrix == 'B' ? a.x : a.y;
 }
 
-// Rows and columns of A, B or C as stored.
-template <class T>
-std::pair<int64_t, int64_t> shape_of(char matrix, const routine<T> &r, const arguments<T> &a) {
-    const int64_t m = r.has('m') ? a.m : a.n, n = a.n;
-    if (matrix == 'C' || (r.has('e') && matrix == 'B'))
-        return {m, n};
-    if (r.has('e'))
-        return std::toupper(a.side) == 'L' ? std::pair(m, m) : std::pair(n, n);
-    const bool second = matrix == 'B' && r.has('v');
-    const std::pair<int64_t, int64_t> plain =
-        second ? std::pair<int64_t, int64_t>(a.k, n) : std::pair<int64_t, int64_t>(m, a.k);
-    return std::toupper(second ? a.transb : a.trans) == 'N' ? plain
-                                                            : std::pair(plain.second, plain.first);
-}
-
 // An operand as it lies in memory.
 template <class T>
 struct stored_matrix {
@@ -207,7 +192,7 @@ class trial {
   private:
     char option(char letter) { return char(std::toupper(arguments<T>(given_).option(letter))); }
     std::pair<int64_t, int64_t> shape(char matrix) const {
-        return r_.has(matrix) ? shape_of(matrix, r_, given_) : std::pair<int64_t, int64_t>();
+        return r_.has(matrix) ? r_.shape(matrix, given_) : std::pair<int64_t, int64_t>();
     }
 
     T number() {
@@ -307,34 +292,36 @@ class trial {
 
     // alpha P Q and how many terms there are to an element; nothing where alpha = 0 or k = 0.
     std::function<measured<T>(int64_t, int64_t)> sums(int64_t &terms) const {
-        const auto rows_of_a = [this](int64_t i, int64_t l) { return a(i, l); };
-        const auto columns_of_a = [this](int64_t j, int64_t l) { return a(l, j); };
-        const auto rows_of_b = [this](int64_t i, int64_t l) { return b(i, l); };
-        const auto columns_of_b = [this](int64_t j, int64_t l) { return b(l, j); };
-        const auto [m, n] = shape_of(result_of(r_), r_, given_);
+        const auto [m, n] = r_.shape(result_of(r_), given_);
         const int64_t k = r_.has('e') ? a_.rows : given_.k;
         terms = size(alpha_) == 0 ? 0 : k;
         if (terms == 0)
             return [](int64_t, int64_t) { return measured<T>(); };
-        if (r_.has('e') && !left_)
-            return alpha_times(lines<T>(m, k, rows_of_b), lines<T>(n, k, columns_of_a));
-        if (r_.has('e') || r_.has('v'))
-            return alpha_times(lines<T>(m, k, rows_of_a), lines<T>(n, k, columns_of_b));
-        // C's own transpose: the columns of op(A)' are the rows of op(A).
-        const auto transposed = [this](auto rows) {
-            return [this, rows](int64_t j, int64_t l) {
-                return std::optional<T>(vox::conj_if(r_.hermitian(), *rows(j, l)));
-            };
+        const auto rows = [this, k](auto of, int64_t count) {
+            return lines<T>(count, k,
+                            [this, of](int64_t i, int64_t l) { return (this->*of)(i, l); });
         };
-        const lines<T> p(m, k, rows_of_a), q(n, k, transposed(rows_of_a));
+        const auto columns = [this, k](auto of, int64_t count) {
+            return lines<T>(count, k,
+                            [this, of](int64_t j, int64_t l) { return (this->*of)(l, j); });
+        };
+        if (r_.has('e') && !left_)
+            return alpha_times(rows(&trial::b, m), columns(&trial::a, n));
+        if (r_.has('e') || r_.has('v'))
+            return alpha_times(rows(&trial::a, m), columns(&trial::b, n));
+        // C's own transpose: the columns of op(A)' are the rows of op(A).
+        const auto mirrored = [this, k](auto of, int64_t count) {
+            return lines<T>(count, k, [this, of](int64_t j, int64_t l) {
+                return std::optional<T>(vox::conj_if(r_.hermitian(), *(this->*of)(j, l)));
+            });
+        };
         if (!r_.has('B'))
-            return alpha_times(p, q);
+            return alpha_times(rows(&trial::a, m), mirrored(&trial::a, n));
         terms = 2 * k;
-        const auto one = alpha_times(p, lines<T>(n, k, transposed(rows_of_b)));
-        const lines<T> other(m, k, rows_of_b);
         const W factor = r_.hermitian() ? conjugate(alpha_) : alpha_;
-        return [=](int64_t i, int64_t j) {
-            return one(i, j).add(factor, test::product(other, i, q, j));
+        return [factor, one = alpha_times(rows(&trial::a, m), mirrored(&trial::b, n)),
+                p = rows(&trial::b, m), q = mirrored(&trial::a, n)](int64_t i, int64_t j) {
+            return one(i, j).add(factor, test::product(p, i, q, j));
         };
     }
     std::function<measured<T>(int64_t, int64_t)> alpha_times(lines<T> p, lines<T> q) const {

@@ -11,35 +11,35 @@ namespace {
 
 using namespace test;
 
-// One sum: how it is called, its value and a bound of its error.
+// A value and a bound of its error.
 struct expected {
     wide value;
     long double bound;
 };
+// A sum: how it is called, its terms, their error over their sizes' sum, and what is done to the sum.
 template <class T>
 struct reduction {
     std::string name;
     std::function<wide(form, const shape &, const T *, const T *)> call;
-    std::function<expected(const shape &, const T *, const T *)> reference;
+    std::function<wide(wide, wide)> term;
+    std::function<long double(vox_int)> constant;
+    std::function<void(const shape &, expected &)> finish = {};
+
+    expected reference(const shape &s, const T *x, const T *y) const {
+        expected sum = {0, 0};
+        for (vox_int i = 0; i < s.n; ++i) {
+            const wide t = term(widen(x[place(s.n, s.incx, i)]), widen(y[place(s.n, s.incy, i)]));
+            sum.value += t;
+            sum.bound += modulus(t);
+        }
+        sum.bound *= constant(s.n);
+        if (finish)
+            finish(s, sum);
+        return sum;
+    }
 };
 
-template <class T>
-long double magnitude(T a) {
-    return std::fabs(widen(a).real()) + std::fabs(widen(a).imag());
-}
-
-template <class T, class Term>
-expected sum_of(const shape &s, const T *x, const T *y, const Term &term, long double constant) {
-    expected sum = {0, 0};
-    for (vox_int i = 0; i < s.n; ++i) {
-        const wide t =
-            term(widen(x[place(s.n, s.incx, i)]), y ? widen(y[place(s.n, s.incy, i)]) : wide());
-        sum.value += t;
-        sum.bound += modulus(t);
-    }
-    sum.bound *= constant;
-    return sum;
-}
+long double magnitude(wide a) { return std::fabs(a.real()) + std::fabs(a.imag()); }
 
 // gamma(n), for complex numbers sqrt(2) gamma(n + 2): Higham, section 3.6.
 template <class T>
@@ -56,64 +56,48 @@ std::vector<reduction<T>> make_reductions() {
          [](form f, const shape &s, const T *x, const T *y) {
              return widen(dot(f, s.n, x, s.incx, y, s.incy));
          },
-         [](const shape &s, const T *x, const T *y) {
-             return sum_of(s, x, y, std::multiplies<wide>(), dot_constant<T>(s.n));
-         }},
+         std::multiplies<wide>(), dot_constant<T>},
         {"dotc",
          [](form f, const shape &s, const T *x, const T *y) {
              return widen(dotc(f, s.n, x, s.incx, y, s.incy));
          },
-         [](const shape &s, const T *x, const T *y) {
-             return sum_of(
-                 s, x, y, [](wide a, wide b) { return std::conj(a) * b; }, dot_constant<T>(s.n));
-         }},
+         [](wide a, wide b) { return std::conj(a) * b; }, dot_constant<T>},
         {"asum",
          [](form f, const shape &s, const T *x, const T *) {
              return wide(asum(f, s.n, x, s.incx));
          },
-         [](const shape &s, const T *x, const T *) {
+         [](wide a, wide) { return magnitude(a); }, [](vox_int n) { return test::gamma<R>(2 * n); },
+         [](const shape &s, expected &e) {
              if (s.incx < 1)
-                 return expected{0, 0};
-             return sum_of(
-                 s, x, static_cast<const T *>(nullptr),
-                 [](wide a, wide) { return wide(magnitude(a)); }, test::gamma<R>(2 * s.n));
+                 e = {0, 0};
          }},
         {"nrm2",
          [](form f, const shape &s, const T *x, const T *) {
              return wide(nrm2(f, s.n, x, s.incx));
          },
-         [](const shape &s, const T *x, const T *) {
-             const expected squares = sum_of(
-                 s, x, static_cast<const T *>(nullptr),
-                 [](wide a, wide) { return wide(std::norm(a)); }, 1);
-             const long double norm = std::sqrt(squares.value.real());
-             return expected{norm, norm * test::gamma<R>((is_complex<T> ? 2 : 1) * s.n / 2 + 2)};
+         [](wide a, wide) { return std::norm(a); }, [](vox_int) { return 0; },
+         [](const shape &s, expected &e) {
+             e.value = std::sqrt(e.value.real());
+             e.bound = e.value.real() * test::gamma<R>((is_complex<T> ? 2 : 1) * s.n / 2 + 2);
          }},
     };
     if constexpr (std::is_same_v<T, float>) {
         all.push_back({"dsdot",
                        [](form f, const shape &s, const T *x, const T *y) {
-                           return wide(f == form::c ? cblas_dsdot(s.n, x, s.incx, y, s.incy)
-                                                    : dsdot_(&s.n, x, &s.incx, y, &s.incy));
+                           return wide(either(f, cblas_dsdot, dsdot_, s.n, x, s.incx, y, s.incy));
                        },
-                       [](const shape &s, const T *x, const T *y) {
-                           return sum_of(s, x, y, std::multiplies<wide>(),
-                                         test::gamma<double>(s.n));
-                       }});
-        all.push_back({"sdsdot",
-                       [](form f, const shape &s, const T *x, const T *y) {
-                           const float b = 1.5F;
-                           return wide(f == form::c ? cblas_sdsdot(s.n, b, x, s.incx, y, s.incy)
-                                                    : sdsdot_(&s.n, &b, x, &s.incx, y, &s.incy));
-                       },
-                       [](const shape &s, const T *x, const T *y) {
-                           expected e = sum_of(s, x, y, std::multiplies<wide>(),
-                                               test::gamma<double>(s.n + 1));
-                           e.value += 1.5L;
-                           e.bound += unit_roundoff<float> * (std::abs(e.value) + e.bound) +
-                                      test::gamma<double>(s.n + 1) * 1.5L;
-                           return e;
-                       }});
+                       std::multiplies<wide>(), test::gamma<double>});
+        all.push_back(
+            {"sdsdot",
+             [](form f, const shape &s, const T *x, const T *y) {
+                 return wide(either(f, cblas_sdsdot, sdsdot_, s.n, 1.5F, x, s.incx, y, s.incy));
+             },
+             std::multiplies<wide>(), [](vox_int n) { return test::gamma<double>(n + 1); },
+             [](const shape &s, expected &e) {
+                 e.value += 1.5L;
+                 e.bound += unit_roundoff<float> * (std::abs(e.value) + e.bound) +
+                            test::gamma<double>(s.n + 1) * 1.5L;
+             }});
     }
     return all;
 }
@@ -129,7 +113,7 @@ int64_t place_of_best(const shape &s, const T *x, Better better) {
     if (s.n < 1 || s.incx < 1)
         return 0;
     using R = real_of<T>;
-    const auto key = [&](vox_int i) { return R(magnitude(x[size_t(i) * size_t(s.incx)])); };
+    const auto key = [&](vox_int i) { return R(magnitude(widen(x[size_t(i) * size_t(s.incx)]))); };
     vox_int best = 0;
     R best_key = key(best);
     for (vox_int i = 1; i < s.n; ++i)
@@ -151,7 +135,6 @@ void expect_places(const shape &s, const T *x) {
 
 template <class T>
 class Reductions : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, cfloat, cdouble>;
 TYPED_TEST_SUITE(Reductions, element_types);
 
 template <class T>

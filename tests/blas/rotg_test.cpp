@@ -5,44 +5,14 @@
 #include <limits>
 
 #include "tests/blas/level1.hpp"
+#include "tests/support/whole_range.hpp"
 
 namespace {
 
 using namespace test;
 
-template <class R>
-std::vector<R> magnitudes() {
-    using limits = std::numeric_limits<R>;
-    return {0,
-            limits::denorm_min() * 3,
-            limits::min(),
-            std::sqrt(limits::min()),
-            R(1) / 1024,
-            1,
-            R(1.5),
-            700,
-            std::sqrt(limits::max()),
-            limits::max() / 8};
-}
-
-// Numbers over the whole range, of both signs, and complex ones with parts of different size.
-template <class T>
-std::vector<T> numbers() {
-    std::vector<T> all;
-    using R = real_of<T>;
-    for (R re : magnitudes<R>())
-        if constexpr (is_complex<T>)
-            for (R im : magnitudes<R>())
-                all.push_back({all.size() % 2 ? re : -re, all.size() % 3 ? im : -im});
-        else
-            for (R sign : {R(1), R(-1)})
-                all.push_back(sign * re);
-    return all;
-}
-
 template <class T>
 class Rotg : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, cfloat, cdouble>;
 TYPED_TEST_SUITE(Rotg, element_types);
 
 // Each result comes from at most 12 roundings of relative size u. Where numbers are denormal, each part
@@ -55,8 +25,8 @@ TYPED_TEST(Rotg, IsAccurateOverTheWholeRange) {
         const long double lost = std::sqrt(2.0L) * 1.5L * limits::denorm_min();
         return std::abs(got - want) <= test::gamma<R>(12) * std::abs(want) + lost;
     };
-    for (T f : numbers<T>())
-        for (T g : numbers<T>())
+    for (T f : whole_range<T>())
+        for (T g : whole_range<T>())
             for (form which : {form::fortran, form::c}) {
                 const wide a = widen(f), b = widen(g);
                 const long double size_a = std::abs(a), size_b = std::abs(b);

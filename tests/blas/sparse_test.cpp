@@ -30,7 +30,6 @@ struct problem {
 
 template <class T>
 class Sparse : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, cfloat, cdouble>;
 TYPED_TEST_SUITE(Sparse, element_types);
 
 TYPED_TEST(Sparse, MovesAndUpdatesTheGivenPlacesAlone) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/support/child.hpp"
+#include "tests/support/verbose_lines.hpp"
 #include "vox/vox.h"
 
 namespace {
@@ -48,20 +49,10 @@ CHILD(verbose_calls) {
 }
 
 TEST(Verbose, ShowsIntegersByValueAndEverythingElseByAddress) {
-    const char *const lines[] = {"DAXPY(0,0x1,0x2,1,0x3,-2) ",
-                                 "ICAMAX(0,0x1,7) ",
-                                 "CSSCAL(0,0x1,0x2,1) ",
-                                 "ZDOTC(0,0x1,1,0x2,1) ",
-                                 "SAXPYI(0,0x1,0x2,0x3,0x4) ",
-                                 "DROTM(0,0x1,1,0x2,1,0x3) ",
-                                 "SDSDOT(0,0x"};
-    const std::string out = run_child(verbose_calls, {{"VOX_VERBOSE", "1"}}).out;
-    size_t from = 0;
-    for (const char *line : lines) {
-        const size_t found = out.find(std::string("\nVOX_VERBOSE ") + line, from);
-        ASSERT_NE(found, std::string::npos) << line << " in " << out;
-        from = found + 1;
-    }
+    expect_verbose_lines(run_child(verbose_calls, {{"VOX_VERBOSE", "1"}}).out,
+                         {"DAXPY(0,0x1,0x2,1,0x3,-2) ", "ICAMAX(0,0x1,7) ", "CSSCAL(0,0x1,0x2,1) ",
+                          "ZDOTC(0,0x1,1,0x2,1) ", "SAXPYI(0,0x1,0x2,0x3,0x4) ",
+                          "DROTM(0,0x1,1,0x2,1,0x3) ", "SDSDOT(0,0x"});
 }
 
 } // namespace

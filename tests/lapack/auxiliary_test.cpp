@@ -8,6 +8,7 @@
 #include "tests/lapack/fortran.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/reports.hpp"
+#include "tests/support/whole_range.hpp"
 #include "tests/support/wide.hpp"
 #include "vox/vox.h"
 
@@ -32,7 +33,6 @@ bool same(T a, T b) {
 
 template <class T>
 class Auxiliary : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
 TYPED_TEST_SUITE(Auxiliary, element_types);
 
 TYPED_TEST(Auxiliary, CopiesAndSetsTheNamedPart) {
@@ -148,31 +148,12 @@ TEST(Scaling, RefusesWrongArguments) {
     }
 }
 
-// Numbers of all sizes, of both signs, complex ones with parts of different size.
-template <class T>
-std::vector<T> numbers() {
-    using R = real_of<T>;
-    using limits = std::numeric_limits<R>;
-    const R sizes[] = {
-        0,   limits::denorm_min() * 3,     limits::min(),    std::sqrt(limits::min()) * 5, R(1.5),
-        700, std::sqrt(limits::max()) / 7, limits::max() / 8};
-    std::vector<T> all;
-    for (R re : sizes)
-        if constexpr (is_complex<T>)
-            for (R im : sizes)
-                all.push_back({all.size() % 2 ? re : -re, all.size() % 3 ? im : -im});
-        else
-            for (R sign : {R(1), R(-1)})
-                all.push_back(sign * re);
-    return all;
-}
-
 // What is there already, and vectors that go up and down; the sum is scale^2 sum.
 TYPED_TEST(Auxiliary, AddsSquares) {
     using T = TypeParam;
     using R = real_of<T>;
     using limits = std::numeric_limits<R>;
-    const auto x = numbers<T>();
+    const auto x = whole_range<T>();
     const auto length = vox_int(x.size());
     for (vox_int inc : {1, -1, 3, -3})
         for (vox_int first : {0, 1, length / 2})
@@ -215,8 +196,8 @@ TYPED_TEST(Auxiliary, RotatesOntoTheFirstAxis) {
     using limits = std::numeric_limits<R>;
     using number = std::complex<long double>;
     const long double lost = 2.2L * limits::denorm_min();
-    for (T f : numbers<T>())
-        for (T g : numbers<T>()) {
+    for (T f : whole_range<T>())
+        for (T g : whole_range<T>()) {
             const number a = widen(f), b = widen(g);
             const long double size = std::abs(a), length = std::sqrt(std::norm(a) + std::norm(b));
             if (length > limits::max())
@@ -266,10 +247,10 @@ TYPED_TEST(RealNumbers, HaveALength) {
                                                test::gamma<R>(8) * want + 2 * limits::denorm_min())
             << got << " " << want;
     };
-    for (R x : numbers<R>())
-        for (R y : numbers<R>()) {
+    for (R x : whole_range<R>())
+        for (R y : whole_range<R>()) {
             close(this->lapy2(x, y), std::hypot(static_cast<long double>(x), y));
-            for (R z : numbers<R>())
+            for (R z : whole_range<R>())
                 close(this->lapy3(x, y, z), std::hypot(static_cast<long double>(x), y, z));
         }
     const R inf = limits::infinity(), nan = limits::quiet_NaN();
@@ -286,10 +267,10 @@ TYPED_TEST(RealNumbers, HaveALength) {
 TYPED_TEST(RealNumbers, AreDividedInPairs) {
     using R = TypeParam;
     using limits = std::numeric_limits<R>;
-    for (R a : numbers<R>())
-        for (R b : numbers<R>())
-            for (R c : numbers<R>())
-                for (R d : numbers<R>()) {
+    for (R a : whole_range<R>())
+        for (R b : whole_range<R>())
+            for (R c : whole_range<R>())
+                for (R d : whole_range<R>()) {
                     const std::complex<long double> n(a, b), m(c, d);
                     if (std::abs(m) == 0)
                         continue;

@@ -13,9 +13,8 @@ template <class T>
 class Cholesky : public ::testing::Test {};
 template <class T>
 class Triangle : public ::testing::Test {};
-using all_types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Cholesky, all_types);
-TYPED_TEST_SUITE(Triangle, all_types);
+TYPED_TEST_SUITE(Cholesky, element_types);
+TYPED_TEST_SUITE(Triangle, element_types);
 
 constexpr int orders[] = {0,  1,  2,  3,  4,  5,  7,  8,  9,  15, 16,
                           17, 24, 31, 32, 33, 47, 49, 64, 65, 100};

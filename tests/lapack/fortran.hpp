@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "serv/scalar.hpp"
+#include "tests/support/element_types.hpp"
 #include "vox/lapack.h"
 
 namespace test {

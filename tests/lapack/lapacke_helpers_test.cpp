@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "tests/support/child.hpp"
+#include "tests/support/element_types.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/wide.hpp"
 #include "vox/vox.h"
@@ -129,7 +130,6 @@ T nan_of() {
 
 template <class T>
 class Helpers : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
 TYPED_TEST_SUITE(Helpers, element_types);
 
 TYPED_TEST(Helpers, FindANaNWhereverItCounts) {

@@ -36,8 +36,7 @@ class LapackeForms : public ::testing::Test {
         vox_thread_free_buffers();
     }
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(LapackeForms, types);
+TYPED_TEST_SUITE(LapackeForms, element_types);
 
 TYPED_TEST(LapackeForms, LayoutsGiveTheSame) {
     using T = TypeParam;

@@ -16,8 +16,7 @@ using namespace test;
 
 template <class T>
 class Lu : public ::testing::Test {};
-using all_types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Lu, all_types);
+TYPED_TEST_SUITE(Lu, element_types);
 
 template <class T>
 struct factored {
@@ -168,6 +167,8 @@ TYPED_TEST(Lu, PivotsAreTheFirstOfTheLargest) {
             column[first] = number(-7);
             column[m - 1] = number(7);
             EXPECT_EQ(pivot_of(column), first + 1) << m;
+            column[first] = number(nan);
+            EXPECT_EQ(pivot_of(column), first == 0 || first == m - 1 ? 1 : m) << m;
         }
     for (const int m : {4, 20, 100}) { // row 0 is the last one when it and row 1 compete
         matrix<TypeParam> a(m, 2);
@@ -198,21 +199,6 @@ TYPED_TEST(Lu, SingularMatricesAreFactoredToTheEnd) {
             EXPECT_EQ(invert(f), zero + 1);
             EXPECT_TRUE(a.same_bits(f.lu));
         }
-}
-
-TYPED_TEST(Lu, NaNAndInfinitiesEnd) {
-    using R = vox::real_of<TypeParam>;
-    for (const R bad : {std::numeric_limits<R>::quiet_NaN(), std::numeric_limits<R>::infinity()})
-        for (const int n : {3, 20, 70})
-            for (const int at : {0, n / 2, n - 1}) {
-                auto a = random_matrix<TypeParam>(n, n, 5);
-                a(at, at) = vox::make<TypeParam>(bad, bad);
-                auto f = factor(a);
-                EXPECT_EQ(f.info, 0);
-                for (int i = 0; i < n; ++i)
-                    EXPECT_TRUE(f.pivots[i] > i && f.pivots[i] <= n);
-                EXPECT_EQ(invert(f), 0);
-            }
 }
 
 TYPED_TEST(Lu, SolutionsHaveSmallResiduals) {

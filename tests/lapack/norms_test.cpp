@@ -121,7 +121,6 @@ std::vector<T> matrix_for(const question &q, real_of<T> scale) {
 
 template <class T>
 class Norms : public ::testing::Test {};
-using element_types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
 TYPED_TEST_SUITE(Norms, element_types);
 
 // m n terms, each a root of a sum of squares, which loses half a denormal number at most.

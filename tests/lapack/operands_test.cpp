@@ -21,8 +21,7 @@ class LapackOperands : public ::testing::Test {
   protected:
     void SetUp() override { LAPACKE_set_nancheck(1); }
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(LapackOperands, types);
+TYPED_TEST_SUITE(LapackOperands, element_types);
 
 template <class T>
 bool same(const std::vector<T> &a, const T *b) {

@@ -4,7 +4,6 @@
 #include <tuple>
 
 #include "tests/lapack/reflectors.hpp"
-#include "tests/support/failing_memory.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/thread_counts.hpp"
 
@@ -137,28 +136,8 @@ class Qr : public ::testing::Test {
                 expect_close(got, left, expected, one_norm(expected));
             }
     }
-
-    // Every refusal of memory in turn, and of all of it, leaves what `expect` checks right.
-    template <class Expect>
-    static void without_memory(const Expect &expect) {
-        const auto run = [&](int failing) {
-            SCOPED_TRACE(testing::Message() << "without allocation " << failing);
-            vox_free_buffers();
-            memory_requests = 0;
-            refused_request = failing;
-            expect();
-            refused_request = 0;
-            return int(memory_requests);
-        };
-        const int wanted = run(0);
-        EXPECT_GT(wanted, 0);
-        for (int failing = 1; failing <= wanted; ++failing)
-            run(failing);
-        run(every_request);
-    }
 };
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Qr, types);
+TYPED_TEST_SUITE(Qr, element_types);
 
 // Around vectors, panels' parts and panels; long and wide.
 constexpr std::tuple<int, int> shapes[] = {
@@ -207,17 +186,6 @@ TYPED_TEST(Qr, ProductsWithQ) {
         for (bool by_columns : {true, false})
             for (bool blocked : {true, false})
                 this->expect_products(order, others, k, by_columns, blocked);
-}
-
-TYPED_TEST(Qr, NoMemoryIsNeeded) {
-    this->without_memory([&] {
-        for (bool by_columns : {true, false}) {
-            this->expect_factors(70, 66, by_columns, true);
-            this->expect_q(70, 60, 50, by_columns, true);
-            this->expect_products(70, 3, 60, by_columns, true);
-            this->expect_products(70, 20, 60, by_columns, true);
-        }
-    });
 }
 
 // T and H of every kind: H(1) .. H(k) or H(k) .. H(1), in columns or in rows.

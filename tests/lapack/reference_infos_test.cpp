@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "serv/scalar.hpp"
+#include "tests/support/element_types.hpp"
 #include "tests/support/numbers.hpp"
 
 namespace {
@@ -95,50 +96,50 @@ operands<T> draw(unsigned seed) {
     return x;
 }
 
+// Parameters: n, 1 a right-hand side, A and B matrices with l their leading dimension, p pivots, w work
+// and its length, o U or L, N no option; info follows them.
+constexpr std::pair<const char *, const char *> routines[] = {
+    {"getrf", "nnAlp"},  {"getf2", "nnAlp"},   {"getrf2", "nnAlp"},    {"gesv", "n1AlpBl"},
+    {"potrf", "onAl"},   {"potf2", "onAl"},    {"potrf2", "onAl"},     {"posv", "on1AlBl"},
+    {"potri", "onAl"},   {"trtri", "oNnAl"},   {"trtrs", "oNNn1AlBl"}, {"geqrf", "nnAlBw"},
+    {"gelqf", "nnAlBw"}, {"gels", "Nnn1AlBlw"}};
+
 template <class T>
-vox_int info_of(const library &from, const std::string &stem, char option, operands<T> x) {
+vox_int info_of(const library &from, const char *stem, const char *parameters, char option,
+                operands<T> x) {
     vox_int info = 99;
-    const routine f = from.get(letter<T> + stem);
+    const routine f = from.get(letter<T> + std::string(stem));
     if (!f)
         return -12345;
-    const vox_int *const n = &x.n, *const ld = &x.ld;
-    void *const a = x.a.data(), *const b = x.b.data();
-    const char unit = 'N';
-    if (stem == "getrf" || stem == "getf2" || stem == "getrf2")
-        f(n, n, a, ld, x.pivots.data(), &info, 0, 0, 0, 0, 0);
-    else if (stem == "gesv")
-        f(n, &x.one, a, ld, x.pivots.data(), b, ld, &info, 0, 0, 0);
-    else if (stem == "potrf" || stem == "potf2" || stem == "potrf2" || stem == "potri")
-        f(&option, n, a, ld, &info, 0, 0, 0, 0, 0, 0);
-    else if (stem == "posv")
-        f(&option, n, &x.one, a, ld, b, ld, &info, 0, 0, 0);
-    else if (stem == "trtri")
-        f(&option, &unit, n, a, ld, &info, 0, 0, 0, 0, 0);
-    else if (stem == "trtrs")
-        f(&option, &unit, &unit, n, &x.one, a, ld, b, ld, &info, 0);
-    else if (stem == "geqrf" || stem == "gelqf")
-        f(n, n, a, ld, b, x.work.data(), &x.lwork, &info, 0, 0, 0);
-    else // gels
-        f(&unit, n, n, &x.one, a, ld, b, ld, x.work.data(), &x.lwork, &info);
+    std::vector<const void *> all;
+    for (const char *p = parameters; *p; ++p) {
+        const void *const address[] = {&x.n,    &x.one,          x.a.data(),    x.b.data(), &x.ld,
+                                       &option, x.pivots.data(), x.work.data(), "N"};
+        all.push_back(address[std::string_view("n1ABlopwN").find(*p)]);
+        if (*p == 'w')
+            all.push_back(&x.lwork);
+    }
+    all.push_back(&info);
+    all.resize(11);
+    f(all[0], all[1], all[2], all[3], all[4], all[5], all[6], all[7], all[8], all[9], all[10]);
     return info;
 }
 
 template <class T>
 class Infos : public ::testing::Test {};
-using types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
-TYPED_TEST_SUITE(Infos, types);
+TYPED_TEST_SUITE(Infos, test::element_types);
 
 TYPED_TEST(Infos, AreThoseOfTheReference) {
     ASSERT_NE(reference().handle, nullptr) << dlerror();
     for (unsigned seed = 1; seed <= 400; ++seed) {
         const operands<TypeParam> x = draw<TypeParam>(seed);
-        for (const char *stem : {"getrf", "getf2", "getrf2", "gesv", "potrf", "potf2", "potrf2",
-                                 "posv", "potri", "trtri", "trtrs", "geqrf", "gelqf", "gels"})
+        for (const auto &[stem, parameters] : routines)
             for (char option : {'U', 'L'}) {
                 // scaled by an infinite norm the matrix is zeros and NaN, and its rank an accident
                 if (x.has_infinity && std::string(stem) == "gels")
                     continue;
-                EXPECT_EQ(info_of(own, stem, option, x), info_of(reference(), stem, option, x))
+                EXPECT_EQ(info_of(own, stem, parameters, option, x),
+                          info_of(reference(), stem, parameters, option, x))
                     << stem << option << " n = " << x.n << " seed " << seed;
             }
     }

@@ -7,6 +7,7 @@
 #include <limits>
 #include <vector>
 
+#include "tests/support/element_types.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/wide.hpp"
 
