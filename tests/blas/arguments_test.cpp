@@ -5,8 +5,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "tests/blas/level2.hpp"
-#include "tests/blas/level3_table.hpp"
+#include "tests/blas/routine_tables.hpp"
 #include "tests/support/child.hpp"
 #include "tests/support/reports.hpp"
 #include "tests/support/verbose_lines.hpp"
@@ -77,18 +76,9 @@ arguments<T> valid(const routine<T> &r, CBLAS_LAYOUT layout, vox_int m, vox_int 
 template <class T>
 const char *bad_options(const routine<T> &r, char letter) {
     const bool update = r.has('N') && !r.has('v');
-    switch (letter) {
-    case 't':
+    if (letter == 't')
         return !update || !vox::is_complex<T> ? "RU " : r.hermitian() ? "TU " : "CU ";
-    case 'v':
-        return "RU ";
-    case 'u':
-        return "XNC";
-    case 'e':
-        return "UNC";
-    default:
-        return "XT ";
-    }
+    return letter == 'v' ? "RU " : letter == 'u' ? "XNC" : letter == 'e' ? "UNC" : "XT ";
 }
 
 template <class T>

@@ -1,11 +1,14 @@
 // draw.hpp - arguments for a routine of level 2 or 3, drawn so that every pair of values meets: forms, letters
-// of both cases, band widths, increments, padding, alpha and beta.
+// of both cases, band widths, increments, padding, alpha and beta; and what judging the outcome shares.
 #pragma once
 
+#include <cstring>
+#include <limits>
 #include <sstream>
 
 #include "tests/blas/calls.hpp"
 #include "tests/support/numbers.hpp"
+#include "tests/support/wide.hpp"
 
 namespace test {
 
@@ -90,6 +93,36 @@ std::ostream &operator<<(std::ostream &out, const drawn_call<T> &d) {
                                                : "C: ")
                << call_line(d.r, a) << " alpha " << vox::real(a.alpha) << ' ' << vox::imag(a.alpha)
                << " beta " << vox::real(a.beta) << ' ' << vox::imag(a.beta);
+}
+
+// A value put somewhere into an operand.
+struct plant {
+    char operand; // A, X or Y in level 2, A, B or C in level 3
+    double value;
+};
+template <class T>
+constexpr T not_to_be_read() {
+    constexpr auto nan = std::numeric_limits<vox::real_of<T>>::quiet_NaN();
+    return vox::make<T>(nan, nan);
+}
+// The bound of the error of a sum of k products with factors before it.
+template <class T>
+long double roundings(int64_t k) {
+    return gamma<vox::real_of<T>>(vox::is_complex<T> ? 2 * k + 4 : k + 2);
+}
+// What is wrong with an element, and with all others where those that are right are expected.
+template <class T>
+std::string wrong(int64_t i, int64_t j, T got, wide<T> expected, long double bound) {
+    std::ostringstream out;
+    out << "element " << i << ' ' << j << " is " << widen(got) << ", not " << expected << " +- "
+        << bound;
+    return out.str();
+}
+template <class T>
+std::string compare(const std::vector<T> &expected, const T *after) {
+    return expected.empty() || std::memcmp(expected.data(), after, expected.size() * sizeof(T)) == 0
+               ? ""
+               : "something other than the result was written";
 }
 
 // What is wrong with a call, as the reference of its level finds, everything else drawn.

@@ -43,15 +43,9 @@ struct exact_gemm {
     }
 
     vox::product<T> job(T *to) const {
-        return {m,
-                n,
-                k,
-                alpha,
-                {a.data(), lda, transa != 'N', transa == 'C'},
-                {b.data(), ldb, transb != 'N', transb == 'C'},
-                beta,
-                to,
-                ldc};
+        const vox::factor<T> x{a.data(), lda, transa != 'N', transa == 'C'};
+        const vox::factor<T> y{b.data(), ldb, transb != 'N', transb == 'C'};
+        return {m, n, k, alpha, x, y, beta, to, ldc};
     }
 
     // What is wrong in what run(C) makes of a copy of C, beyond its rows, too.

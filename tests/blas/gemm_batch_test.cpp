@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "tests/blas/level3_table.hpp"
+#include "tests/blas/routine_tables.hpp"
 #include "tests/support/child.hpp"
 #include "tests/support/reports.hpp"
 #include "tests/support/thread_counts.hpp"

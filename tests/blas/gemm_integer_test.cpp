@@ -187,15 +187,11 @@ TYPED_TEST(GemmInteger, IsExactAtTheEdgesOfRegisterBlocks) {
 }
 
 TYPED_TEST(GemmInteger, IsExactAtTheEdgesOfBlocksAndOnThreads) {
+    constexpr vox_int shapes[][3] = {{1010, 9, 40}, {17, 490, 33}, {90, 70, 768},   {50, 65, 769},
+                                     {7, 9, 1025},  {970, 485, 6}, {100, 100, 1300}};
     for (int threads : {1, 3, 4}) {
         this->counts.set(threads);
-        for (const auto &[m, n, k] : {std::tuple(1010, 9, 40),
-                                      {17, 490, 33},
-                                      {90, 70, 768},
-                                      {50, 65, 769},
-                                      {7, 9, 1025},
-                                      {970, 485, 6},
-                                      {100, 100, 1300}})
+        for (const auto &[m, n, k] : shapes)
             for (int repeat = 0; repeat < 3; ++repeat)
                 this->expect_right(m, n, k);
     }

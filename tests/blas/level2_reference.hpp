@@ -18,7 +18,8 @@
 #include <optional>
 #include <sstream>
 
-#include "tests/blas/level2.hpp"
+#include "tests/blas/draw.hpp"
+#include "tests/blas/routine_tables.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/numbers.hpp"
 #include "tests/support/wide.hpp"
@@ -66,20 +67,10 @@ inline size_t extent(int64_t n, int64_t inc) {
 }
 inline int64_t place(int64_t i, int64_t n, int64_t inc) { return (inc < 0 ? i - n + 1 : i) * inc; }
 
-// A value put somewhere into an operand; some vectors then begin or end with zeros.
-struct plant {
-    char operand; // A, X or Y
-    double value;
-};
-
 template <class T>
 class trial {
     using R = vox::real_of<T>;
     static constexpr bool is_complex = vox::is_complex<T>;
-    static constexpr T not_to_be_read() {
-        constexpr R nan = std::numeric_limits<R>::quiet_NaN();
-        return vox::make<T>(nan, nan);
-    }
 
   public:
     trial(const routine<T> &r, const arguments<T> &a, unsigned seed, std::optional<plant> p = {})
@@ -93,7 +84,7 @@ class trial {
         if (r.real_alpha())
             alpha_ = real_part(alpha_);
         make_operands();
-        if (p)
+        if (p) // some vectors then begin or end with zeros
             put(*p);
     }
 
@@ -125,7 +116,7 @@ class trial {
     }
 
     std::vector<T> vector(int64_t n, vox_int inc, bool read) {
-        std::vector<T> v(extent(n, inc), not_to_be_read());
+        std::vector<T> v(extent(n, inc), not_to_be_read<T>());
         for (int64_t i = 0; read && i < n; ++i)
             v[size_t(place(i, n, inc))] = number();
         return v;
@@ -136,7 +127,7 @@ class trial {
         x_ = vector(nx_, given_.incx, read);
         if (r_.has('Y'))
             y_ = vector(ny_, given_.incy, r_.updates() ? read : size(beta_) != 0);
-        a_.assign(size_t(s_.extent()), not_to_be_read());
+        a_.assign(size_t(s_.extent()), not_to_be_read<T>());
         // Substitution keeps its numbers small with a dominant diagonal.
         const T scale = vox::make<T>(r_.solves() ? R(1) / R(s_.n) : R(1));
         const T shift = vox::make<T>(r_.solves() ? R(1.5) : R(0));
@@ -148,7 +139,7 @@ class trial {
                     a_[size_t(s_.offset(i, i))] = diagonal(scale * number() + shift);
     }
     T diagonal(T element) const {
-        return r_.hermitian() ? vox::make<T>(vox::real(element), vox::imag(not_to_be_read()))
+        return r_.hermitian() ? vox::make<T>(vox::real(element), vox::imag(not_to_be_read<T>()))
                               : element;
     }
 
@@ -215,8 +206,6 @@ class trial {
         wide<T> value;
         long double bound;
     };
-    static long double roundings(int64_t k) { return gamma<R>(is_complex ? 2 * k + 4 : k + 2); }
-
     outcome product(int64_t i) const {
         const auto [first, end] = terms(i);
         wide<T> sum = {};
@@ -230,14 +219,14 @@ class trial {
                 magnitude += size(e) * size(factor);
             }
         if (triangular_)
-            return {sum, roundings(end - first) * magnitude};
+            return {sum, roundings<T>(end - first) * magnitude};
         magnitude *= size(alpha_);
         sum = size(alpha_) != 0 ? alpha_ * sum : wide<T>{};
         if (size(beta_) != 0) {
             sum = sum + beta_ * y(i);
             magnitude += size(beta_) * size(y(i));
         }
-        return {sum, roundings(std::max<int64_t>(0, end - first)) * magnitude};
+        return {sum, roundings<T>(std::max<int64_t>(0, end - first)) * magnitude};
     }
 
     // Element i of the solution from the other elements as they were computed: the residual's bound,
@@ -260,7 +249,8 @@ class trial {
         const int64_t k = end - first + (is_complex ? 3 : 0);
         // Behind a run of zeros a solution dies away: each product may underflow.
         const long double underflow = (4 * k + 4) * std::numeric_limits<R>::denorm_min();
-        return {rest * inverse, (roundings(k) * magnitude + underflow) * size(inverse) + underflow};
+        return {rest * inverse,
+                (roundings<T>(k) * magnitude + underflow) * size(inverse) + underflow};
     }
 
     outcome update(int64_t i, int64_t j) const {
@@ -281,7 +271,7 @@ class trial {
         }
         if (left_out_of_update(i, j))
             return {old, 0};
-        return {old + value, roundings(twice ? 2 : 1) * (size(old) + magnitude)};
+        return {old + value, roundings<T>(twice ? 2 : 1) * (size(old) + magnitude)};
     }
 
     std::string check_vector(const T *after) const {
@@ -291,7 +281,7 @@ class trial {
             const int64_t at = place(i, rows_, y_is_result ? given_.incy : given_.incx);
             const outcome o = r_.solves() ? solution(i, after) : product(i);
             if (!agrees(after[at], o.value, o.bound))
-                return wrong(i, 0, after[at], o);
+                return wrong(i, 0, after[at], o.value, o.bound);
             expected[size_t(at)] = after[at];
         }
         return compare(expected, after);
@@ -305,23 +295,10 @@ class trial {
                 const outcome o = update(i, j);
                 const bool real = i == j && hermitian_;
                 if (!agrees(after[at], o.value, o.bound) || (real && vox::imag(after[at]) != 0))
-                    return wrong(i, j, after[at], o);
+                    return wrong(i, j, after[at], o.value, o.bound);
                 expected[size_t(at)] = after[at];
             }
         return compare(expected, after);
-    }
-
-    // Bit for bit, once the results that are right are in their places.
-    static std::string compare(const std::vector<T> &expected, const T *after) {
-        return std::memcmp(expected.data(), after, expected.size() * sizeof(T)) == 0
-                   ? ""
-                   : "something other than the result was written";
-    }
-    static std::string wrong(int64_t i, int64_t j, T got, const outcome &o) {
-        std::ostringstream out;
-        out << "element " << i << ' ' << j << " is " << widen(got) << ", not " << o.value << " +- "
-            << o.bound;
-        return out.str();
     }
 
     const routine<T> &r_;

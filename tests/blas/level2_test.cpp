@@ -22,20 +22,12 @@ class Level2 : public ::testing::Test {
 };
 TYPED_TEST_SUITE(Level2, element_types);
 
-std::vector<vox_int> sizes() {
-    std::vector<vox_int> all;
-    for (vox_int n = 0; n <= 20; ++n)
-        all.push_back(n);
-    for (vox_int n : {31, 32, 33, 34, 35, 63, 64, 65, 66, 67})
-        all.push_back(n);
-    return all;
-}
-
 TYPED_TEST(Level2, StaysWithinTheErrorBoundsAndItsOperands) {
     for (const routine<TypeParam> &r : routines<TypeParam>())
         for (int combination = 0; combination < combinations(r); ++combination)
             for (int repeat = 0; repeat < 24; repeat += 2 * combinations(r))
-                for (vox_int n : sizes())
+                // 0 to 20, 31 to 35, 63 to 67
+                for (vox_int n = 0; n < 68; n += n == 20 ? 11 : n == 35 ? 28 : 1)
                     this->expect_right(r, this->lots.pick({0, 1, 2, 3, 5, 17, n, n, n + 1, 40}), n,
                                        combination);
 }

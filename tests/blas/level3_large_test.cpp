@@ -42,16 +42,10 @@ TYPED_TEST(Level3Threads, ProductsOfIntegersAreExact) {
 
 // Square, tall, wide and deep; and what a thread gets is less than one register block.
 TYPED_TEST(Level3Threads, AnyNumberOfThemStaysWithinTheErrorBounds) {
-    for (const auto &[m, n, k] : {std::tuple(301, 299, 300),
-                                  {2003, 32, 33},
-                                  {31, 2005, 32},
-                                  {16, 17, 20011},
-                                  {3, 997, 401},
-                                  {997, 2, 401},
-                                  {5013, 9, 12},
-                                  {11, 5013, 65},
-                                  {1, 1500, 700},
-                                  {1500, 1, 700}})
+    constexpr vox_int shapes[][3] = {
+        {301, 299, 300}, {2003, 32, 33}, {31, 2005, 32}, {16, 17, 20011}, {3, 997, 401},
+        {997, 2, 401},   {5013, 9, 12},  {11, 5013, 65}, {1, 1500, 700},  {1500, 1, 700}};
+    for (const auto &[m, n, k] : shapes)
         this->expect_right("gemm", m, n, k);
     for (const routine<TypeParam> &r : level3_routines<TypeParam>()) {
         const char *const name = r.name.c_str() + 1;

@@ -20,7 +20,7 @@
 #include <sstream>
 
 #include "tests/blas/draw.hpp"
-#include "tests/blas/level3_table.hpp"
+#include "tests/blas/routine_tables.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/wide.hpp"
 
@@ -135,21 +135,11 @@ measured<T> product(const lines<T> &p, int64_t i, const lines<T> &q, int64_t j) 
         return {re, magnitude};
 }
 
-// A value put somewhere into an operand.
-struct plant {
-    char operand; // A, B or C
-    double value;
-};
-
 template <class T>
 class trial {
     using R = vox::real_of<T>;
     using W = wide<T>;
     static constexpr bool is_complex = vox::is_complex<T>;
-    static constexpr T not_to_be_read() {
-        constexpr R nan = std::numeric_limits<R>::quiet_NaN();
-        return vox::make<T>(nan, nan);
-    }
 
   public:
     // scales: of the equations that are solved, in turn. integers: small ones, of which products have no
@@ -213,7 +203,7 @@ class trial {
         const bool read = size(alpha_) != 0;
         for (stored_matrix<T> *m : {&a_, &b_, &c_})
             for (T &value : m->values)
-                value = m == &result_ ? number() : not_to_be_read();
+                value = m == &result_ ? number() : not_to_be_read<T>();
         for (int64_t j = 0; j < a_.columns && read; ++j)
             for (int64_t i = 0; i < a_.rows; ++i)
                 if (!r_.has('e'))
@@ -223,21 +213,21 @@ class trial {
         // A system's right-hand sides have its scale, so that solutions are of the order of one.
         for (int64_t j = 0; j < b_.columns; ++j)
             for (int64_t i = 0; i < b_.rows; ++i)
-                b_(i, j) = !read ? not_to_be_read() : R(scale(left_ ? i : j)) * number();
+                b_(i, j) = !read ? not_to_be_read<T>() : R(scale(left_ ? i : j)) * number();
         for (int64_t j = 0; j < c_.columns; ++j)
             for (int64_t i = 0; i < c_.rows; ++i)
                 if (in_result(i, j) && size(beta_) == 0)
-                    c_(i, j) = not_to_be_read();
+                    c_(i, j) = not_to_be_read<T>();
                 else if (i == j && real_diagonal_)
-                    c_(i, j) = vox::make<T>(vox::real(c_(i, j)), vox::imag(not_to_be_read()));
+                    c_(i, j) = vox::make<T>(vox::real(c_(i, j)), vox::imag(not_to_be_read<T>()));
     }
     T in_triangle(int64_t i, int64_t j) {
         if (i == j && unit_)
-            return not_to_be_read();
+            return not_to_be_read<T>();
         const T e = number();
         if (!r_.solves())
             return i == j && r_.hermitian()
-                       ? vox::make<T>(vox::real(e), vox::imag(not_to_be_read()))
+                       ? vox::make<T>(vox::real(e), vox::imag(not_to_be_read<T>()))
                        : e;
         // Substitution keeps its numbers small with a dominant diagonal. An equation is a row of op(A) at
         // the left, a column at the right.
@@ -283,11 +273,6 @@ class trial {
                 return vox::make<T>(vox::real(m(i, j)));
         }
         return vox::conj_if(conjugated, m(i, j));
-    }
-
-    static long double roundings(int64_t k) { return gamma<R>(is_complex ? 2 * k + 4 : k + 2); }
-    static long double roundings_of_solving(int64_t k) {
-        return roundings(k + (is_complex ? 3 : 0));
     }
 
     // alpha P Q and how many terms there are to an element; nothing where alpha = 0 or k = 0.
@@ -354,7 +339,7 @@ class trial {
                     right.add(beta_, measure(real ? vox::make<T>(vox::real(old)) : old));
                 }
                 all.push_back({real ? real_part(right.value) : right.value,
-                               integers_ ? 0 : roundings(terms) * right.magnitude});
+                               integers_ ? 0 : roundings<T>(terms) * right.magnitude});
             }
         return all;
     }
@@ -375,7 +360,7 @@ class trial {
                 expected(i, j) = got;
                 ++right;
             }
-        return compare(expected, after);
+        return compare(expected.values, after.values.data());
     }
 
     // Each element of the solution from the other elements as they were computed: the residual's bound,
@@ -402,27 +387,14 @@ class trial {
                 const W inverse = W(1) / diagonal.value;
                 right.value = right.value * inverse;
                 const long double bound =
-                    (roundings_of_solving(n) * right.magnitude + underflow) * size(inverse) +
+                    (roundings<T>(n + (is_complex ? 3 : 0)) * right.magnitude + underflow) *
+                        size(inverse) +
                     underflow;
                 if (!agrees(got, right.value, bound))
                     return wrong(i, j, got, right.value, bound);
                 expected(i, j) = got;
             }
-        return compare(expected, after);
-    }
-
-    // Bit for bit, once the results that are right are in their places.
-    static std::string compare(const stored_matrix<T> &expected, const stored_matrix<T> &after) {
-        return expected.values.empty() || std::memcmp(expected.values.data(), after.values.data(),
-                                                      expected.values.size() * sizeof(T)) == 0
-                   ? ""
-                   : "something other than the result was written";
-    }
-    static std::string wrong(int64_t i, int64_t j, T got, W expected, long double bound) {
-        std::ostringstream out;
-        out << "element " << i << ' ' << j << " is " << widen(got) << ", not " << expected << " +- "
-            << bound;
-        return out.str();
+        return compare(expected.values, after.values.data());
     }
 
     const routine<T> &r_;

@@ -78,7 +78,6 @@ TYPED_TEST(Rotg, CarriesNaN) {
 
 template <class R>
 class Rotmg : public ::testing::Test {};
-using real_types = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(Rotmg, real_types);
 
 struct matrix {

@@ -63,22 +63,13 @@ TYPED_TEST(Auxiliary, CopiesAndSetsTheNamedPart) {
 
 // Rows of the array that hold column j; kl and ku are 2 and 1, or 2 both for a symmetric band.
 bool is_scaled(char type, vox_int m, vox_int n, vox_int i, vox_int j) {
-    switch (type) {
-    case 'L':
-        return i >= j && i < m;
-    case 'U':
-        return i <= j && i < m;
-    case 'H':
-        return i <= j + 1 && i < m;
-    case 'B':
-        return i <= 2 && i + j < n;
-    case 'Q':
-        return i <= 2 && i + j >= 2;
-    case 'Z':
-        return i >= 2 && i <= 5 && i + j >= 3 && i + j < m + 3;
-    default:
-        return i < m;
-    }
+    return type == 'L'   ? i >= j && i < m
+           : type == 'U' ? i <= j && i < m
+           : type == 'H' ? i <= j + 1 && i < m
+           : type == 'B' ? i <= 2 && i + j < n
+           : type == 'Q' ? i <= 2 && i + j >= 2
+           : type == 'Z' ? i >= 2 && i <= 5 && i + j >= 3 && i + j < m + 3
+                         : i < m;
 }
 
 // At most four factors; what is denormal in the end loses half a denormal number in each.
@@ -235,7 +226,6 @@ class RealNumbers : public ::testing::Test {
         return {q.real, q.imag};
     }
 };
-using real_types = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(RealNumbers, real_types);
 
 TYPED_TEST(RealNumbers, HaveALength) {

@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "lapack/drivers/scaled_solve.hpp"
-#include "tests/lapack/fortran.hpp"
-#include "tests/lapack/support.hpp"
+#include "tests/lapack/reflectors.hpp"
 
 namespace {
 
@@ -54,11 +53,7 @@ matrix<E> inverse_of(matrix<E> a) {
 }
 template <class E>
 long double norm_of(char norm, const matrix<E> &a) {
-    matrix<E> t(a.columns(), a.rows());
-    for (int j = 0; j < a.columns(); ++j)
-        for (int i = 0; i < a.rows(); ++i)
-            t(j, i) = a(i, j);
-    return one_norm(norm == 'I' ? t : a);
+    return one_norm(norm == 'I' ? adjoint(a) : a);
 }
 
 // An estimate of a norm is never too large, and Higham found none below a third of it in matrices that

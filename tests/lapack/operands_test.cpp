@@ -21,7 +21,7 @@ class LapackOperands : public ::testing::Test {
   protected:
     void SetUp() override { LAPACKE_set_nancheck(1); }
 };
-TYPED_TEST_SUITE(LapackOperands, element_types);
+TYPED_TEST_SUITE(LapackOperands, test::element_types);
 
 template <class T>
 bool same(const std::vector<T> &a, const T *b) {
@@ -31,7 +31,7 @@ bool same(const std::vector<T> &a, const T *b) {
 // The last line of a matrix ends at its last element, not at the leading dimension.
 TYPED_TEST(LapackOperands, NothingBesideThemIsTouched) {
     using T = TypeParam;
-    for (vox_int n = 1; n <= 40; n += n < 18 ? 1 : 11) {
+    for (vox_int n = 1; n <= 75; n += n < 18 ? 1 : 11) {
         const sizes s{n, 1 + n % 9, n + n % 6};
         for (const routine<T> &r : routines<T>(s))
             for (int layout : layouts)

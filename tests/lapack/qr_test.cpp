@@ -161,28 +161,19 @@ TYPED_TEST(Qr, ThreadsFactorWhatOneDoes) {
 }
 
 TYPED_TEST(Qr, QHasOrthonormalVectors) {
-    for (const auto &[order, count, k] : {std::tuple(1, 1, 1),
-                                          {5, 3, 3},
-                                          {5, 5, 2},
-                                          {9, 9, 0},
-                                          {33, 20, 11},
-                                          {70, 70, 70},
-                                          {140, 130, 100},
-                                          {129, 129, 64},
-                                          {130, 70, 65}})
+    constexpr int sizes[][3] = {{1, 1, 1},       {5, 3, 3},      {5, 5, 2},
+                                {9, 9, 0},       {33, 20, 11},   {70, 70, 70},
+                                {140, 130, 100}, {129, 129, 64}, {130, 70, 65}};
+    for (const auto &[order, count, k] : sizes)
         for (bool by_columns : {true, false})
             for (bool blocked : {true, false})
                 this->expect_q(order, count, k, by_columns, blocked);
 }
 
 TYPED_TEST(Qr, ProductsWithQ) {
-    for (const auto &[order, others, k] : {std::tuple(1, 1, 1),
-                                           {4, 3, 4},
-                                           {17, 1, 9},
-                                           {30, 7, 30},
-                                           {40, 9, 33},
-                                           {129, 5, 100},
-                                           {150, 33, 131}})
+    constexpr int sizes[][3] = {{1, 1, 1},   {4, 3, 4},     {17, 1, 9},    {30, 7, 30},
+                                {40, 9, 33}, {129, 5, 100}, {150, 33, 131}};
+    for (const auto &[order, others, k] : sizes)
         for (bool by_columns : {true, false})
             for (bool blocked : {true, false})
                 this->expect_products(order, others, k, by_columns, blocked);

@@ -1,8 +1,7 @@
 // matrix_calls.cpp - levels 2 and 3, batches of products, packed factors and integer products.
 #include <cmath>
 
-#include "tests/blas/level2.hpp"
-#include "tests/blas/level3_table.hpp"
+#include "tests/blas/routine_tables.hpp"
 #include "tests/process/routine_calls.hpp"
 
 namespace {

@@ -8,5 +8,6 @@
 namespace test {
 
 using element_types = ::testing::Types<float, double, vox_complex_float, vox_complex_double>;
+using real_types = ::testing::Types<float, double>;
 
 } // namespace test

@@ -1,4 +1,4 @@
-// level2.hpp - the routines of level 2, for every test of them.
+// routine_tables.hpp - the routines of levels 2 and 3, but for batches, for every test of them.
 #pragma once
 
 #include "tests/blas/calls.hpp"
@@ -21,8 +21,18 @@ namespace test {
     ROUTINE(p, hpr2, "unsXiYjA"), FORTRAN_ROUTINE(p, symv, "unsALXibYj"),                          \
     FORTRAN_ROUTINE(p, spmv, "unsAXibYj"), FORTRAN_ROUTINE(p, syr, "unsXiAL"),                     \
     FORTRAN_ROUTINE(p, spr, "unsXiA"),
+#define LEVEL3_ROUTINES(p)                                                                         \
+    ROUTINE(p, gemm, "tvmnKsALBMbCN"), ROUTINE(p, gemmt, "utvnKsALBMbCN"),                         \
+    ROUTINE(p, symm, "eumnsALBMbCN"), ROUTINE(p, syrk, "utnKsALbCN"),                              \
+    ROUTINE(p, syr2k, "utnKsALBMbCN"), ROUTINE(p, trmm, "eutdmnsALBM"),                            \
+    ROUTINE(p, trsm, "eutdmnsALBM"),
+#define REAL_LEVEL3_ROUTINES(p)
+#define COMPLEX_LEVEL3_ROUTINES(p)                                                                 \
+    ROUTINE(p, gemm3m, "tvmnKsALBMbCN"), ROUTINE(p, hemm, "eumnsALBMbCN"),                         \
+    ROUTINE(p, herk, "utnKsALbCN"), ROUTINE(p, her2k, "utnKsALBMbCN"),
 // clang-format on
 
 ROUTINE_TABLE(routines, ROUTINES, REAL_ROUTINES, COMPLEX_ROUTINES)
+ROUTINE_TABLE(level3_routines, LEVEL3_ROUTINES, REAL_LEVEL3_ROUTINES, COMPLEX_LEVEL3_ROUTINES)
 
 } // namespace test
