@@ -22,8 +22,9 @@ namespace {
 
 using namespace test;
 
-// Optimised code of the one compiler; the others have a look at each stratum.
-#if defined(NDEBUG) && defined(__OPTIMIZE__) && !defined(__clang__)
+// Optimised code of the one compiler; the others and the sanitizers have a look at each stratum.
+#if defined(NDEBUG) && defined(__OPTIMIZE__) && !defined(__clang__) &&                             \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 constexpr size_t sample_size = 1 << 20, slices = 2039;
 #else
 constexpr size_t sample_size = 1 << 15, slices = 65521;
