@@ -310,13 +310,13 @@ TYPED_TEST(GemmPacked, BadArgumentsAreReportedWithTheirNumbers) {
             EXPECT_EQ(reports,
                       family<T>::upper + ("ALLOC" + position) + family<T>::c + "alloc" + position);
         }
-        const auto expect = [&](bool c, vox_int ld) {
+        const auto expect = [&, first = number](bool c, vox_int ld) {
             reports.clear();
             pack<T>(c, CblasRowMajor, v.identifier, v.trans, v.m, v.n, v.k, 1, nullptr, ld,
                     nullptr);
             EXPECT_EQ(reports, (c ? family<T>::c + std::string("pack:")
                                   : family<T>::upper + std::string("PACK:")) +
-                                   std::to_string(number + c) + ' ');
+                                   std::to_string(first + c) + ' ');
         };
         expect(false, v.ld);
         // A row-major factor is as wide as its transpose is high.
